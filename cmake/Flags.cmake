@@ -1,0 +1,30 @@
+# One interface target carries what every source of ours is compiled with.
+add_library(kv_flags INTERFACE)
+target_compile_features(kv_flags INTERFACE cxx_std_20)
+set(CMAKE_CXX_EXTENSIONS OFF)
+target_include_directories(kv_flags INTERFACE "${PROJECT_SOURCE_DIR}")
+target_compile_options(kv_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    # GCC 12 sees overlaps and overflows in std::string and std::vector that are not there (GCC bugs 105329, 105651).
+    target_compile_options(kv_flags INTERFACE -Wno-restrict -Wno-stringop-overflow)
+endif()
+if(KV_WARNINGS_AS_ERRORS)
+    target_compile_options(kv_flags INTERFACE -Werror)
+endif()
+if(KV_SANITIZE)
+    target_compile_options(kv_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
+                                              -fno-omit-frame-pointer)
+    target_link_options(kv_flags INTERFACE -fsanitize=address,undefined)
+endif()
+
+# What a target that uses Qt adds: the widgets and no short keywords in our headers.
+add_library(kv_qt_flags INTERFACE)
+target_compile_definitions(kv_qt_flags INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
+target_link_libraries(kv_qt_flags INTERFACE kv_flags Qt6::Widgets)
+
+# kv_use_qt(target): links Qt, runs moc and compiles Qt's headers once per target.
+function(kv_use_qt target)
+    target_link_libraries(${target} PUBLIC kv_qt_flags)
+    set_target_properties(${target} PROPERTIES AUTOMOC ON)
+    target_precompile_headers(${target} PRIVATE <QtWidgets>)
+endfunction()
