@@ -1,0 +1,65 @@
+#pragma once
+// What the controller does to the world beyond files: alerts, opening a file for the user, well-known folders and the
+// log. `main` composes the real ones and hands them over in one Platform.
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform {
+
+/// A modal alert. Both texts are shown as plain text.
+struct Alert {
+    enum class Style { warning = 0, informational = 1, critical = 2 };
+
+    std::string messageText;
+    std::string informativeText;
+    std::vector<std::string> buttons;
+    Style style = Style::warning;
+};
+
+class Alerts {
+public:
+    static constexpr int kFirstButton = 1000;
+
+    virtual ~Alerts() = default;
+    /// Shows the alert and returns when a button was pressed: kFirstButton for the first, one more for each further
+    /// one. Dismissing it otherwise counts as its last button.
+    virtual int runModal(const Alert& alert) = 0;
+};
+
+class Workspace {
+public:
+    virtual ~Workspace() = default;
+    /// Opens a file in the user's default application for it, whether or not the file exists.
+    virtual void openFile(const std::filesystem::path& path) = 0;
+};
+
+class Folders {
+public:
+    virtual ~Folders() = default;
+    /// The user's home folder.
+    virtual std::filesystem::path home() const = 0;
+    /// The machine-wide Application Support folder.
+    virtual std::filesystem::path localApplicationSupport() const = 0;
+};
+
+/// The system log: one line a call, in order.
+class Log {
+public:
+    virtual ~Log() = default;
+    virtual void write(std::string_view line) = 0;
+    /// Hands everything written so far to the system.
+    virtual void flush() = 0;
+};
+
+/// The one bundle of effects that the controller is given; all outlive it.
+struct Platform {
+    Alerts& alerts;
+    Workspace& workspace;
+    Folders& folders;
+    Log& log;
+};
+
+} // namespace platform
