@@ -1,0 +1,144 @@
+#include "platform/Files.h"
+
+#include <cerrno>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace platform::files {
+
+namespace {
+
+/// An open file descriptor that closes itself.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : number_(number) {}
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    Descriptor& operator=(Descriptor&&) = delete;
+    ~Descriptor() { close(); }
+
+    int number() const { return number_; }
+    explicit operator bool() const { return number_ >= 0; }
+    /// False when the system reports a write error only now.
+    bool close() { return number_ < 0 || ::close(std::exchange(number_, -1)) == 0; }
+
+private:
+    int number_;
+};
+
+bool writeWhole(int descriptor, std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return false;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+bool flushToDisk(int descriptor)
+{
+    // Some network file systems cannot flush and say so with EINVAL; that is as safe as they get.
+    return ::fsync(descriptor) == 0 || errno == EINVAL;
+}
+
+/// Makes a rename in the folder survive a power cut. The file is in its place either way.
+void flushFolder(const Path& folder)
+{
+    const Descriptor descriptor(::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (descriptor)
+        ::fsync(descriptor.number());
+}
+
+bool writePartial(Descriptor descriptor, std::string_view bytes, std::optional<std::filesystem::perms> mode)
+{
+    if (!writeWhole(descriptor.number(), bytes))
+        return false;
+    if (mode && ::fchmod(descriptor.number(), static_cast<mode_t>(*mode)) != 0)
+        return false;
+    return flushToDisk(descriptor.number()) && descriptor.close();
+}
+
+} // namespace
+
+bool exists(const Path& path)
+{
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) == 0;
+}
+
+std::optional<std::string> read(const Path& path, std::size_t limit)
+{
+    // Without O_NONBLOCK a pipe that stands where a file should be would stop the program.
+    const Descriptor descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status = {};
+    if (!descriptor || ::fstat(descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    if (static_cast<std::uintmax_t>(status.st_size) > limit)
+        return std::nullopt;
+    std::string bytes(static_cast<std::size_t>(status.st_size) + 1, '\0'); // one more tells a file that grew
+    std::size_t used = 0;
+    for (;;) {
+        if (used == bytes.size())
+            bytes.resize(bytes.size() * 2);
+        const ssize_t got = ::read(descriptor.number(), bytes.data() + used, bytes.size() - used);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return std::nullopt;
+        used += static_cast<std::size_t>(got);
+        if (used > limit)
+            return std::nullopt;
+        if (got == 0)
+            break;
+    }
+    bytes.resize(used);
+    return bytes;
+}
+
+bool remove(const Path& path)
+{
+    return ::unlink(path.c_str()) == 0;
+}
+
+std::optional<std::filesystem::perms> permissions(const Path& path)
+{
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    return static_cast<std::filesystem::perms>(status.st_mode & 0777);
+}
+
+bool writeAtomically(const Path& path, std::string_view bytes, std::optional<std::filesystem::perms> mode)
+{
+    const Path partial = partialName(path);
+    files::remove(partial); // what a killed process may have left
+    Descriptor descriptor(::open(partial.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+    if (!descriptor)
+        return false;
+    if (!writePartial(std::move(descriptor), bytes, mode) || ::rename(partial.c_str(), path.c_str()) != 0) {
+        files::remove(partial);
+        return false;
+    }
+    flushFolder(path.parent_path());
+    return true;
+}
+
+bool copy(const Path& from, const Path& to)
+{
+    const auto mode = permissions(from);
+    const auto bytes = read(from);
+    return bytes && writeAtomically(to, *bytes, mode);
+}
+
+Path partialName(const Path& path)
+{
+    return path.parent_path() / ("." + path.filename().native() + ".kv-part");
+}
+
+} // namespace platform::files

@@ -1,0 +1,127 @@
+#include "platform/StreamLog.h"
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+std::atomic<StreamLog*> theDyingLog = nullptr;
+std::terminate_handler formerTerminate = nullptr;
+
+constexpr int kFatalSignals[] = {SIGHUP, SIGINT,  SIGQUIT, SIGTERM, SIGABRT, SIGSEGV,
+                                 SIGBUS, SIGILL,  SIGFPE,  SIGXCPU, SIGXFSZ};
+
+void writeWhole(int descriptor, const char* bytes, std::size_t size) noexcept
+{
+    while (size > 0) {
+        const ssize_t written = ::write(descriptor, bytes, size);
+        if (written > 0) {
+            bytes += written;
+            size -= static_cast<std::size_t>(written);
+        } else if (errno != EINTR) {
+            return; // nobody reads the log any more
+        }
+    }
+}
+
+void flushDyingLog() noexcept
+{
+    if (StreamLog* log = theDyingLog.exchange(nullptr))
+        log->flushFromSignal();
+}
+
+extern "C" void writeLogAndDie(int signal)
+{
+    flushDyingLog();
+    // The handler was reset to the default on entry, so this ends the process the way the signal would have.
+    ::raise(signal);
+}
+
+void writeLogOnDeath()
+{
+    static const bool installed = [] {
+        std::atexit([] { flushDyingLog(); });
+        formerTerminate = std::set_terminate([] {
+            flushDyingLog();
+            formerTerminate();
+        });
+        for (const int signal : kFatalSignals) {
+            struct sigaction action = {};
+            if (::sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL)
+                continue; // ignored on purpose, or a sanitizer's
+            action.sa_handler = writeLogAndDie;
+            action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
+            ::sigemptyset(&action.sa_mask);
+            ::sigaction(signal, &action, nullptr);
+        }
+        ::signal(SIGPIPE, SIG_IGN); // a closed log must not end the program
+        return true;
+    }();
+    static_cast<void>(installed);
+}
+
+} // namespace
+
+StreamLog::StreamLog(int descriptor) : descriptor_(descriptor)
+{
+    writeLogOnDeath();
+    theDyingLog = this;
+}
+
+StreamLog::~StreamLog()
+{
+    flush();
+    StreamLog* self = this;
+    theDyingLog.compare_exchange_strong(self, nullptr);
+}
+
+void StreamLog::write(std::string_view line)
+{
+    static constexpr char kDigits[] = "0123456789abcdef";
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(line[i]);
+        if (byte >= 0x20 && byte != 0x7f)
+            continue;
+        append(line.substr(start, i - start));
+        const char escaped[] = {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 0xf]};
+        append({escaped, sizeof escaped});
+        start = i + 1;
+    }
+    append(line.substr(start));
+    append("\n");
+}
+
+void StreamLog::append(std::string_view bytes)
+{
+    if (bytes.size() > buffer_.size() - used_)
+        flush();
+    if (bytes.size() > buffer_.size()) {
+        writeWhole(descriptor_, bytes.data(), bytes.size());
+        return;
+    }
+    std::memcpy(buffer_.data() + used_, bytes.data(), bytes.size());
+    used_ += bytes.size();
+}
+
+void StreamLog::flush()
+{
+    writeWhole(descriptor_, buffer_.data(), used_);
+    used_ = 0;
+}
+
+void StreamLog::flushFromSignal() noexcept
+{
+    writeWhole(descriptor_, buffer_.data(), used_);
+    used_ = 0;
+}
+
+} // namespace platform
