@@ -1,0 +1,155 @@
+#include "platform/qt/Bindings.h"
+
+#include "platform/qt/Text.h"
+
+#include <QAbstractButton>
+#include <QButtonGroup>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QScreen>
+#include <QSignalBlocker>
+
+#include <functional>
+#include <utility>
+#include <vector>
+
+namespace platform::qt {
+
+namespace {
+
+/// Holds connections and controls for as long as the widget it is a child of.
+class Binding : public QObject {
+public:
+    Binding(QObject* widget, std::shared_ptr<void> control) : QObject(widget), control_(std::move(control)) {}
+
+    void keep(Connection connection) { connections_.push_back(std::move(connection)); }
+
+private:
+    std::shared_ptr<void> control_;
+    std::vector<Connection> connections_; // before the control, so that they go first
+};
+
+/// Shows a property now and on every change.
+template <typename T>
+void follow(Binding* binding, Property<T>& property, std::function<void(const T&)> show)
+{
+    show(property.get());
+    binding->keep(property.onChange(std::move(show)));
+}
+
+class WindowBinding final : public Binding {
+public:
+    WindowBinding(QWidget* widget, const std::shared_ptr<Window>& window)
+        : Binding(widget, window), window_(window.get())
+    {
+        widget->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (!event->spontaneous() && event->type() == QEvent::Show)
+            window_->visible.set(true);
+        if (!event->spontaneous() && event->type() == QEvent::Hide)
+            window_->visible.set(false);
+        return false;
+    }
+
+private:
+    Window* window_;
+};
+
+void centreOnScreen(QWidget* widget)
+{
+    const QRect area = widget->screen()->availableGeometry();
+    QRect frame = widget->frameGeometry();
+    frame.moveCenter(area.center());
+    widget->move(frame.topLeft());
+}
+
+} // namespace
+
+void bind(const std::shared_ptr<TextField>& field, QLabel* label)
+{
+    auto* binding = new Binding(label, field);
+    follow<std::string>(binding, field->stringValue, [label](const std::string& text) { label->setText(toQt(text)); });
+    follow<std::string>(binding, field->toolTip, [label](const std::string& text) { label->setToolTip(toQt(text)); });
+}
+
+void bind(const std::shared_ptr<TextField>& field, QLineEdit* edit)
+{
+    auto* binding = new Binding(edit, field);
+    follow<std::string>(binding, field->stringValue, [edit](const std::string& text) {
+        if (fromQt(edit->text()) != text)
+            edit->setText(toQt(text));
+    });
+    QObject::connect(edit, &QLineEdit::textChanged, binding,
+                     [control = field.get()](const QString& text) { control->stringValue.set(fromQt(text)); });
+}
+
+void bind(const std::shared_ptr<TextField>& field, QPlainTextEdit* edit)
+{
+    auto* binding = new Binding(edit, field);
+    follow<std::string>(binding, field->stringValue, [edit](const std::string& text) {
+        const QSignalBlocker quiet(edit); // the edit may read other line ends; what was set is what counts
+        if (fromQt(edit->toPlainText()) != text)
+            edit->setPlainText(toQt(text));
+    });
+    QObject::connect(edit, &QPlainTextEdit::textChanged, binding,
+                     [control = field.get(), edit] { control->stringValue.set(fromQt(edit->toPlainText())); });
+}
+
+void bind(const std::shared_ptr<Button>& button, QAbstractButton* widget)
+{
+    auto* binding = new Binding(widget, button);
+    follow<bool>(binding, button->enabled, [widget](const bool& enabled) { widget->setEnabled(enabled); });
+    QObject::connect(widget, &QAbstractButton::clicked, binding, [control = button.get()] { control->pressed.emit(); });
+}
+
+void bind(const std::shared_ptr<RadioMatrix>& matrix, QButtonGroup* group)
+{
+    auto* binding = new Binding(group, matrix);
+    follow<std::int32_t>(binding, matrix->selectedTag, [group](const std::int32_t& tag) {
+        const QSignalBlocker quiet(group);
+        if (QAbstractButton* cell = group->button(tag))
+            cell->setChecked(true);
+    });
+    QObject::connect(group, &QButtonGroup::idToggled, binding, [control = matrix.get()](int tag, bool chosen) {
+        if (!chosen)
+            return;
+        control->selectedTag.set(tag);
+        control->cellChosen.emit();
+    });
+}
+
+void bind(const std::shared_ptr<Window>& window, QWidget* widget)
+{
+    auto* binding = new WindowBinding(widget, window);
+    follow<bool>(binding, window->visible, [widget](const bool& visible) {
+        if (visible)
+            widget->show();
+        else
+            widget->close();
+    });
+    binding->keep(window->broughtToFront.connect([widget] {
+        widget->show();
+        widget->raise();
+        widget->activateWindow();
+    }));
+    binding->keep(window->centred.connect([widget] { centreOnScreen(widget); }));
+}
+
+void bindFilter(const std::shared_ptr<ArrayController>& controller, QLineEdit* edit)
+{
+    auto* binding = new Binding(edit, controller);
+    follow<std::string>(binding, controller->filterText, [edit](const std::string& text) {
+        if (fromQt(edit->text()) != text)
+            edit->setText(toQt(text));
+    });
+    QObject::connect(edit, &QLineEdit::textChanged, binding,
+                     [control = controller.get()](const QString& text) { control->filterText.set(fromQt(text)); });
+}
+
+} // namespace platform::qt

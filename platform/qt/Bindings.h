@@ -1,0 +1,32 @@
+#pragma once
+// Ties an observable control to the widget that shows it. A binding lives as long as the widget and keeps the control
+// alive meanwhile.
+
+#include "platform/ArrayController.h"
+#include "platform/Controls.h"
+
+#include <memory>
+
+class QAbstractButton;
+class QButtonGroup;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QWidget;
+
+namespace platform::qt {
+
+/// The label shows text and tool tip; it is never read.
+void bind(const std::shared_ptr<TextField>& field, QLabel* label);
+/// The field holds what is typed and the edit shows what is set.
+void bind(const std::shared_ptr<TextField>& field, QLineEdit* edit);
+void bind(const std::shared_ptr<TextField>& field, QPlainTextEdit* edit);
+void bind(const std::shared_ptr<Button>& button, QAbstractButton* widget);
+/// The group's button ids are the cells' tags.
+void bind(const std::shared_ptr<RadioMatrix>& matrix, QButtonGroup* group);
+/// Showing, closing, raising and centring go to the widget; closing by the user comes back.
+void bind(const std::shared_ptr<Window>& window, QWidget* widget);
+/// The edit narrows the controller's rows while one types.
+void bindFilter(const std::shared_ptr<ArrayController>& controller, QLineEdit* edit);
+
+} // namespace platform::qt

@@ -1,0 +1,29 @@
+#pragma once
+// A one-line label that shortens with an ellipsis what does not fit. Its `text` property stays whole, and its text is
+// never taken for markup.
+
+#include <QLabel>
+
+namespace platform::qt {
+
+class ElidedLabel final : public QLabel {
+    Q_OBJECT
+
+public:
+    explicit ElidedLabel(QWidget* parent = nullptr);
+
+    void setElideMode(Qt::TextElideMode mode);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString singleLine() const;
+
+    Qt::TextElideMode mode_ = Qt::ElideRight;
+};
+
+} // namespace platform::qt

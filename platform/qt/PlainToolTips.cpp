@@ -1,0 +1,42 @@
+#include "platform/qt/PlainToolTips.h"
+
+#include <QAbstractItemView>
+#include <QHelpEvent>
+#include <QTextDocument>
+#include <QToolTip>
+#include <QWidget>
+
+namespace platform::qt {
+
+namespace {
+
+/// The item view whose viewport the widget is, or null.
+QAbstractItemView* viewOf(QWidget* widget)
+{
+    auto* view = qobject_cast<QAbstractItemView*>(widget->parentWidget());
+    return view && view->viewport() == widget ? view : nullptr;
+}
+
+QString toolTipAt(QWidget* widget, const QPoint& position)
+{
+    if (const QAbstractItemView* view = viewOf(widget))
+        return view->indexAt(position).data(Qt::ToolTipRole).toString();
+    return widget->toolTip();
+}
+
+} // namespace
+
+bool PlainToolTips::eventFilter(QObject* watched, QEvent* event)
+{
+    auto* widget = event->type() == QEvent::ToolTip ? qobject_cast<QWidget*>(watched) : nullptr;
+    if (!widget)
+        return false;
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const QString text = toolTipAt(widget, help->pos());
+    if (!Qt::mightBeRichText(text))
+        return false;
+    QToolTip::showText(help->globalPos(), Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal), widget);
+    return true;
+}
+
+} // namespace platform::qt

@@ -1,0 +1,82 @@
+#include "platform/qt/RecordListView.h"
+
+#include <QHeaderView>
+#include <QMouseEvent>
+#include <QScopedValueRollback>
+
+#include <utility>
+
+namespace platform::qt {
+
+RecordListView::RecordListView(QWidget* parent) : QTreeView(parent)
+{
+    setRootIsDecorated(false);
+    setItemsExpandable(false);
+    setUniformRowHeights(true);
+    setAllColumnsShowFocus(true);
+    setAlternatingRowColors(true);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    connect(this, &QTreeView::clicked, this, [this](const QModelIndex& index) {
+        if (table_ && index.row() == rowBeforePress_)
+            table_->rowChosen.emit();
+    });
+}
+
+void RecordListView::follow(std::shared_ptr<ArrayController> controller, std::shared_ptr<TableView> table)
+{
+    controller_ = std::move(controller);
+    table_ = std::move(table);
+    selection_ = controller_->selectionChanged.connect([this] { showSelection(); });
+    showSelection();
+}
+
+void RecordListView::mousePressEvent(QMouseEvent* event)
+{
+    rowBeforePress_ = selectedRow();
+    QTreeView::mousePressEvent(event);
+}
+
+QItemSelectionModel::SelectionFlags RecordListView::selectionCommand(const QModelIndex& index,
+                                                                     const QEvent* event) const
+{
+    const auto command = QTreeView::selectionCommand(index, event);
+    // A click with Ctrl would take the choice back and leave nothing chosen.
+    if (command.testFlag(QItemSelectionModel::Toggle) || command.testFlag(QItemSelectionModel::Deselect))
+        return QItemSelectionModel::NoUpdate;
+    return command;
+}
+
+void RecordListView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
+{
+    QTreeView::selectionChanged(selected, deselected);
+    const std::int32_t row = selectedRow();
+    if (showingSelection_ || !controller_ || row == ArrayController::kNoSelection)
+        return;
+    controller_->setSelectionIndex(row);
+    table_->rowChosen.emit();
+}
+
+std::int32_t RecordListView::selectedRow() const
+{
+    const QModelIndexList rows = selectionModel() ? selectionModel()->selectedRows() : QModelIndexList();
+    return rows.isEmpty() ? ArrayController::kNoSelection : rows.front().row();
+}
+
+void RecordListView::showSelection()
+{
+    const QScopedValueRollback guard(showingSelection_, true);
+    const std::int32_t row = controller_->selectionIndex();
+    if (row == ArrayController::kNoSelection) {
+        selectionModel()->clear();
+        return;
+    }
+    if (row == selectedRow() && currentIndex().row() == row)
+        return;
+    const QModelIndex index = model()->index(row, 0);
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    scrollTo(index);
+}
+
+} // namespace platform::qt

@@ -1,0 +1,39 @@
+#pragma once
+// A list of records in columns with one selected row, tied to an array controller and a table view both ways. A row is
+// chosen by a click, by moving to it with the keyboard, or by a click on the row that is chosen already.
+
+#include "platform/ArrayController.h"
+#include "platform/Controls.h"
+
+#include <QTreeView>
+
+#include <memory>
+
+namespace platform::qt {
+
+class RecordListView final : public QTreeView {
+    Q_OBJECT
+
+public:
+    explicit RecordListView(QWidget* parent = nullptr);
+
+    /// Ties the selection of this view, whose model shows the controller's rows, to the controller's.
+    void follow(std::shared_ptr<ArrayController> controller, std::shared_ptr<TableView> table);
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override;
+    void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
+
+private:
+    std::int32_t selectedRow() const;
+    void showSelection();
+
+    std::shared_ptr<ArrayController> controller_;
+    std::shared_ptr<TableView> table_;
+    bool showingSelection_ = false;
+    std::int32_t rowBeforePress_ = ArrayController::kNoSelection;
+    Connection selection_;
+};
+
+} // namespace platform::qt

@@ -1,0 +1,61 @@
+#include "platform/qt/RecordTableModel.h"
+
+#include "platform/qt/RecordSort.h"
+#include "platform/qt/Text.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace platform::qt {
+
+RecordTableModel::RecordTableModel(std::shared_ptr<ArrayController> controller, std::vector<RecordColumn> columns,
+                                   std::string toolTipKey, QObject* parent)
+    : QAbstractTableModel(parent), controller_(std::move(controller)), columns_(std::move(columns)),
+      toolTipKey_(std::move(toolTipKey)), rows_(controller_->arrangedCount())
+{
+    arranged_ = controller_->arrangedChanged.connect([this] {
+        beginResetModel();
+        rows_ = controller_->arrangedCount();
+        endResetModel();
+    });
+}
+
+int RecordTableModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : rows_;
+}
+
+int RecordTableModel::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(columns_.size());
+}
+
+QVariant RecordTableModel::data(const QModelIndex& index, int role) const
+{
+    const Record* record = controller_->arrangedObject(index.row());
+    if (!record || (role != Qt::DisplayRole && role != Qt::ToolTipRole))
+        return {};
+    const std::string& ownKey = columns_.at(static_cast<std::size_t>(index.column())).key;
+    const bool ofRow = role == Qt::ToolTipRole && !toolTipKey_.empty();
+    return toQt(record->text(ofRow ? toolTipKey_ : ownKey));
+}
+
+QVariant RecordTableModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= columnCount())
+        return {};
+    return columns_[static_cast<std::size_t>(section)].title;
+}
+
+void RecordTableModel::sort(int column, Qt::SortOrder order)
+{
+    if (column < 0 || column >= columnCount())
+        return;
+    std::vector<std::string> keys;
+    for (const RecordColumn& each : columns_)
+        keys.push_back(each.key);
+    std::rotate(keys.begin(), keys.begin() + column, keys.begin() + column + 1);
+    controller_->setArrangement(sortedBy(std::move(keys), order));
+}
+
+} // namespace platform::qt

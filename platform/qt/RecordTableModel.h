@@ -1,0 +1,42 @@
+#pragma once
+// The rows of an array controller for an item view: one column per record key.
+
+#include "platform/ArrayController.h"
+
+#include <QAbstractTableModel>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace platform::qt {
+
+struct RecordColumn {
+    QString title;
+    std::string key;
+};
+
+class RecordTableModel final : public QAbstractTableModel {
+    Q_OBJECT
+
+public:
+    /// `toolTipKey` names the text shown when the pointer rests on any cell of a row; empty: the cell's own text.
+    RecordTableModel(std::shared_ptr<ArrayController> controller, std::vector<RecordColumn> columns,
+                     std::string toolTipKey, QObject* parent = nullptr);
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    /// Sorts by the column first, then by the others from the left; as a person sorts (case and digits).
+    void sort(int column, Qt::SortOrder order) override;
+
+private:
+    std::shared_ptr<ArrayController> controller_;
+    std::vector<RecordColumn> columns_;
+    std::string toolTipKey_;
+    std::int32_t rows_ = 0;
+    Connection arranged_;
+};
+
+} // namespace platform::qt

@@ -1,0 +1,25 @@
+#pragma once
+// The real effects on a desktop: modal message boxes, the desktop's file opener, the user's folders.
+
+#include "platform/Effects.h"
+
+namespace platform::qt {
+
+class MessageBoxAlerts final : public Alerts {
+public:
+    int runModal(const Alert& alert) override;
+};
+
+class DesktopWorkspace final : public Workspace {
+public:
+    void openFile(const std::filesystem::path& path) override;
+};
+
+/// Home is `HOME`. The machine-wide library is /Library, or the folder that KV_LOCAL_LIBRARY names.
+class UserFolders final : public Folders {
+public:
+    std::filesystem::path home() const override;
+    std::filesystem::path localApplicationSupport() const override;
+};
+
+} // namespace platform::qt
