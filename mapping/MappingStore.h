@@ -1,0 +1,35 @@
+#pragma once
+// A parameter-order file on disk with its two backups: path + ".original", as it stood before the first save, and
+// path + ".prev", as it stood before the latest one. Outcomes of single deletes, copies and writes are not examined;
+// the order of the steps is what keeps the last good content in a backup.
+
+#include "mapping/MappingFile.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace mapping {
+
+using Path = std::filesystem::path;
+
+/// Path of the backup with the suffix "original" or "prev".
+Path backupPath(const Path& file, std::string_view suffix);
+
+/// The file's root dictionary as a mapping; a file that cannot be read as a dictionary reads as an empty one.
+LoadedMapping readMapping(const Path& file, std::optional<std::int32_t> keptMode);
+
+/// Writes the plug-in's catalogue into the file unless it carries one. A file that cannot be read as a dictionary is
+/// deleted and nothing takes its place; that is meant.
+void markFile(const Path& file);
+
+/// Makes the backups and writes the mapping into the file. A file that cannot be read as a dictionary is deleted after
+/// the backups were made and nothing takes its place; that is meant.
+void saveMapping(const Path& file, const std::vector<platform::Record>& entries, std::int32_t mode);
+
+/// Puts a backup in place of the file; the backup stays. False, and nothing changed, when there is no such backup.
+bool recallBackup(const Path& file, std::string_view suffix);
+
+} // namespace mapping

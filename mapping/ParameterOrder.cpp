@@ -1,0 +1,120 @@
+#include "mapping/ParameterOrder.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace mapping {
+
+using platform::Record;
+
+namespace {
+
+Record entry(std::string_view number, std::string_view name, std::int32_t page, std::int32_t controlNo)
+{
+    return {{kParamNum, std::string(number)}, {kParameter, std::string(name)}, {kKorvelPage, page},
+            {kKorvelControlNo, controlNo}};
+}
+
+} // namespace
+
+Record entryFromElement(std::string_view element, std::int32_t page, std::int32_t controlNo)
+{
+    const auto blank = element.find(' ');
+    if (blank == std::string_view::npos)
+        return emptyEntry(page, controlNo);
+    return entry(element.substr(0, blank), element.substr(blank + 1), page, controlNo);
+}
+
+Record emptyEntry(std::int32_t page, std::int32_t controlNo)
+{
+    return entry(kEmptyNumber, kEmptyName, page, controlNo);
+}
+
+bool isEmptyEntry(const Record& entry)
+{
+    return entry.text(kParameter) == kEmptyName;
+}
+
+const std::string& nameAt(const std::vector<Record>& entries, std::int32_t position)
+{
+    static const std::string kNone = kEmptyName;
+    const auto index = static_cast<std::size_t>(position);
+    return index < entries.size() ? entries[index].text(kParameter) : kNone;
+}
+
+std::int32_t pageOfElement(std::int32_t n)
+{
+    return n < 9 ? 1 : 2 + (n - 9) / kPotsPerPage;
+}
+
+std::optional<std::int32_t> modeFromText(std::string_view text)
+{
+    if (text == "1")
+        return kModeInstrument;
+    if (text == "0")
+        return kModeInsertEffect;
+    return std::nullopt;
+}
+
+std::int32_t guessedMode(const std::vector<std::string>& catalogue)
+{
+    // Without its first letter, so that Volume and volume both count.
+    const auto speaksOfVolume = [](const std::string& element) { return element.find("olume") != std::string::npos; };
+    return std::any_of(catalogue.begin(), catalogue.end(), speaksOfVolume) ? kModeInstrument : kModeInsertEffect;
+}
+
+std::vector<std::string> catalogueOf(const std::vector<std::string>& order)
+{
+    std::vector<std::string> catalogue = {kEmptyElement};
+    std::unordered_set<std::string_view> seen = {kEmptyElement};
+    for (const std::string& element : order) {
+        if (seen.insert(element).second)
+            catalogue.push_back(element);
+    }
+    return catalogue;
+}
+
+std::vector<Record> parameterList(const std::vector<std::string>& catalogue)
+{
+    std::vector<Record> list;
+    list.reserve(catalogue.size() + 1);
+    list.push_back(emptyEntry(0, 0));
+    for (const std::string& element : catalogue) {
+        Record parameter = entryFromElement(element, 0, 0);
+        if (!(isEmptyEntry(parameter) && parameter.text(kParamNum) == kEmptyNumber))
+            list.push_back(std::move(parameter));
+    }
+    return list;
+}
+
+std::vector<Record> mappingOf(const std::vector<std::string>& order)
+{
+    std::vector<Record> entries;
+    entries.reserve(order.size() + kPotsPerPage);
+    std::int32_t page = 1;
+    for (const std::string& element : order) {
+        const auto position = static_cast<std::int32_t>(entries.size());
+        page = pageOfElement(position + 1);
+        entries.push_back(entryFromElement(element, page, position));
+    }
+    while (entries.empty() || entries.size() % kPotsPerPage != 0)
+        entries.push_back(emptyEntry(page, static_cast<std::int32_t>(entries.size())));
+    return entries;
+}
+
+std::string elementFromEntry(const Record& entry)
+{
+    if (isEmptyEntry(entry))
+        return kEmptyElement;
+    return entry.text(kParamNum) + ' ' + entry.text(kParameter);
+}
+
+std::vector<std::string> orderOf(const std::vector<Record>& entries)
+{
+    std::vector<std::string> order;
+    order.reserve(entries.size());
+    std::transform(entries.begin(), entries.end(), std::back_inserter(order), elementFromEntry);
+    return order;
+}
+
+} // namespace mapping

@@ -1,0 +1,76 @@
+#include "app/ViewController.h"
+#include "mapping/EditingState.h"
+#include "mapping/MappingStore.h"
+
+#include <optional>
+#include <utility>
+
+bool ViewController::isMappingLoaded() const
+{
+    return !mapping::plistBuild.empty() && !labPluginPlistLocation()->stringValue.get().empty();
+}
+
+bool ViewController::isPluginBeingEdited() const
+{
+    return isMappingLoaded() && myArrayController()->selection() != nullptr;
+}
+
+void ViewController::korvelizePlistFile(const std::string& path)
+{
+    mapping::markFile(path);
+}
+
+void ViewController::readPlistFileCheckMode(const std::string& path, std::int32_t checkMode)
+{
+    const bool modeFromFile = checkMode == 1;
+    auto loaded = mapping::readMapping(path, modeFromFile ? std::nullopt : std::optional(mapping::plugin_Mode));
+    arrayControllerPlistSelected()->setContent({});
+    arrayControllerPlistSelected()->filterText.set({});
+    arrayControllerPlistSelected()->setContent(std::move(loaded.parameters));
+    mapping::plugin_Mode = loaded.mode;
+    mapping::plistBuild = std::move(loaded.entries);
+    mapping::totalPages = loaded.totalPages;
+    if (modeFromFile)
+        changePlugInModeAndReadPlist(loaded.mode, 0);
+}
+
+void ViewController::kvExportToPlist(Sender)
+{
+    exportToPlist();
+}
+
+void ViewController::exportToPlist()
+{
+    if (!isMappingLoaded())
+        return;
+    const std::string path = labPluginPlistLocation()->stringValue.get();
+    mapping::saveMapping(path, mapping::plistBuild, mapping::plugin_Mode);
+    alertUserAndSub("New Mapping has been saved",
+                    "Please remember to close and re-open plugin within Logic so that changes are updated\n\n\n"
+                    "Backup of previous plist file has been saved here:\n\n" +
+                        mapping::backupPath(path, "prev").native());
+}
+
+void ViewController::kvRecallOriginalMapping(Sender)
+{
+    recallOriginalMapping("original");
+}
+
+void ViewController::kvRecallPreviousMapping(Sender)
+{
+    recallOriginalMapping("prev");
+}
+
+void ViewController::recallOriginalMapping(const std::string& suffix)
+{
+    if (!isPluginBeingEdited())
+        return;
+    if (!mapping::recallBackup(labPluginPlistLocation()->stringValue.get(), suffix)) {
+        alertUserAndSub("Recall file does not exist",
+                        "Please Note: Original, and Previous backup files will only exist once a mapping has been "
+                        "saved, simply reselect plugin on left menu to reload the default file again.");
+        return;
+    }
+    plugInSelected();
+    alertUserAndSub("Recalled mapping has been applied", "Now saved as this plugins default");
+}

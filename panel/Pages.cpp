@@ -1,0 +1,58 @@
+#include "panel/Pages.h"
+
+#include "mapping/ParameterOrder.h"
+
+namespace panel {
+
+using mapping::kPotsPerPage;
+
+std::int32_t firstSlotOf(std::int32_t page)
+{
+    return (page - 1) * kPotsPerPage;
+}
+
+std::int32_t slotFor(std::int32_t page, std::int32_t pot)
+{
+    return firstSlotOf(page) + pot;
+}
+
+std::string pageReadOut(std::int32_t page, std::int32_t totalPages)
+{
+    return "Page " + std::to_string(page) + " of " + std::to_string(totalPages);
+}
+
+std::string totalReadOut(std::int32_t totalPages)
+{
+    return std::to_string(totalPages) + (totalPages < 2 ? " Page" : " Pages");
+}
+
+void appendPage(Entries& entries, std::int32_t page)
+{
+    for (int pot = 0; pot < kPotsPerPage; ++pot)
+        entries.push_back(mapping::emptyEntry(page, static_cast<std::int32_t>(entries.size())));
+}
+
+void removePage(Entries& entries, std::int32_t page)
+{
+    const auto first = entries.begin() + firstSlotOf(page);
+    entries.erase(first, first + kPotsPerPage);
+}
+
+void clearFirstPage(Entries& entries)
+{
+    for (std::size_t position = 0; position < kPotsPerPage; ++position)
+        setContent(entries.at(position), {mapping::kEmptyNumber, mapping::kEmptyName});
+}
+
+SlotContent contentOf(const platform::Record& entry)
+{
+    return {entry.text(mapping::kParamNum), entry.text(mapping::kParameter)};
+}
+
+void setContent(platform::Record& entry, const SlotContent& content)
+{
+    entry.set(mapping::kParamNum, content.number);
+    entry.set(mapping::kParameter, content.name);
+}
+
+} // namespace panel

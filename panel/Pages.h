@@ -1,0 +1,47 @@
+#pragma once
+// The mapping as pages of eight slots: where a page begins, what the read-outs say, and the edits of whole pages.
+
+#include "platform/Record.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace panel {
+
+using Entries = std::vector<platform::Record>;
+
+/// Position (from 0) of a page's (from 1) first slot.
+std::int32_t firstSlotOf(std::int32_t page);
+
+/// Position of a pot (0 to 7) on a page (from 1).
+std::int32_t slotFor(std::int32_t page, std::int32_t pot);
+
+/// "Page 2 of 3"
+std::string pageReadOut(std::int32_t page, std::int32_t totalPages);
+
+/// "1 Page", "3 Pages"
+std::string totalReadOut(std::int32_t totalPages);
+
+/// Appends eight empty entries that carry the page number given.
+void appendPage(Entries& entries, std::int32_t page);
+
+/// Removes a page's eight entries; later entries move forward as they are, not renumbered.
+void removePage(Entries& entries, std::int32_t page);
+
+/// Empties the first page's slots. The entries behind it stay, on purpose: a save still writes them, and a page added
+/// later lies behind them.
+void clearFirstPage(Entries& entries);
+
+/// What a slot holds of a parameter.
+struct SlotContent {
+    std::string number;
+    std::string name;
+};
+
+SlotContent contentOf(const platform::Record& entry);
+
+/// Puts a parameter into a slot; the slot keeps its own page and position.
+void setContent(platform::Record& entry, const SlotContent& content);
+
+} // namespace panel

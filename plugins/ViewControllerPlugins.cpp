@@ -1,0 +1,73 @@
+#include "app/ViewController.h"
+#include "mapping/EditingState.h"
+#include "mapping/ParameterOrder.h"
+#include "plugins/PluginScan.h"
+
+#include <utility>
+
+void ViewController::btnRunCheck(Sender)
+{
+    myArrayController()->setContent({});
+    arrayControllerPlistSelected()->setContent({});
+    const auto& folders = platform_.folders;
+    checkFilesAndType((folders.localApplicationSupport() / "Logic/Plug-In Settings").native(), "Logic");
+    checkFilesAndType((folders.home() / "Library/Audio/Presets").native(), "3rd Party");
+    labKOScreen_Title()->stringValue.set("Please Select a plugin");
+}
+
+void ViewController::checkFilesAndType(const std::string& root, const std::string&)
+{
+    myArrayController()->addObjects(plugins::scanFolder(root, platform_.log));
+    labelHelperDisplay()->stringValue.set("Please Select a Plugin");
+}
+
+void ViewController::tablePluginSelected(Sender)
+{
+    closeAllAuxillaryWindows();
+    plugInSelected();
+}
+
+void ViewController::tablePlistView(Sender) {}
+
+void ViewController::plugInSelected()
+{
+    mapping::curPage = 1;
+    arrayControllerPlistSelected()->setSelectionIndex(0);
+    const std::string plugin = myArrayController()->selectionText(plugins::kPlugin);
+    const std::string type = myArrayController()->selectionText(plugins::kType);
+    const std::string path = myArrayController()->selectionText(plugins::kFileLocation);
+    labKOScreen_Title()->stringValue.set(plugin + " (" + type + ")");
+    labPluginPlistLocation()->stringValue.set(path);
+    korvelizePlistFile(path);
+    readPlistFileCheckMode(path, 1);
+    populateKnobLabels(1);
+    arrayControllerPlistSelected()->setSelectionIndex(0);
+}
+
+void ViewController::changePlugInModeAndReadPlist(std::int32_t mode, std::int32_t readPlist)
+{
+    mapping::plugin_Mode = mode;
+    kvPluginMode()->selectCell(mode != mapping::kModeInsertEffect ? 0 : 1);
+    if (readPlist == 1)
+        readPlistFileCheckMode(myArrayController()->selectionText(plugins::kFileLocation), 0);
+    populateKnobLabels(1);
+    arrayControllerPlistSelected()->setSelectionIndex(0);
+    const std::string plugin = myArrayController()->selectionText(plugins::kPlugin);
+    // The help lines differ in their preposition; both are meant.
+    if (mapping::plugin_Mode != mapping::kModeInsertEffect) {
+        mainTitle_Sub()->stringValue.set("Logic Pro Instrument Mapper");
+        updateHelperDisplay("Editing " + plugin + " using Instrument Mode");
+    } else {
+        mainTitle_Sub()->stringValue.set("Logic Pro Insert/Effect Mapper");
+        updateHelperDisplay("Editing " + plugin + " in Insert/Effect Mode");
+    }
+}
+
+void ViewController::kvPluginMode_Changed(std::shared_ptr<RadioMatrix> sender)
+{
+    if (!isPluginBeingEdited())
+        return;
+    mapping::plugin_Mode = sender->selectedTag.get();
+    updateHelperDisplay("Reading Parameters... Please Wait...");
+    changePlugInModeAndReadPlist(mapping::plugin_Mode, 1);
+}
