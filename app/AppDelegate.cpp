@@ -1,0 +1,6 @@
+#include "app/AppDelegate.h"
+
+AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate()
+{
+    return TerminateReply::now;
+}

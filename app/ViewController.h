@@ -1,0 +1,138 @@
+#pragma once
+// The main window's controller: it receives every action of the interface and carries out every operation of the
+// program. A member reads state, calls a function of its folder, stores the result, and refreshes or alerts.
+//
+// Contents
+//   Shell                  app/ViewController.cpp
+//   Plug-in library        plugins/ViewControllerPlugins.cpp
+//   Mapping document       mapping/ViewControllerMapping.cpp
+//   Control panel          panel/ViewControllerPanel.cpp
+//   Pages                  panel/ViewControllerPages.cpp
+//   Assignment             panel/ViewControllerAssignment.cpp
+//   Chart                  chart/ViewControllerChart.cpp
+//   Community              community/ViewControllerCommunity.cpp
+
+#include "app/Outlets.h"
+#include "platform/Effects.h"
+#include "platform/ViewControllerBase.h"
+
+#include <any>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+class ViewController final : public platform::ViewControllerBase, public Outlets {
+public:
+    using Sender = platform::Sender;
+
+    explicit ViewController(platform::Platform& platform) : platform_(platform) {}
+
+    // Shell
+
+    /// Scans for plug-ins. Does not call the base class; keep it so.
+    void viewDidLoad() override;
+    void setRepresentedObject(std::any object) override;
+
+    /// Shows a modal alert with one "OK" button; returns when it was dismissed.
+    void alertUserAndSub(const std::string& messageText, const std::string& informativeText);
+    /// Closes the three community windows, whichever are open.
+    void closeAllAuxillaryWindows();
+    void kvHelpMe(Sender sender = nullptr);
+
+    // Plug-in library
+
+    /// Empties both lists and scans both folders anew; nothing is selected afterwards.
+    void btnRunCheck(Sender sender = nullptr);
+    /// Appends a row for every parameter-order file below `root`. No row uses the type label.
+    void checkFilesAndType(const std::string& root, const std::string& type);
+    void tablePluginSelected(Sender sender = nullptr);
+    void tablePlistView(Sender sender = nullptr);
+    /// Starts a fresh edit of the selected row's plug-in.
+    void plugInSelected();
+    /// Shows a mode (1 instrument, 0 insert/effect); with `readPlist` 1 the file is re-read, unsaved changes are lost.
+    void changePlugInModeAndReadPlist(std::int32_t mode, std::int32_t readPlist);
+    void kvPluginMode_Changed(std::shared_ptr<RadioMatrix> sender);
+
+    // Mapping document
+
+    /// Writes the plug-in's catalogue into the file, once.
+    void korvelizePlistFile(const std::string& path);
+    /// Replaces the editing state by the file's. Check mode 1 takes the editing mode from the file, any other keeps it.
+    void readPlistFileCheckMode(const std::string& path, std::int32_t checkMode);
+    void kvExportToPlist(Sender sender = nullptr);
+    /// Saves the mapping with its backups and tells the user. Does nothing before a plug-in has been loaded.
+    void exportToPlist();
+    void kvRecallOriginalMapping(Sender sender = nullptr);
+    void kvRecallPreviousMapping(Sender sender = nullptr);
+    /// Puts the backup "original" or "prev" in place of the file and loads it.
+    void recallOriginalMapping(const std::string& suffix);
+
+    // Control panel
+
+    /// Makes `page` (from 1) the shown page and refreshes pot labels, read-outs and chart.
+    void populateKnobLabels(std::int32_t page);
+    /// Fills labels `prefix`1, 2, ... from the entries at positions `first` to `last`, counted from 0.
+    void writeKnobLabelAndRowEndAndLabelPre(std::int32_t first, std::int32_t last, const std::string& prefix);
+    void updateHelperDisplay(const std::string& text);
+
+    // Pages
+
+    void prevPageButtonPressed(Sender sender = nullptr);
+    void nextPageButtonPressed(Sender sender = nullptr);
+    void firstPageButtonPressed(Sender sender = nullptr);
+    void lastPageButtonPressed(Sender sender = nullptr);
+    void newPageButtonPressed(Sender sender = nullptr);
+    void deletePageButtonPressed(Sender sender = nullptr);
+    void clearAllPagesButtonPressed(Sender sender = nullptr);
+    void kvMovePage_First(Sender sender = nullptr);
+    void kvMovePage_Last(Sender sender = nullptr);
+    void kvMovePage_Prev(Sender sender = nullptr);
+    void kvMovePage_Next(Sender sender = nullptr);
+    /// Appends a page of empty slots and shows it.
+    void addControlsPage();
+    /// Removes the shown page; the first one stays.
+    void removeControlsPage();
+    /// Empties the first page and makes it the only one; later entries stay behind it.
+    void clearAllPages();
+    /// Exchanges the contents of two pages (from 1) and shows the second.
+    void movePageAndPageTo(std::int32_t from, std::int32_t to);
+
+    // Assignment
+
+    void kvRotBtn1_Pressed(Sender sender = nullptr);
+    void kvRotBtn2_Pressed(Sender sender = nullptr);
+    void kvRotBtn3_Pressed(Sender sender = nullptr);
+    void kvRotBtn4_Pressed(Sender sender = nullptr);
+    void kvRotBtn5_Pressed(Sender sender = nullptr);
+    void kvRotBtn6_Pressed(Sender sender = nullptr);
+    void kvRotBtn7_Pressed(Sender sender = nullptr);
+    void kvRotBtn8_Pressed(Sender sender = nullptr);
+    /// Puts the selected parameter on a pot (0 to 7) of the shown page. Ignored without a selected parameter.
+    void clickControl(std::int32_t control);
+    /// Mode 1 exchanges two slots; any other copies row `from` of the parameter list into slot `to`.
+    void moveParameterPositionAndToMovePageMode(std::int32_t from, std::int32_t to, std::int32_t movePageMode);
+
+    // Chart
+
+    /// Appends a row with the entries at positions `first` to `last`, counted from 1, to the chart.
+    void writebHTMLDataAndRowEndAndLabelPre(std::int32_t first, std::int32_t last, const std::string& title);
+    void kvCreateChart(Sender sender = nullptr);
+    /// Writes the chart beside the plug-in's file and opens it. The format is not consulted: it is always HTML.
+    void outputChartAs(const std::string& format);
+
+    // Community
+
+    void kvLoginToCloudAccount(Sender sender = nullptr);
+    void kvCommunityLibrary(Sender sender = nullptr);
+    void kvCommunityLibraryDownload(Sender sender = nullptr);
+    void cwin_DownloadAvalableHighlighted(Sender sender = nullptr);
+
+private:
+    /// A plug-in has been loaded, so there is a mapping to show, edit and save.
+    bool isMappingLoaded() const;
+    /// A mapping is loaded and its plug-in is still the selected row.
+    bool isPluginBeingEdited() const;
+    std::shared_ptr<TextField> knobLabel(std::int32_t number) const;
+
+    platform::Platform& platform_;
+};

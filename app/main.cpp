@@ -1,0 +1,36 @@
+// The program: composes the real effects, loads the interface and runs the event loop.
+
+#include "app/AppDelegate.h"
+#include "app/ViewController.h"
+#include "app/interface/Interface.h"
+#include "app/interface/Lifecycle.h"
+#include "platform/StreamLog.h"
+#include "platform/qt/Application.h"
+#include "platform/qt/SystemEffects.h"
+
+#include <QAction>
+
+#include <unistd.h>
+
+int main(int argc, char* argv[])
+{
+    platform::qt::Application application(argc, argv);
+    platform::StreamLog log(STDERR_FILENO);
+    application.flushWhenIdle(log);
+    platform::qt::MessageBoxAlerts alerts;
+    platform::qt::DesktopWorkspace workspace;
+    platform::qt::UserFolders folders;
+    platform::Platform platform{alerts, workspace, folders, log};
+
+    AppDelegate delegate;
+    interface::Lifecycle lifecycle(delegate);
+    ViewController controller(platform);
+    const interface::Interface loaded(controller);
+    QObject::connect(loaded.find<QAction>("terminate"), &QAction::triggered, &lifecycle,
+                     &interface::Lifecycle::terminate);
+
+    controller.viewDidLoad();
+    loaded.mainWindow()->show();
+    delegate.applicationDidFinishLaunching();
+    return QApplication::exec();
+}
