@@ -1,0 +1,77 @@
+#pragma once
+// Takes the running program from step to step as a user would, with mouse and keyboard events on its widgets. Each step
+// leaves a picture and prints one line. The first step that does not find what it expects ends the program with 1.
+
+#include <QDir>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <stdexcept>
+#include <vector>
+
+class QWidget;
+
+namespace tour {
+
+class Tour;
+
+struct Step {
+    QString name; ///< of the picture, and what the line begins with
+    /// Does the step and answers what is to be seen now. Throws Failure.
+    std::function<QString(Tour&)> act;
+};
+
+struct Failure : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+std::vector<Step> allSteps();
+
+class Tour final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit Tour(const QDir& output);
+
+    void start(std::vector<Step> steps);
+
+    // What steps are made of. Names are object names; an object that is missing or not to be used is a Failure.
+
+    template <typename T>
+    T* find(const char* name)
+    {
+        return qobject_cast<T*>(findWidget(name, T::staticMetaObject));
+    }
+    void click(const char* button);
+    /// Clicks the row whose first columns hold the texts.
+    void clickRow(const char* list, const QString& text, int column = 0);
+    void type(const char* field, const QString& text);
+    QString text(const char* label);
+    QString textOfAlert() const { return alertText_; }
+    void expect(bool holds, const QString& what);
+    /// Shows this window instead of the main one in the step's picture.
+    void lookAt(const char* window);
+    /// The next alert that comes up goes into the step's picture and is answered with its first button.
+    void answerAlert();
+    QString openedUrl() const { return openedUrl_; }
+
+public Q_SLOTS:
+    void rememberUrl(const QUrl& url);
+
+private:
+    QWidget* findWidget(const char* name, const QMetaObject& type);
+    void next();
+    QPixmap pictureOf(QWidget* window) const;
+    void answerNow();
+
+    QDir output_;
+    std::vector<Step> steps_;
+    std::size_t current_ = 0;
+    QWidget* shownWindow_ = nullptr;
+    QPixmap alertPicture_;
+    QString alertText_;
+    QString openedUrl_;
+};
+
+} // namespace tour

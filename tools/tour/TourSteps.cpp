@@ -1,0 +1,160 @@
+#include "tools/tour/Tour.h"
+
+#include <QAbstractItemModel>
+#include <QAbstractItemView>
+#include <QFile>
+#include <QLineEdit>
+#include <QUrl>
+
+namespace tour {
+
+namespace {
+
+const char* const kPots[] = {"kvRotaryBtn1", "kvRotaryBtn2", "kvRotaryBtn3", "kvRotaryBtn4",
+                             "kvRotaryBtn5", "kvRotaryBtn6", "kvRotaryBtn7", "kvRotaryBtn8"};
+const char* const kLabels[] = {"kvControl1", "kvControl2", "kvControl3", "kvControl4",
+                               "kvControl5", "kvControl6", "kvControl7", "kvControl8"};
+
+QString start(Tour& tour)
+{
+    const int rows = tour.find<QAbstractItemView>("pluginTableView")->model()->rowCount();
+    tour.expect(rows > 0, QStringLiteral("the scan lists plug-ins"));
+    return QStringLiteral("the scan lists %1 plug-ins").arg(rows);
+}
+
+QString select(Tour& tour)
+{
+    tour.clickRow("pluginTableView", QStringLiteral("Wendlebrook EQ"));
+    tour.expect(tour.text("labKOScreen_Title") == QLatin1String("Wendlebrook EQ (Logic Built-In)"),
+                QStringLiteral("the panel names the plug-in"));
+    return tour.text("labKOScreen_Title") + QStringLiteral(", ") + tour.text("lab_PageCurrentlyDisplayed");
+}
+
+QString search(Tour& tour)
+{
+    tour.type("parameterSearch", QStringLiteral("freq"));
+    const int rows = tour.find<QAbstractItemView>("tablePlistOfSelectedPlugin")->model()->rowCount();
+    tour.expect(rows > 1, QStringLiteral("the search finds a parameter"));
+    return QStringLiteral("\"freq\" leaves %1 parameters and the blank entry").arg(rows - 1);
+}
+
+QString assign(Tour& tour)
+{
+    tour.find<QLineEdit>("parameterSearch")->clear();
+    auto* model = tour.find<QAbstractItemView>("tablePlistOfSelectedPlugin")->model();
+    const QString first = model->index(3, 1).data().toString();
+    tour.clickRow("tablePlistOfSelectedPlugin", first, 1);
+    for (const char* pot : kPots)
+        tour.click(pot);
+    for (int pot = 0; pot < 8; ++pot) {
+        tour.expect(tour.text(kLabels[pot]) == model->index(3 + pot, 1).data().toString(),
+                    QStringLiteral("pot %1 took the next parameter").arg(pot + 1));
+    }
+    return QStringLiteral("pots 1 to 8 took \"%1\" and the seven after it").arg(first);
+}
+
+QString addPage(Tour& tour)
+{
+    tour.click("newPageButtonPressed");
+    tour.expect(tour.text("lab_PageCurrentlyDisplayed") == QLatin1String("Page 3 of 3"),
+                QStringLiteral("the new page is shown"));
+    tour.clickRow("tablePlistOfSelectedPlugin", QStringLiteral("Output Gain"), 1);
+    tour.click(kPots[0]);
+    return tour.text("lab_PageCurrentlyDisplayed") + QStringLiteral(", pot 1 is ") + tour.text(kLabels[0]);
+}
+
+QString movePage(Tour& tour)
+{
+    const QString carried = tour.text(kLabels[0]);
+    tour.click("kvMovePage_First");
+    tour.expect(tour.text("lab_PageCurrentlyDisplayed") == QLatin1String("Page 1 of 3") &&
+                    tour.text(kLabels[0]) == carried,
+                QStringLiteral("the page went to the front"));
+    return QStringLiteral("the new page is now ") + tour.text("lab_PageCurrentlyDisplayed");
+}
+
+QString save(Tour& tour)
+{
+    tour.answerAlert();
+    tour.click("kvExportToPlist");
+    tour.expect(tour.textOfAlert() == QLatin1String("New Mapping has been saved"), QStringLiteral("the save is told"));
+    return tour.textOfAlert();
+}
+
+QString recall(Tour& tour)
+{
+    tour.answerAlert();
+    tour.click("kvRecallOriginalMapping");
+    tour.expect(tour.textOfAlert() == QLatin1String("Recalled mapping has been applied"),
+                QStringLiteral("the recall is told"));
+    return tour.textOfAlert() + QStringLiteral(", ") + tour.text("lab_PageCurrentlyDisplayed");
+}
+
+QString chart(Tour& tour)
+{
+    tour.click("kvCreateChart");
+    const QString file = QUrl(tour.openedUrl()).toLocalFile();
+    tour.expect(QFile::exists(file), QStringLiteral("the chart is written"));
+    return QStringLiteral("opened ") + file.section(QLatin1Char('/'), -2);
+}
+
+QString synthesizer(Tour& tour)
+{
+    tour.clickRow("pluginTableView", QStringLiteral("Obrelle"));
+    tour.click("lastPageButtonPressed");
+    tour.expect(tour.text("lab_PageCurrentlyDisplayed") == QLatin1String("Page 40 of 40"),
+                QStringLiteral("the synthesizer has 40 pages"));
+    return tour.text("labKOScreen_Title") + QStringLiteral(", ") + tour.text("lab_PageCurrentlyDisplayed");
+}
+
+QString markup(Tour& tour)
+{
+    tour.clickRow("pluginTableView", QStringLiteral("Brindle <b> & Co"));
+    return tour.text("labKOScreen_Title") + QStringLiteral(": names are shown as they are");
+}
+
+QString account(Tour& tour)
+{
+    tour.click("kvLoginToCloudAccount");
+    tour.lookAt("cwinCloudWindow");
+    return QStringLiteral("the account window is open");
+}
+
+QString help(Tour& tour)
+{
+    tour.answerAlert();
+    tour.click("kvHelpMe");
+    tour.expect(tour.textOfAlert() == QLatin1String("Brief instructions on use"), QStringLiteral("help is shown"));
+    return tour.textOfAlert();
+}
+
+QString selectAgain(Tour& tour)
+{
+    tour.clickRow("pluginTableView", QStringLiteral("Longwether Matrix"));
+    tour.expect(!tour.find<QWidget>("cwinCloudWindow")->isVisible(), QStringLiteral("the account window closed"));
+    return QStringLiteral("another plug-in closed the community windows");
+}
+
+} // namespace
+
+std::vector<Step> allSteps()
+{
+    return {
+        {QStringLiteral("start"), start},
+        {QStringLiteral("select"), select},
+        {QStringLiteral("search"), search},
+        {QStringLiteral("assign"), assign},
+        {QStringLiteral("add-page"), addPage},
+        {QStringLiteral("move-page"), movePage},
+        {QStringLiteral("save"), save},
+        {QStringLiteral("recall"), recall},
+        {QStringLiteral("chart"), chart},
+        {QStringLiteral("synthesizer"), synthesizer},
+        {QStringLiteral("names-as-they-are"), markup},
+        {QStringLiteral("account-window"), account},
+        {QStringLiteral("help"), help},
+        {QStringLiteral("select-another"), selectAgain},
+    };
+}
+
+} // namespace tour
