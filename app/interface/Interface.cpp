@@ -16,7 +16,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QPushButton>
 
 namespace interface {
 
@@ -35,9 +34,17 @@ struct OutletEntry {
     void (Outlets::*set)(std::shared_ptr<T>);
 };
 
+using Action = void (ViewController::*)(ViewController::Sender);
+
+struct ButtonEntry {
+    const char* name;
+    void (Outlets::*set)(std::shared_ptr<Button>);
+    Action action;
+};
+
 struct ActionEntry {
     const char* name;
-    void (ViewController::*action)(ViewController::Sender);
+    Action action;
 };
 
 const OutletEntry<TextField> kTextFields[] = {
@@ -64,17 +71,19 @@ const OutletEntry<TextField> kTextFields[] = {
     {"cwinUploadedComments", &Outlets::setCwinUploadedComments},
 };
 
-const OutletEntry<Button> kButtons[] = {
-    {"kvRotaryBtn1", &Outlets::setKvRotaryBtn1},
-    {"kvRotaryBtn2", &Outlets::setKvRotaryBtn2},
-    {"kvRotaryBtn3", &Outlets::setKvRotaryBtn3},
-    {"kvRotaryBtn4", &Outlets::setKvRotaryBtn4},
-    {"kvRotaryBtn5", &Outlets::setKvRotaryBtn5},
-    {"kvRotaryBtn6", &Outlets::setKvRotaryBtn6},
-    {"kvRotaryBtn7", &Outlets::setKvRotaryBtn7},
-    {"kvRotaryBtn8", &Outlets::setKvRotaryBtn8},
-    {"kv_btn_cloudLibrary", &Outlets::setKv_btn_cloudLibrary},
-    {"kv_btn_cloudLibraryDownload", &Outlets::setKv_btn_cloudLibraryDownload},
+// Buttons that an outlet refers to, and what each sends.
+const ButtonEntry kButtons[] = {
+    {"kvRotaryBtn1", &Outlets::setKvRotaryBtn1, &ViewController::kvRotBtn1_Pressed},
+    {"kvRotaryBtn2", &Outlets::setKvRotaryBtn2, &ViewController::kvRotBtn2_Pressed},
+    {"kvRotaryBtn3", &Outlets::setKvRotaryBtn3, &ViewController::kvRotBtn3_Pressed},
+    {"kvRotaryBtn4", &Outlets::setKvRotaryBtn4, &ViewController::kvRotBtn4_Pressed},
+    {"kvRotaryBtn5", &Outlets::setKvRotaryBtn5, &ViewController::kvRotBtn5_Pressed},
+    {"kvRotaryBtn6", &Outlets::setKvRotaryBtn6, &ViewController::kvRotBtn6_Pressed},
+    {"kvRotaryBtn7", &Outlets::setKvRotaryBtn7, &ViewController::kvRotBtn7_Pressed},
+    {"kvRotaryBtn8", &Outlets::setKvRotaryBtn8, &ViewController::kvRotBtn8_Pressed},
+    {"kv_btn_cloudLibrary", &Outlets::setKv_btn_cloudLibrary, &ViewController::kvCommunityLibrary},
+    {"kv_btn_cloudLibraryDownload", &Outlets::setKv_btn_cloudLibraryDownload,
+     &ViewController::kvCommunityLibraryDownload},
 };
 
 const OutletEntry<Window> kWindows[] = {
@@ -84,7 +93,7 @@ const OutletEntry<Window> kWindows[] = {
     {"cwinCloudWindow", &Outlets::setCwinCloudWindow},
 };
 
-// What each button and menu item sends; the object carries the action's name, or the outlet's where it is one.
+// What the other buttons and the menu items send; each carries its action's name.
 const ActionEntry kActions[] = {
     {"btnRunCheck", &ViewController::btnRunCheck},
     {"prevPageButtonPressed", &ViewController::prevPageButtonPressed},
@@ -94,21 +103,11 @@ const ActionEntry kActions[] = {
     {"newPageButtonPressed", &ViewController::newPageButtonPressed},
     {"deletePageButtonPressed", &ViewController::deletePageButtonPressed},
     {"clearAllPagesButtonPressed", &ViewController::clearAllPagesButtonPressed},
-    {"kvRotaryBtn1", &ViewController::kvRotBtn1_Pressed},
-    {"kvRotaryBtn2", &ViewController::kvRotBtn2_Pressed},
-    {"kvRotaryBtn3", &ViewController::kvRotBtn3_Pressed},
-    {"kvRotaryBtn4", &ViewController::kvRotBtn4_Pressed},
-    {"kvRotaryBtn5", &ViewController::kvRotBtn5_Pressed},
-    {"kvRotaryBtn6", &ViewController::kvRotBtn6_Pressed},
-    {"kvRotaryBtn7", &ViewController::kvRotBtn7_Pressed},
-    {"kvRotaryBtn8", &ViewController::kvRotBtn8_Pressed},
     {"kvExportToPlist", &ViewController::kvExportToPlist},
     {"kvRecallOriginalMapping", &ViewController::kvRecallOriginalMapping},
     {"kvRecallPreviousMapping", &ViewController::kvRecallPreviousMapping},
     {"kvCreateChart", &ViewController::kvCreateChart},
     {"kvLoginToCloudAccount", &ViewController::kvLoginToCloudAccount},
-    {"kv_btn_cloudLibrary", &ViewController::kvCommunityLibrary},
-    {"kv_btn_cloudLibraryDownload", &ViewController::kvCommunityLibraryDownload},
     {"kvHelpMe", &ViewController::kvHelpMe},
     {"kvMovePage_First", &ViewController::kvMovePage_First},
     {"kvMovePage_Last", &ViewController::kvMovePage_Last},
@@ -174,10 +173,12 @@ void Interface::connectTextFields()
 
 void Interface::connectButtons()
 {
-    for (const auto& [name, set] : kButtons) {
+    for (const auto& entry : kButtons) {
         auto button = std::make_shared<Button>();
-        qt::bind(button, find<QPushButton>(name));
-        (controller_.*set)(std::move(button));
+        qt::bind(button, find<QAbstractButton>(entry.name));
+        connections_.push_back(
+            button->pressed.connect([this, action = entry.action] { (controller_.*action)(nullptr); }));
+        (controller_.*entry.set)(std::move(button));
     }
     controller_.kv_btn_cloudLibrary()->enabled.set(false); // until somebody is logged in
 }
