@@ -23,24 +23,39 @@ public:
     void setMyArrayController(std::shared_ptr<ArrayController> object) { myArrayController_.set(std::move(object)); }
 
     /// The parameters offered for assignment; its selection is the one to assign.
-    std::shared_ptr<ArrayController> arrayControllerPlistSelected() const { return arrayControllerPlistSelected_.get(); }
-    void setArrayControllerPlistSelected(std::shared_ptr<ArrayController> object) { arrayControllerPlistSelected_.set(std::move(object)); }
+    std::shared_ptr<ArrayController> arrayControllerPlistSelected() const
+    {
+        return arrayControllerPlistSelected_.get();
+    }
+    void setArrayControllerPlistSelected(std::shared_ptr<ArrayController> object)
+    {
+        arrayControllerPlistSelected_.set(std::move(object));
+    }
 
     std::shared_ptr<TableView> pluginTableView() const { return pluginTableView_.get(); }
     void setPluginTableView(std::shared_ptr<TableView> object) { pluginTableView_.set(std::move(object)); }
 
     std::shared_ptr<TableView> tablePlistOfSelectedPlugin() const { return tablePlistOfSelectedPlugin_.get(); }
-    void setTablePlistOfSelectedPlugin(std::shared_ptr<TableView> object) { tablePlistOfSelectedPlugin_.set(std::move(object)); }
+    void setTablePlistOfSelectedPlugin(std::shared_ptr<TableView> object)
+    {
+        tablePlistOfSelectedPlugin_.set(std::move(object));
+    }
 
     std::shared_ptr<TextField> lab_PageCurrentlyDisplayed() const { return lab_PageCurrentlyDisplayed_.get(); }
-    void setLab_PageCurrentlyDisplayed(std::shared_ptr<TextField> object) { lab_PageCurrentlyDisplayed_.set(std::move(object)); }
+    void setLab_PageCurrentlyDisplayed(std::shared_ptr<TextField> object)
+    {
+        lab_PageCurrentlyDisplayed_.set(std::move(object));
+    }
 
     std::shared_ptr<TextField> labKOScreen_Title() const { return labKOScreen_Title_.get(); }
     void setLabKOScreen_Title(std::shared_ptr<TextField> object) { labKOScreen_Title_.set(std::move(object)); }
 
     /// Its text is the path that save, recall, upload and load act on.
     std::shared_ptr<TextField> labPluginPlistLocation() const { return labPluginPlistLocation_.get(); }
-    void setLabPluginPlistLocation(std::shared_ptr<TextField> object) { labPluginPlistLocation_.set(std::move(object)); }
+    void setLabPluginPlistLocation(std::shared_ptr<TextField> object)
+    {
+        labPluginPlistLocation_.set(std::move(object));
+    }
 
     std::shared_ptr<TextField> kvControl1() const { return kvControl1_.get(); }
     void setKvControl1(std::shared_ptr<TextField> object) { kvControl1_.set(std::move(object)); }
@@ -100,7 +115,10 @@ public:
     void setLabelHelperDisplay(std::shared_ptr<TextField> object) { labelHelperDisplay_.set(std::move(object)); }
 
     std::shared_ptr<TextField> labTotalPagesIndicator() const { return labTotalPagesIndicator_.get(); }
-    void setLabTotalPagesIndicator(std::shared_ptr<TextField> object) { labTotalPagesIndicator_.set(std::move(object)); }
+    void setLabTotalPagesIndicator(std::shared_ptr<TextField> object)
+    {
+        labTotalPagesIndicator_.set(std::move(object));
+    }
 
     /// Present in the interface, no operation touches it.
     std::shared_ptr<TextField> pageLimitWarning() const { return pageLimitWarning_.get(); }
@@ -116,7 +134,10 @@ public:
     void setKv_btn_cloudLibrary(std::shared_ptr<Button> object) { kv_btn_cloudLibrary_.set(std::move(object)); }
 
     std::shared_ptr<Button> kv_btn_cloudLibraryDownload() const { return kv_btn_cloudLibraryDownload_.get(); }
-    void setKv_btn_cloudLibraryDownload(std::shared_ptr<Button> object) { kv_btn_cloudLibraryDownload_.set(std::move(object)); }
+    void setKv_btn_cloudLibraryDownload(std::shared_ptr<Button> object)
+    {
+        kv_btn_cloudLibraryDownload_.set(std::move(object));
+    }
 
     /// Not owned: whoever sets it keeps it alive as long as the controller.
     TextField* labLoggedInAs() const { return labLoggedInAs_; }
@@ -151,8 +172,14 @@ public:
     void setCwinPlistAvailable(std::shared_ptr<TableView> object) { cwinPlistAvailable_.set(std::move(object)); }
 
     /// The shared mappings listed; its selection is the one to download.
-    std::shared_ptr<ArrayController> arrayController_downloadList() const { return arrayController_downloadList_.get(); }
-    void setArrayController_downloadList(std::shared_ptr<ArrayController> object) { arrayController_downloadList_.set(std::move(object)); }
+    std::shared_ptr<ArrayController> arrayController_downloadList() const
+    {
+        return arrayController_downloadList_.get();
+    }
+    void setArrayController_downloadList(std::shared_ptr<ArrayController> object)
+    {
+        arrayController_downloadList_.set(std::move(object));
+    }
 
 private:
     platform::Outlet<ArrayController> myArrayController_;

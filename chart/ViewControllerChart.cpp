@@ -5,8 +5,7 @@
 #include "platform/Files.h"
 #include "plugins/PluginScan.h"
 
-void ViewController::writebHTMLDataAndRowEndAndLabelPre(std::int32_t first, std::int32_t last,
-                                                        const std::string& title)
+void ViewController::writebHTMLDataAndRowEndAndLabelPre(std::int32_t first, std::int32_t last, const std::string& title)
 {
     chart::appendRow(chart::bHTML, mapping::plistBuild, first, last, title);
 }

@@ -11,7 +11,9 @@ namespace {
 
 Record entry(std::string_view number, std::string_view name, std::int32_t page, std::int32_t controlNo)
 {
-    return {{kParamNum, std::string(number)}, {kParameter, std::string(name)}, {kKorvelPage, page},
+    return {{kParamNum, std::string(number)},
+            {kParameter, std::string(name)},
+            {kKorvelPage, page},
             {kKorvelControlNo, controlNo}};
 }
 

@@ -107,8 +107,7 @@ void ViewController::movePageAndPageTo(std::int32_t from, std::int32_t to)
     if (!isMappingLoaded())
         return;
     if (to < 1 || to > totalPages) {
-        alertUserAndSub("Sorry not possible",
-                        "Page " + std::to_string(to) + " does not exist, cannot move page!");
+        alertUserAndSub("Sorry not possible", "Page " + std::to_string(to) + " does not exist, cannot move page!");
         return;
     }
     if (to == from)

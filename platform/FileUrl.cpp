@@ -6,8 +6,7 @@ namespace platform {
 
 std::string fileUrl(const std::filesystem::path& path)
 {
-    static constexpr std::string_view kPlain =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
+    static constexpr std::string_view kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
     static constexpr char kDigits[] = "0123456789ABCDEF";
     std::string url = "file://";
     for (const char character : path.native()) {

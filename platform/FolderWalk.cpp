@@ -54,8 +54,8 @@ public:
 
 private:
     struct Level {
-        int folder = -1;           ///< -1 while closed for want of descriptors
-        dev_t device = 0;          ///< who the folder is, to be sure when coming back through ".."
+        int folder = -1;  ///< -1 while closed for want of descriptors
+        dev_t device = 0; ///< who the folder is, to be sure when coming back through ".."
         ino_t node = 0;
         std::size_t pathSize = 0;  ///< length of the folder's own path in path_
         std::size_t firstName = 0; ///< where the folder's entries begin in names_
@@ -120,7 +120,7 @@ private:
             if (name == "." || name == "..")
                 continue;
             const auto folderAnswer = isFolder(folder, entry->d_name, entry->d_type);
-            const auto kind = !folderAnswer    ? WalkedItem::Kind::unknown
+            const auto kind = !folderAnswer   ? WalkedItem::Kind::unknown
                               : *folderAnswer ? WalkedItem::Kind::folder
                                               : WalkedItem::Kind::file;
             names_ += static_cast<char>(kind);

@@ -65,8 +65,7 @@ public:
     }
 
 private:
-    std::shared_ptr<std::vector<std::shared_ptr<Slot>>> slots_ =
-        std::make_shared<std::vector<std::shared_ptr<Slot>>>();
+    std::shared_ptr<std::vector<std::shared_ptr<Slot>>> slots_ = std::make_shared<std::vector<std::shared_ptr<Slot>>>();
 };
 
 } // namespace platform

@@ -16,8 +16,8 @@ namespace {
 std::atomic<StreamLog*> theDyingLog = nullptr;
 std::terminate_handler formerTerminate = nullptr;
 
-constexpr int kFatalSignals[] = {SIGHUP, SIGINT,  SIGQUIT, SIGTERM, SIGABRT, SIGSEGV,
-                                 SIGBUS, SIGILL,  SIGFPE,  SIGXCPU, SIGXFSZ};
+constexpr int kFatalSignals[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGABRT, SIGSEGV,
+                                 SIGBUS, SIGILL, SIGFPE,  SIGXCPU, SIGXFSZ};
 
 void writeWhole(int descriptor, const char* bytes, std::size_t size) noexcept
 {

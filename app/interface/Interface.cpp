@@ -117,12 +117,24 @@ const ActionEntry kActions[] = {
 
 // What needs a mapping, and what needs its plug-in to be the selected row too.
 const char* const kNeedMapping[] = {
-    "firstPageButtonPressed", "prevPageButtonPressed",   "nextPageButtonPressed",      "lastPageButtonPressed",
-    "kvMovePage_First",       "kvMovePage_Prev",         "kvMovePage_Next",            "kvMovePage_Last",
-    "newPageButtonPressed",   "deletePageButtonPressed", "clearAllPagesButtonPressed", "kvExportToPlist",
+    "firstPageButtonPressed",
+    "prevPageButtonPressed",
+    "nextPageButtonPressed",
+    "lastPageButtonPressed",
+    "kvMovePage_First",
+    "kvMovePage_Prev",
+    "kvMovePage_Next",
+    "kvMovePage_Last",
+    "newPageButtonPressed",
+    "deletePageButtonPressed",
+    "clearAllPagesButtonPressed",
+    "kvExportToPlist",
 };
 const char* const kNeedPlugin[] = {
-    "kvRecallOriginalMapping", "kvRecallPreviousMapping", "kvCreateChart", "kvPluginMode",
+    "kvRecallOriginalMapping",
+    "kvRecallPreviousMapping",
+    "kvCreateChart",
+    "kvPluginMode",
 };
 
 void bindTextField(const std::shared_ptr<TextField>& field, QWidget* widget)
@@ -139,8 +151,7 @@ void bindTextField(const std::shared_ptr<TextField>& field, QWidget* widget)
 
 } // namespace
 
-Interface::Interface(ViewController& controller)
-    : controller_(controller), loggedInAs_(std::make_shared<TextField>())
+Interface::Interface(ViewController& controller) : controller_(controller), loggedInAs_(std::make_shared<TextField>())
 {
     windows_.emplace_back(new MainWindow);
     windows_.emplace_back(makeAccountWindow());

@@ -101,12 +101,12 @@ QWidget* makeLists()
 QLayout* makePageControls()
 {
     auto* layout = new QHBoxLayout;
-    layout->addWidget(group(
-        QObject::tr("Show page"),
-        {makeButton("firstPageButtonPressed", QObject::tr("First"), QObject::tr("Show the first page")),
-         makeButton("prevPageButtonPressed", QObject::tr("Previous"), QObject::tr("Show the page before")),
-         makeButton("nextPageButtonPressed", QObject::tr("Next"), QObject::tr("Show the page after")),
-         makeButton("lastPageButtonPressed", QObject::tr("Last"), QObject::tr("Show the last page"))}));
+    layout->addWidget(
+        group(QObject::tr("Show page"),
+              {makeButton("firstPageButtonPressed", QObject::tr("First"), QObject::tr("Show the first page")),
+               makeButton("prevPageButtonPressed", QObject::tr("Previous"), QObject::tr("Show the page before")),
+               makeButton("nextPageButtonPressed", QObject::tr("Next"), QObject::tr("Show the page after")),
+               makeButton("lastPageButtonPressed", QObject::tr("Last"), QObject::tr("Show the last page"))}));
     layout->addWidget(group(
         QObject::tr("Move page to"),
         {makeButton("kvMovePage_First", QObject::tr("First"), QObject::tr("Exchange this page with the first one")),
@@ -114,12 +114,12 @@ QLayout* makePageControls()
          makeButton("kvMovePage_Next", QObject::tr("Next"), QObject::tr("Exchange this page with the one after")),
          makeButton("kvMovePage_Last", QObject::tr("Last"), QObject::tr("Exchange this page with the last one"))}));
     layout->addStretch(1);
-    layout->addWidget(group(
-        QObject::tr("Edit pages"),
-        {makeButton("newPageButtonPressed", QObject::tr("New"), QObject::tr("Add an empty page at the end")),
-         makeButton("deletePageButtonPressed", QObject::tr("Delete"), QObject::tr("Delete the page shown")),
-         makeButton("clearAllPagesButtonPressed", QObject::tr("Clear All"),
-                    QObject::tr("Empty the first page and make it the only one"))}));
+    layout->addWidget(
+        group(QObject::tr("Edit pages"),
+              {makeButton("newPageButtonPressed", QObject::tr("New"), QObject::tr("Add an empty page at the end")),
+               makeButton("deletePageButtonPressed", QObject::tr("Delete"), QObject::tr("Delete the page shown")),
+               makeButton("clearAllPagesButtonPressed", QObject::tr("Clear All"),
+                          QObject::tr("Empty the first page and make it the only one"))}));
     return layout;
 }
 
@@ -128,23 +128,22 @@ QLayout* makeFileControls()
     auto* signedIn = makeLabel("labLoggedInAs");
     signedIn->setMinimumWidth(170);
     auto* layout = new QHBoxLayout;
-    layout->addWidget(group(
-        QObject::tr("Mapping"),
-        {makeButton("kvExportToPlist", QObject::tr("Save Mapping"),
-                    QObject::tr("Write the mapping into the plug-in's file and keep backups")),
-         makeButton("kvRecallOriginalMapping", QObject::tr("Recall Original"),
-                    QObject::tr("Put back the file as it was before the first save")),
-         makeButton("kvRecallPreviousMapping", QObject::tr("Recall Previous"),
-                    QObject::tr("Put back the file as it was before the last save")),
-         makeButton("kvCreateChart", QObject::tr("Chart"),
-                    QObject::tr("Write the mapping as an HTML chart and open it"))}));
-    auto* community = group(
-        QObject::tr("Community"),
-        {makeButton("kvLoginToCloudAccount", QObject::tr("Account"), QObject::tr("Log in or ask for an account")),
-         makeButton("kv_btn_cloudLibrary", QObject::tr("Share"), QObject::tr("Upload the saved mapping")),
-         makeButton("kv_btn_cloudLibraryDownload", QObject::tr("Browse"),
-                    QObject::tr("See what others shared for this plug-in")),
-         signedIn});
+    layout->addWidget(group(QObject::tr("Mapping"),
+                            {makeButton("kvExportToPlist", QObject::tr("Save Mapping"),
+                                        QObject::tr("Write the mapping into the plug-in's file and keep backups")),
+                             makeButton("kvRecallOriginalMapping", QObject::tr("Recall Original"),
+                                        QObject::tr("Put back the file as it was before the first save")),
+                             makeButton("kvRecallPreviousMapping", QObject::tr("Recall Previous"),
+                                        QObject::tr("Put back the file as it was before the last save")),
+                             makeButton("kvCreateChart", QObject::tr("Chart"),
+                                        QObject::tr("Write the mapping as an HTML chart and open it"))}));
+    auto* community =
+        group(QObject::tr("Community"),
+              {makeButton("kvLoginToCloudAccount", QObject::tr("Account"), QObject::tr("Log in or ask for an account")),
+               makeButton("kv_btn_cloudLibrary", QObject::tr("Share"), QObject::tr("Upload the saved mapping")),
+               makeButton("kv_btn_cloudLibraryDownload", QObject::tr("Browse"),
+                          QObject::tr("See what others shared for this plug-in")),
+               signedIn});
     layout->addWidget(community, 1);
     layout->addWidget(makeButton("kvHelpMe", QObject::tr("Help"), QObject::tr("Brief instructions on use")), 0,
                       Qt::AlignBottom);

@@ -10,8 +10,11 @@ namespace platform::qt {
 
 RecordTableModel::RecordTableModel(std::shared_ptr<ArrayController> controller, std::vector<RecordColumn> columns,
                                    std::string toolTipKey, QObject* parent)
-    : QAbstractTableModel(parent), controller_(std::move(controller)), columns_(std::move(columns)),
-      toolTipKey_(std::move(toolTipKey)), rows_(controller_->arrangedCount())
+    : QAbstractTableModel(parent),
+      controller_(std::move(controller)),
+      columns_(std::move(columns)),
+      toolTipKey_(std::move(toolTipKey)),
+      rows_(controller_->arrangedCount())
 {
     arranged_ = controller_->arrangedChanged.connect([this] {
         beginResetModel();

@@ -15,7 +15,8 @@ protected:
     void SetUp() override
     {
         writeDictionary(builtIn("Synth"), orderFile(numbered(24)));
-        writeDictionary(builtIn("Other"), orderFile({"3 Osc 1 Level", "12 Cutoff Freq", "13 Frequ\u00e9nce", "120 Gain"}));
+        writeDictionary(builtIn("Other"),
+                        orderFile({"3 Osc 1 Level", "12 Cutoff Freq", "13 Frequ\u00e9nce", "120 Gain"}));
         launch();
         select("Synth");
     }
@@ -61,8 +62,8 @@ TEST_F(AssignmentTest, OneClickAPotLaysARunOfParameters)
     chooseParameter("Knob 11");
     for (int pot = 1; pot <= 8; ++pot)
         pressPot(pot);
-    EXPECT_THAT(potLabels(), ElementsAre("Knob 11", "Knob 12", "Knob 13", "Knob 14", "Knob 15", "Knob 16", "Knob 17",
-                                         "Knob 18"));
+    EXPECT_THAT(potLabels(),
+                ElementsAre("Knob 11", "Knob 12", "Knob 13", "Knob 14", "Knob 15", "Knob 16", "Knob 17", "Knob 18"));
     EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 19);
 }
 

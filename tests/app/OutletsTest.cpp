@@ -126,14 +126,37 @@ TEST_F(OutletsTest, MessagesToOutletsThatNobodyConnectedDoNothing)
 TEST_F(OutletsTest, EveryObjectOnScreenCarriesItsOutletsName)
 {
     launch();
-    for (const char* name :
-         {"pluginTableView", "tablePlistOfSelectedPlugin", "lab_PageCurrentlyDisplayed", "labKOScreen_Title",
-          "labPluginPlistLocation", "kvControl1", "kvControl8", "kvRotaryBtn1", "kvRotaryBtn8", "kvPluginMode",
-          "kvPluginMode_1", "kvPluginMode_0", "mainTitle_Sub", "labelHelperDisplay", "labTotalPagesIndicator",
-          "pageLimitWarning", "cwinUserName", "cwinPinCode", "kv_btn_cloudLibrary", "kv_btn_cloudLibraryDownload",
-          "labLoggedInAs", "cwinUserNameNew", "cwinEmailAddrNew", "cwinUploadComments", "cwinUploadedComments",
-          "cwinMainWindow", "cwinDownloadWindow", "cwinUploadWindow", "cwinCloudWindow", "cwinPlistAvailable",
-          "parameterSearch"})
+    for (const char* name : {"pluginTableView",
+                             "tablePlistOfSelectedPlugin",
+                             "lab_PageCurrentlyDisplayed",
+                             "labKOScreen_Title",
+                             "labPluginPlistLocation",
+                             "kvControl1",
+                             "kvControl8",
+                             "kvRotaryBtn1",
+                             "kvRotaryBtn8",
+                             "kvPluginMode",
+                             "kvPluginMode_1",
+                             "kvPluginMode_0",
+                             "mainTitle_Sub",
+                             "labelHelperDisplay",
+                             "labTotalPagesIndicator",
+                             "pageLimitWarning",
+                             "cwinUserName",
+                             "cwinPinCode",
+                             "kv_btn_cloudLibrary",
+                             "kv_btn_cloudLibraryDownload",
+                             "labLoggedInAs",
+                             "cwinUserNameNew",
+                             "cwinEmailAddrNew",
+                             "cwinUploadComments",
+                             "cwinUploadedComments",
+                             "cwinMainWindow",
+                             "cwinDownloadWindow",
+                             "cwinUploadWindow",
+                             "cwinCloudWindow",
+                             "cwinPlistAvailable",
+                             "parameterSearch"})
         EXPECT_NO_THROW(find(name)) << name;
     for (const char* window : {"cwinMainWindow", "cwinDownloadWindow", "cwinUploadWindow", "cwinCloudWindow"})
         EXPECT_TRUE(find(window)->isWindow()) << window;
@@ -142,13 +165,28 @@ TEST_F(OutletsTest, EveryObjectOnScreenCarriesItsOutletsName)
 TEST_F(OutletsTest, EveryActionOfTheWindowHasAControlOfItsName)
 {
     launch();
-    for (const char* name :
-         {"btnRunCheck", "prevPageButtonPressed", "nextPageButtonPressed", "firstPageButtonPressed",
-          "lastPageButtonPressed", "newPageButtonPressed", "deletePageButtonPressed", "clearAllPagesButtonPressed",
-          "kvExportToPlist", "kvRecallOriginalMapping", "kvRecallPreviousMapping", "kvCreateChart",
-          "kvLoginToCloudAccount", "kvCommunityUploadBtn", "kvCommunityLoadSelectedDownload", "kvHelpMe",
-          "kvMovePage_First", "kvMovePage_Last", "kvMovePage_Prev", "kvMovePage_Next", "cwinLoginAttempt",
-          "cwinNewUserCreate"})
+    for (const char* name : {"btnRunCheck",
+                             "prevPageButtonPressed",
+                             "nextPageButtonPressed",
+                             "firstPageButtonPressed",
+                             "lastPageButtonPressed",
+                             "newPageButtonPressed",
+                             "deletePageButtonPressed",
+                             "clearAllPagesButtonPressed",
+                             "kvExportToPlist",
+                             "kvRecallOriginalMapping",
+                             "kvRecallPreviousMapping",
+                             "kvCreateChart",
+                             "kvLoginToCloudAccount",
+                             "kvCommunityUploadBtn",
+                             "kvCommunityLoadSelectedDownload",
+                             "kvHelpMe",
+                             "kvMovePage_First",
+                             "kvMovePage_Last",
+                             "kvMovePage_Prev",
+                             "kvMovePage_Next",
+                             "cwinLoginAttempt",
+                             "cwinNewUserCreate"})
         EXPECT_NO_THROW(find(name)) << name;
 }
 

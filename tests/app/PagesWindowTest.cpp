@@ -182,10 +182,12 @@ TEST_F(PagesWindowTest, MovingBeyondThePagesIsRefusedWithThePageAsked)
 {
     load(16);
     auto alerts = alertsOf([this] { click("kvMovePage_Prev"); });
-    EXPECT_THAT(alerts, ElementsAre(SeenAlert{"Sorry not possible", "Page 0 does not exist, cannot move page!", {"OK"}}));
+    EXPECT_THAT(alerts,
+                ElementsAre(SeenAlert{"Sorry not possible", "Page 0 does not exist, cannot move page!", {"OK"}}));
     show(2);
     alerts = alertsOf([this] { click("kvMovePage_Next"); });
-    EXPECT_THAT(alerts, ElementsAre(SeenAlert{"Sorry not possible", "Page 3 does not exist, cannot move page!", {"OK"}}));
+    EXPECT_THAT(alerts,
+                ElementsAre(SeenAlert{"Sorry not possible", "Page 3 does not exist, cannot move page!", {"OK"}}));
     EXPECT_EQ(readOut(), "Page 2 of 2");
     EXPECT_EQ(names(0, 15), knobs(1, 16));
 }

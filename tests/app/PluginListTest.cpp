@@ -71,8 +71,8 @@ TEST_F(PluginListTest, AfterARescanOnlyWhatNeedsNoSelectedRowIsOffered)
     launch();
     select("Synth X");
     click("btnRunCheck");
-    for (const char* name : {"kvRecallOriginalMapping", "kvRecallPreviousMapping", "kvCreateChart", "kvPluginMode",
-                             "kvRotaryBtn1"})
+    for (const char* name :
+         {"kvRecallOriginalMapping", "kvRecallPreviousMapping", "kvCreateChart", "kvPluginMode", "kvRotaryBtn1"})
         EXPECT_FALSE(isEnabled(name)) << name;
     // The unsaved mapping is still in memory and its file still named, so it can be saved.
     EXPECT_TRUE(isEnabled("kvExportToPlist"));
@@ -91,8 +91,7 @@ TEST_F(PluginListTest, StartsSortedByNameThenTypeAsAPersonSorts)
     writeDictionary(thirdParty("Zeta", "EQ One"), orderFile({}));
     writeDictionary(thirdParty("Alpha", "eq one"), orderFile({}));
     launch();
-    EXPECT_THAT(columnOf("pluginTableView", 0),
-                ElementsAre("EQ 9", "eq 10", "eq one", "EQ One", "EQ One", "Synth X"));
+    EXPECT_THAT(columnOf("pluginTableView", 0), ElementsAre("EQ 9", "eq 10", "eq one", "EQ One", "EQ One", "Synth X"));
     EXPECT_THAT(columnOf("pluginTableView", 1),
                 ElementsAre("Logic Built-In", "Logic Built-In", "Alpha", "Logic Built-In", "Zeta", "Maker"));
 }

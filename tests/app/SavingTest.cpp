@@ -94,7 +94,8 @@ TEST_F(SavingTest, WhatIsNotOursStaysInItsPlaceAndForm)
         expected.set(kOrder, plist::Array{"1 One", "-1", "2  Two ", "-1", "-1", "-1", "-1", "-1"});
         expected.set(kCatalogue, plist::Array{"-1", "1 One", "blankless", "2  Two "});
         expected.set(kMode, plist::Array{"0"});
-        EXPECT_EQ(plist::write({saved->root, plist::Form::xml}), plist::write({plist::Value(expected), plist::Form::xml}));
+        EXPECT_EQ(plist::write({saved->root, plist::Form::xml}),
+                  plist::write({plist::Value(expected), plist::Form::xml}));
         EXPECT_TRUE(saved->root == plist::Value(expected));
     }
 }

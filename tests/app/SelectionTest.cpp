@@ -48,9 +48,9 @@ TEST_F(SelectionTest, ChoosingARowLoadsItsPlugin)
     EXPECT_FALSE(isInstrument());
     EXPECT_EQ(potLabel(8), "Knob 8");
     EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 0);
-    EXPECT_THAT(columnOf("tablePlistOfSelectedPlugin", 1),
-                ElementsAre("-", "Knob 1", "Knob 2", "Knob 3", "Knob 4", "Knob 5", "Knob 6", "Knob 7", "Knob 8",
-                            "Knob 9"));
+    EXPECT_THAT(
+        columnOf("tablePlistOfSelectedPlugin", 1),
+        ElementsAre("-", "Knob 1", "Knob 2", "Knob 3", "Knob 4", "Knob 5", "Knob 6", "Knob 7", "Knob 8", "Knob 9"));
     EXPECT_EQ(columnOf("tablePlistOfSelectedPlugin", 0)[9], "9");
 }
 
@@ -132,8 +132,7 @@ TEST_F(SelectionTest, TheHelpLineSaysThatAModeSwitchReads)
     const auto watching = controller().labelHelperDisplay()->stringValue.onChange(
         [&](const std::string& line) { lines.push_back(line); });
     QTest::mouseClick(find("kvPluginMode_1"), Qt::LeftButton, Qt::NoModifier, QPoint(8, 8));
-    EXPECT_THAT(lines,
-                ElementsAre("Reading Parameters... Please Wait...", "Editing Effect using Instrument Mode"));
+    EXPECT_THAT(lines, ElementsAre("Reading Parameters... Please Wait...", "Editing Effect using Instrument Mode"));
 }
 
 TEST_F(SelectionTest, ASwitchedModeIgnoresTheFilesOwn)
