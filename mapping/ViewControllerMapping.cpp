@@ -27,6 +27,7 @@ void ViewController::readPlistFileCheckMode(const std::string& path, std::int32_
     arrayControllerPlistSelected()->setContent({});
     arrayControllerPlistSelected()->filterText.set({});
     arrayControllerPlistSelected()->setContent(std::move(loaded.parameters));
+    arrayControllerPlistSelected()->setSelectionIndex(0);
     mapping::plugin_Mode = loaded.mode;
     mapping::plistBuild = std::move(loaded.entries);
     mapping::totalPages = loaded.totalPages;

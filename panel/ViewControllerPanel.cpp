@@ -6,6 +6,8 @@
 #include "panel/Pages.h"
 #include "plugins/PluginScan.h"
 
+#include <algorithm>
+
 void ViewController::populateKnobLabels(std::int32_t page)
 {
     const std::string plugin = myArrayController()->selectionText(plugins::kPlugin);
@@ -28,7 +30,7 @@ void ViewController::populateKnobLabels(std::int32_t page)
 void ViewController::writeKnobLabelAndRowEndAndLabelPre(std::int32_t first, std::int32_t last, const std::string&)
 {
     // The eight labels are the only row of labels there is, so the prefix always names them.
-    for (std::int32_t position = first; position <= last; ++position) {
+    for (std::int32_t position = first; position <= std::min(last, first + mapping::kPotsPerPage - 1); ++position) {
         const std::string& name = mapping::nameAt(mapping::plistBuild, position);
         const auto label = knobLabel(position - first + 1);
         label->stringValue.set(name);

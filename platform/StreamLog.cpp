@@ -7,6 +7,7 @@
 #include <cstring>
 #include <exception>
 
+#include <poll.h>
 #include <unistd.h>
 
 namespace platform {
@@ -26,6 +27,9 @@ void writeWhole(int descriptor, const char* bytes, std::size_t size) noexcept
         if (written > 0) {
             bytes += written;
             size -= static_cast<std::size_t>(written);
+        } else if (errno == EAGAIN) {
+            pollfd writable = {descriptor, POLLOUT, 0};
+            ::poll(&writable, 1, -1);
         } else if (errno != EINTR) {
             return; // nobody reads the log any more
         }
@@ -53,12 +57,15 @@ void writeLogOnDeath()
             flushDyingLog();
             formerTerminate();
         });
+        static std::array<char, std::size_t{1} << 16> stack; // the program's own may be what overflowed
+        const stack_t ownStack = {stack.data(), 0, stack.size()};
+        ::sigaltstack(&ownStack, nullptr);
         for (const int signal : kFatalSignals) {
             struct sigaction action = {};
             if (::sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL)
                 continue; // ignored on purpose, or a sanitizer's
             action.sa_handler = writeLogAndDie;
-            action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
+            action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER | SA_ONSTACK);
             ::sigemptyset(&action.sa_mask);
             ::sigaction(signal, &action, nullptr);
         }

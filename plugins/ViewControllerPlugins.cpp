@@ -9,6 +9,7 @@ void ViewController::btnRunCheck(Sender)
 {
     myArrayController()->setContent({});
     arrayControllerPlistSelected()->setContent({});
+    arrayControllerPlistSelected()->filterText.set({});
     const auto& folders = platform_.folders;
     checkFilesAndType((folders.localApplicationSupport() / "Logic/Plug-In Settings").native(), "Logic");
     checkFilesAndType((folders.home() / "Library/Audio/Presets").native(), "3rd Party");

@@ -134,6 +134,7 @@ void bind(const std::shared_ptr<Window>& window, QWidget* widget)
             widget->close();
     });
     binding->keep(window->broughtToFront.connect([widget] {
+        widget->setWindowState(widget->windowState() & ~Qt::WindowMinimized);
         widget->show();
         widget->raise();
         widget->activateWindow();

@@ -1,5 +1,8 @@
 #include "platform/qt/ElidedLabel.h"
 
+#include "platform/qt/PlainToolTips.h"
+
+#include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOption>
@@ -30,18 +33,32 @@ QSize ElidedLabel::minimumSizeHint() const
     return {fontMetrics().averageCharWidth() * 3, sizeHint().height()};
 }
 
+bool ElidedLabel::event(QEvent* event)
+{
+    const bool isShortened = fontMetrics().horizontalAdvance(singleLine()) > textArea().width();
+    if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && isShortened) {
+        showPlainToolTip(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
+        return true;
+    }
+    return QLabel::event(event);
+}
+
 void ElidedLabel::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     QStyleOption option;
     option.initFrom(this);
     style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
-    const int inner = margin();
-    const QRect area = contentsRect().adjusted(inner, inner, -inner, -inner);
+    const QRect area = textArea();
     const QString shown = fontMetrics().elidedText(singleLine(), mode_, area.width());
     const auto aligned = QStyle::visualAlignment(layoutDirection(), alignment());
     style()->drawItemText(&painter, area, static_cast<int>(aligned) | Qt::TextSingleLine, palette(), isEnabled(), shown,
                           foregroundRole());
+}
+
+QRect ElidedLabel::textArea() const
+{
+    return contentsRect().adjusted(margin(), margin(), -margin(), -margin());
 }
 
 QString ElidedLabel::singleLine() const

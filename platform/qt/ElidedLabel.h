@@ -18,10 +18,13 @@ public:
     QSize minimumSizeHint() const override;
 
 protected:
+    /// A text that is shortened shows whole when the pointer rests on it, unless the label has a tool tip of its own.
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     QString singleLine() const;
+    QRect textArea() const;
 
     Qt::TextElideMode mode_ = Qt::ElideRight;
 };

@@ -26,6 +26,12 @@ QString toolTipAt(QWidget* widget, const QPoint& position)
 
 } // namespace
 
+void showPlainToolTip(const QPoint& globalPosition, const QString& text, QWidget* widget)
+{
+    const QString asWritten = QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(text.toHtmlEscaped());
+    QToolTip::showText(globalPosition, asWritten, widget);
+}
+
 bool PlainToolTips::eventFilter(QObject* watched, QEvent* event)
 {
     auto* widget = event->type() == QEvent::ToolTip ? qobject_cast<QWidget*>(watched) : nullptr;
@@ -35,7 +41,7 @@ bool PlainToolTips::eventFilter(QObject* watched, QEvent* event)
     const QString text = toolTipAt(widget, help->pos());
     if (!Qt::mightBeRichText(text))
         return false;
-    QToolTip::showText(help->globalPos(), Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal), widget);
+    showPlainToolTip(help->globalPos(), text, widget);
     return true;
 }
 

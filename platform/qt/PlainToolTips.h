@@ -6,6 +6,9 @@
 
 namespace platform::qt {
 
+/// Shows a tool tip as plain text, its blanks and line ends as they are.
+void showPlainToolTip(const QPoint& globalPosition, const QString& text, QWidget* widget);
+
 class PlainToolTips final : public QObject {
     Q_OBJECT
 

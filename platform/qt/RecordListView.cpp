@@ -42,10 +42,31 @@ QItemSelectionModel::SelectionFlags RecordListView::selectionCommand(const QMode
                                                                      const QEvent* event) const
 {
     const auto command = QTreeView::selectionCommand(index, event);
-    // A click with Ctrl would take the choice back and leave nothing chosen.
-    if (command.testFlag(QItemSelectionModel::Toggle) || command.testFlag(QItemSelectionModel::Deselect))
+    // A click with Ctrl, or beside the rows, would take the choice back and leave nothing chosen.
+    if (!index.isValid() || command.testFlag(QItemSelectionModel::Toggle) ||
+        command.testFlag(QItemSelectionModel::Deselect))
         return QItemSelectionModel::NoUpdate;
     return command;
+}
+
+QModelIndex RecordListView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
+{
+    // While nothing is selected Qt has the cursor on the first row already; the first key goes to it, not past it.
+    const bool goesOn = action == MoveDown || action == MoveNext || action == MovePageDown;
+    if (goesOn && selectedRow() == ArrayController::kNoSelection)
+        return model()->index(0, 0);
+    return QTreeView::moveCursor(action, modifiers);
+}
+
+void RecordListView::keyPressEvent(QKeyEvent* event)
+{
+    QTreeView::keyPressEvent(event);
+    // The cursor was there already, so Qt moved nothing and selected nothing.
+    const bool moves = event->key() == Qt::Key_Down || event->key() == Qt::Key_Up || event->key() == Qt::Key_Home ||
+                       event->key() == Qt::Key_End || event->key() == Qt::Key_PageDown ||
+                       event->key() == Qt::Key_PageUp;
+    if (moves && selectedRow() == ArrayController::kNoSelection && currentIndex().isValid())
+        selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 
 void RecordListView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)

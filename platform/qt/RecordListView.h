@@ -21,7 +21,9 @@ public:
     void follow(std::shared_ptr<ArrayController> controller, std::shared_ptr<TableView> table);
 
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override;
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
 

@@ -26,6 +26,23 @@ QCollator personsCollator()
     return collator;
 }
 
+/// What somebody types for a letter that has its accent built in.
+QString withoutStroke(QChar letter)
+{
+    switch (letter.unicode()) {
+    case u'\u00e6': return QStringLiteral("ae");
+    case u'\u00f0':
+    case u'\u0111': return QStringLiteral("d");
+    case u'\u00f8': return QStringLiteral("o");
+    case u'\u0127': return QStringLiteral("h");
+    case u'\u0131': return QStringLiteral("i");
+    case u'\u0142': return QStringLiteral("l");
+    case u'\u0153': return QStringLiteral("oe");
+    case u'\u00df': return QStringLiteral("ss");
+    default: return letter;
+    }
+}
+
 /// The folded texts of the content a filter last saw, so that a keystroke does not fold them all again.
 class FoldedTexts {
 public:
@@ -108,11 +125,11 @@ QString foldedForSearch(const QString& text)
     const QString decomposed = text.normalized(QString::NormalizationForm_KD);
     QString folded;
     folded.reserve(decomposed.size());
-    for (const QChar c : decomposed) {
+    for (const QChar c : decomposed.toCaseFolded()) {
         if (!c.isMark())
-            folded += c;
+            folded += withoutStroke(c);
     }
-    return folded.toCaseFolded();
+    return folded;
 }
 
 } // namespace platform::qt

@@ -72,7 +72,7 @@ std::filesystem::path UserFolders::home() const
 
 std::filesystem::path UserFolders::localApplicationSupport() const
 {
-    return std::filesystem::path(environmentOr("KV_LOCAL_LIBRARY", "/Library")) / "Application Support";
+    return std::filesystem::absolute(environmentOr("KV_LOCAL_LIBRARY", "/Library")) / "Application Support";
 }
 
 } // namespace platform::qt

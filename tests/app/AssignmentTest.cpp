@@ -122,6 +122,19 @@ TEST_F(AssignmentTest, SearchingNarrowsByAnyPartOfNameOrNumber)
     EXPECT_THAT(found(""), ElementsAre("-", "Osc 1 Level", "Cutoff Freq", "Frequ\u00e9nce", "Gain"));
 }
 
+TEST_F(AssignmentTest, SearchingIgnoresCaseAndAccentsOfEveryKind)
+{
+    using platform::qt::foldedForSearch;
+    const std::pair<const char16_t*, const char16_t*> cases[] = {
+        {u"G\u0142\u0119bia", u"glebia"},   {u"\u00d8RE", u"ore"},
+        {u"Stra\u00dfe", u"strasse"},       {u"\u00c6ther", u"aether"},
+        {u"e\u0301cho", u"echo"},           {u"\uff23utoff", u"cutoff"},
+        {u"\u0416\u0401", u"\u0436\u0435"}, {u"\u97f3\u91cf", u"\u97f3\u91cf"},
+    };
+    for (const auto& [text, folded] : cases)
+        EXPECT_EQ(foldedForSearch(QString::fromUtf16(text)), QString::fromUtf16(folded));
+}
+
 TEST_F(AssignmentTest, ASelectedRowThatIsStillShownStaysSelected)
 {
     select("Other");

@@ -89,6 +89,16 @@ TEST_F(ChartWindowTest, WhatAsciiCannotHoldIsNotWrittenAndTheEarlierChartIsGone)
     EXPECT_THAT(workspace_.opened, ElementsAre(chartOf("Synth"))) << "asked for all the same";
 }
 
+TEST_F(ChartWindowTest, AFolderThatIsGoneIsAskedForAllTheSame)
+{
+    load("Synth", {"1 One"});
+    std::filesystem::remove_all(builtIn("Synth").parent_path());
+    const auto alerts = alertsOf([this] { click("kvCreateChart"); });
+    EXPECT_THAT(alerts, ElementsAre());
+    EXPECT_FALSE(std::filesystem::exists(chartOf("Synth")));
+    EXPECT_THAT(workspace_.opened, ElementsAre(chartOf("Synth")));
+}
+
 TEST_F(ChartWindowTest, TheChartIsThatOfTheMappingAsItStands)
 {
     load("Synth", numbered(8));

@@ -1,4 +1,4 @@
-// Ten thousand parameters: nothing the user waits for.
+// Ten thousand parameters: nothing the user waits for. A hundred thousand: nothing that grows faster than its input.
 
 #include "tests/support/WindowTest.h"
 
@@ -39,6 +39,18 @@ TEST_F(LargePluginTest, LoadingSearchingAndPressingStayInstant)
     EXPECT_LT(millisecondsOf([this] { click("kvMovePage_Last"); }), 2000);
     EXPECT_LT(millisecondsOf([this] { alertsOf([this] { click("kvExportToPlist"); }); }), 4000);
     EXPECT_EQ(textsAt(builtIn("Huge"), kOrder).size(), 10000U);
+}
+
+// What is quadratic takes minutes here.
+TEST_F(LargePluginTest, AHundredThousandParametersLoadAndMove)
+{
+    writeDictionary(builtIn("Huge"), orderFile(numbered(100000)));
+    launch();
+    EXPECT_LT(millisecondsOf([this] { select("Huge"); }), 10000);
+    EXPECT_EQ(mapping::totalPages, 12500);
+    EXPECT_LT(millisecondsOf([this] { typeInto("parameterSearch", "999"); }), 5000);
+    EXPECT_LT(millisecondsOf([this] { pressPot(1); }), 5000);
+    EXPECT_LT(millisecondsOf([this] { click("kvMovePage_Last"); }), 5000);
 }
 
 } // namespace test

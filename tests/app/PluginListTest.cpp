@@ -118,6 +118,37 @@ TEST_F(PluginListTest, SortsByTheColumnClickedAndKeepsTheSelectedPlugin)
     EXPECT_EQ(selectedRow("pluginTableView"), 0);
 }
 
+TEST_F(PluginListTest, EveryColumnSorts)
+{
+    launch();
+    list()->sortByColumn(2, Qt::DescendingOrder);
+    EXPECT_THAT(columnOf("pluginTableView", 0), ElementsAre("EQ One", "Synth X")) << "all alike, so by name";
+    list()->sortByColumn(1, Qt::DescendingOrder);
+    EXPECT_THAT(columnOf("pluginTableView", 1), ElementsAre("Maker", "Logic Built-In"));
+}
+
+TEST_F(PluginListTest, ARescanEmptiesTheSearchField)
+{
+    launch();
+    select("Synth X");
+    typeInto("parameterSearch", "knob");
+    click("btnRunCheck");
+    EXPECT_EQ(text("parameterSearch"), "");
+}
+
+TEST_F(PluginListTest, AShortenedTextShowsWholeAsItsTip)
+{
+    launch();
+    select("Synth X");
+    auto* path = find("labPluginPlistLocation");
+    path->setFixedWidth(60);
+    QHelpEvent help(QEvent::ToolTip, QPoint(3, 3), path->mapToGlobal(QPoint(3, 3)));
+    QApplication::sendEvent(path, &help);
+    EXPECT_THAT(QToolTip::text().toStdString(), HasSubstr(thirdParty("Maker", "Synth X").native()));
+    EXPECT_EQ(text("labPluginPlistLocation"), thirdParty("Maker", "Synth X").native()) << "whole in the property";
+    QToolTip::hideText();
+}
+
 TEST_F(PluginListTest, APathShowsAsTheRowsToolTip)
 {
     launch();

@@ -176,6 +176,54 @@ TEST_F(SelectionTest, GoingIntoTheListChoosesNothing)
     EXPECT_EQ(text("labKOScreen_Title"), "Please Select a plugin");
 }
 
+TEST_F(SelectionTest, TheFirstKeyChoosesTheFirstRow)
+{
+    for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Home, Qt::Key_Up}) {
+        launch();
+        auto* list = find<QTreeView>("pluginTableView");
+        find("parameterSearch")->setFocus();
+        list->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(list, key);
+        EXPECT_EQ(text("labKOScreen_Title"), "Effect (Logic Built-In)") << key;
+        QTest::keyClick(list, Qt::Key_Down);
+        EXPECT_EQ(text("labKOScreen_Title"), "Synth (Logic Built-In)") << key;
+    }
+}
+
+TEST_F(SelectionTest, AnOnlyPluginCanBeChosenWithTheKeyboard)
+{
+    std::filesystem::remove_all(builtIn("Synth").parent_path());
+    launch();
+    find("pluginTableView")->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(find("pluginTableView"), Qt::Key_Down);
+    EXPECT_EQ(text("labKOScreen_Title"), "Effect (Logic Built-In)");
+}
+
+TEST_F(SelectionTest, AClickBesideTheRowsChangesNothing)
+{
+    launch();
+    select("Effect");
+    chooseParameter("Knob 3");
+    for (const char* name : {"pluginTableView", "tablePlistOfSelectedPlugin"}) {
+        auto* list = find<QTreeView>(name);
+        const int row = selectedRow(name);
+        const QPoint beside(20, list->viewport()->height() - 3);
+        ASSERT_FALSE(list->indexAt(beside).isValid());
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, beside);
+        EXPECT_EQ(selectedRow(name), row) << name;
+    }
+    EXPECT_EQ(text("labKOScreen_Title"), "Effect (Logic Built-In)");
+}
+
+TEST_F(SelectionTest, EveryLoadSelectsTheBlankEntry)
+{
+    launch();
+    select("Effect");
+    chooseParameter("Knob 3");
+    controller().readPlistFileCheckMode(builtIn("Effect").native(), 0);
+    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 0);
+}
+
 TEST_F(SelectionTest, ClickingTheChosenRowLoadsItAfresh)
 {
     launch();

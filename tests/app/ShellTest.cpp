@@ -23,6 +23,16 @@ TEST_F(ShellTest, StartingScansBeforeAnyUserAction)
     EXPECT_EQ(text("labelHelperDisplay"), "Please Select a Plugin");
 }
 
+TEST_F(ShellTest, StartingScansOnce)
+{
+    writeDictionary(builtIn("EQ One"), orderFile(numbered(3)));
+    launch();
+    const std::string log = logText();
+    const std::string line = builtIn("EQ One").native() + "\n";
+    EXPECT_NE(log.find(line), std::string::npos);
+    EXPECT_EQ(log.find(line), log.rfind(line));
+}
+
 TEST_F(ShellTest, NothingFoundIsAnEmptyListAndNoMessage)
 {
     const auto alerts = alertsOf([this] { launch(); });
@@ -123,6 +133,28 @@ TEST_F(ShellTest, AClosedCommunityWindowOpensAgain)
     EXPECT_FALSE(controller().cwinCloudWindow()->visible.get());
     click("kvLoginToCloudAccount");
     EXPECT_TRUE(find("cwinCloudWindow")->isVisible());
+}
+
+TEST_F(ShellTest, TheAccountWindowComesUpCentredAndOutOfTheDock)
+{
+    launch();
+    click("kvLoginToCloudAccount");
+    auto* window = find("cwinCloudWindow");
+    const QPoint offset = window->frameGeometry().center() - window->screen()->availableGeometry().center();
+    EXPECT_LE(offset.manhattanLength(), 4);
+    window->showMinimized();
+    click("kvLoginToCloudAccount");
+    EXPECT_FALSE(window->isMinimized());
+    EXPECT_TRUE(window->isVisible());
+}
+
+TEST_F(ShellTest, TheShareButtonWaitsForALogIn)
+{
+    launch();
+    EXPECT_FALSE(isEnabled("kv_btn_cloudLibrary"));
+    controller().kv_btn_cloudLibrary()->enabled.set(true);
+    click("kv_btn_cloudLibrary");
+    EXPECT_TRUE(find("cwinUploadWindow")->isVisible());
 }
 
 TEST_F(ShellTest, CommunityWindowsHoldTheirFieldsAndCloseOnEscape)

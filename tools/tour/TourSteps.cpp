@@ -107,6 +107,19 @@ QString synthesizer(Tour& tour)
     return tour.text("labKOScreen_Title") + QStringLiteral(", ") + tour.text("lab_PageCurrentlyDisplayed");
 }
 
+QString saveSynthesizer(Tour& tour)
+{
+    tour.clickRow("tablePlistOfSelectedPlugin",
+                  tour.find<QAbstractItemView>("tablePlistOfSelectedPlugin")->model()->index(9, 1).data().toString(),
+                  1);
+    for (const char* pot : kPots)
+        tour.click(pot);
+    tour.answerAlert();
+    tour.click("kvExportToPlist");
+    tour.expect(tour.textOfAlert() == QLatin1String("New Mapping has been saved"), QStringLiteral("the save is told"));
+    return QStringLiteral("pots 1 to 8 of page 40 assigned and saved");
+}
+
 QString markup(Tour& tour)
 {
     tour.clickRow("pluginTableView", QStringLiteral("Brindle <b> & Co"));
@@ -150,6 +163,7 @@ std::vector<Step> allSteps()
         {QStringLiteral("recall"), recall},
         {QStringLiteral("chart"), chart},
         {QStringLiteral("synthesizer"), synthesizer},
+        {QStringLiteral("save-synthesizer"), saveSynthesizer},
         {QStringLiteral("names-as-they-are"), markup},
         {QStringLiteral("account-window"), account},
         {QStringLiteral("help"), help},
