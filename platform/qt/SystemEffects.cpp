@@ -1,6 +1,7 @@
 #include "platform/qt/SystemEffects.h"
 
 #include "platform/FileUrl.h"
+#include "platform/qt/CompletionGate.h"
 #include "platform/qt/Text.h"
 
 #include <QApplication>
@@ -37,6 +38,7 @@ const char* environmentOr(const char* name, const char* otherwise)
 
 int MessageBoxAlerts::runModal(const Alert& alert)
 {
+    const CompletionGate::Hold hold(gate_);
     QMessageBox box(QApplication::activeWindow());
     box.setWindowModality(Qt::ApplicationModal);
     box.setWindowTitle(QApplication::applicationDisplayName());
