@@ -10,14 +10,33 @@ namespace platform::qt {
 
 RecordTableModel::RecordTableModel(std::shared_ptr<ArrayController> controller, std::vector<RecordColumn> columns,
                                    std::string toolTipKey, QObject* parent)
-    : QAbstractTableModel(parent), controller_(std::move(controller)), columns_(std::move(columns)),
-      toolTipKey_(std::move(toolTipKey)), rows_(controller_->arrangedCount())
+    : QAbstractTableModel(parent),
+      controller_(std::move(controller)),
+      columns_(std::move(columns)),
+      toolTipKey_(std::move(toolTipKey)),
+      rows_(controller_->arrangedCount())
 {
     arranged_ = controller_->arrangedChanged.connect([this] {
         beginResetModel();
-        rows_ = controller_->arrangedCount();
+        update();
         endResetModel();
     });
+}
+
+void RecordTableModel::setColumns(std::function<std::vector<RecordColumn>(const std::vector<Record>&)> columnsOf)
+{
+    beginResetModel();
+    columnsOf_ = std::move(columnsOf);
+    columnsRevision_ = controller_->contentRevision();
+    columns_ = columnsOf_(controller_->content());
+    endResetModel();
+}
+
+void RecordTableModel::update()
+{
+    rows_ = controller_->arrangedCount();
+    if (columnsOf_ && std::exchange(columnsRevision_, controller_->contentRevision()) != controller_->contentRevision())
+        columns_ = columnsOf_(controller_->content());
 }
 
 int RecordTableModel::rowCount(const QModelIndex& parent) const
