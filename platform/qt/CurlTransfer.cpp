@@ -15,6 +15,7 @@ bool isLoopback(std::string_view host)
     return host == "localhost" || host.ends_with(".localhost") || host.starts_with("127.") || host == "[::1]";
 }
 
+/// In lower case; empty when the address has none.
 std::string hostOf(const std::string& address)
 {
     std::string host;
@@ -23,6 +24,8 @@ std::string hostOf(const std::string& address)
     if (curl_url_set(url, CURLUPART_URL, address.c_str(), 0) == CURLUE_OK &&
         curl_url_get(url, CURLUPART_HOST, &part, 0) == CURLUE_OK)
         host = part;
+    std::transform(host.begin(), host.end(), host.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
     curl_free(part);
     curl_url_cleanup(url);
     return host;
@@ -98,6 +101,8 @@ bool CurlTransfer::followRedirect(CURLcode& result)
 {
     if (isTooLarge_)
         result = CURLE_FILESIZE_EXCEEDED;
+    if (result == CURLE_OK && !isHeadWhole_) // libcurl takes a head that was cut off for a whole one
+        result = CURLE_PARTIAL_FILE;
     char* target = nullptr;
     curl_easy_getinfo(handle(), CURLINFO_REDIRECT_URL, &target);
     if (result != CURLE_OK || !isRedirect() || !target)
@@ -148,6 +153,7 @@ std::size_t CurlTransfer::takeHeader(char* bytes, std::size_t, std::size_t count
     auto& transfer = *static_cast<CurlTransfer*>(self);
     if (line.starts_with("HTTP/"))
         transfer.hasLocation_ = false;
+    transfer.isHeadWhole_ = line == "\r\n" || line == "\n";
     if (curl_strnequal(bytes, kLocation.data(), std::min(count, kLocation.size())) && count > kLocation.size())
         transfer.hasLocation_ = line.find_first_not_of(" \t\r\n", kLocation.size()) != std::string_view::npos;
     return count;

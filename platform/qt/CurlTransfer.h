@@ -70,6 +70,7 @@ private:
     std::unique_ptr<CURL, FreeHandle> handle_;
     std::size_t received_ = 0;
     bool isTooLarge_ = false;
+    bool isHeadWhole_ = false;
     bool hasLocation_ = false;
     int redirects_ = 0;
     std::int64_t moved_ = 0;

@@ -7,9 +7,45 @@
 #include <QJsonObject>
 #include <QLocale>
 
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+
 namespace platform::qt {
 
 namespace {
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+/// The text with every whole number that 64 bits cannot hold in quotes, because Qt would round it. `json` is valid.
+QByteArray withLongNumbersQuoted(std::string_view json)
+{
+    QByteArray result;
+    bool isInText = false;
+    std::size_t i = 0;
+    while (i < json.size()) {
+        std::size_t end = i + 1;
+        bool isQuoted = false;
+        if (isInText && json[i] == '\\') {
+            ++end;
+        } else if (json[i] == '"') {
+            isInText = !isInText;
+        } else if (!isInText && (isDigit(json[i]) || json[i] == '-')) {
+            end = std::min(json.find_first_not_of("+-.0123456789Ee", i), json.size());
+            const std::string_view number = json.substr(i, end - i);
+            std::int64_t value = 0;
+            isQuoted = number.find_first_of(".Ee") == std::string_view::npos &&
+                       std::from_chars(number.data(), number.data() + number.size(), value).ec != std::errc();
+        }
+        const QByteArrayView piece(json.data() + i, static_cast<qsizetype>(end - i));
+        result.append(isQuoted ? "\"" : "").append(piece).append(isQuoted ? "\"" : "");
+        i = end;
+    }
+    return result;
+}
 
 std::string numberText(const QJsonValue& number)
 {
@@ -43,9 +79,11 @@ Record recordOf(const QJsonObject& object)
 
 std::vector<Record> QtJson::objectsOf(std::string_view json) const
 {
-    const auto document = QJsonDocument::fromJson(QByteArray(json.data(), static_cast<qsizetype>(json.size())));
+    if (!QJsonDocument::fromJson(QByteArray::fromRawData(json.data(), static_cast<qsizetype>(json.size()))).isArray())
+        return {};
+    const QJsonArray array = QJsonDocument::fromJson(withLongNumbersQuoted(json)).array();
     std::vector<Record> records;
-    for (const QJsonValueConstRef element : document.array()) {
+    for (const QJsonValueConstRef element : array) {
         if (element.isObject())
             records.push_back(recordOf(element.toObject()));
     }
