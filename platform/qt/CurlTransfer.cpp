@@ -151,10 +151,14 @@ std::size_t CurlTransfer::takeHeader(char* bytes, std::size_t, std::size_t count
     static constexpr std::string_view kLocation = "location:";
     const std::string_view line(bytes, count);
     auto& transfer = *static_cast<CurlTransfer*>(self);
-    if (line.starts_with("HTTP/"))
+    if (line.starts_with("HTTP/")) {
+        transfer.isHeadWhole_ = false;
         transfer.hasLocation_ = false;
+    }
+    if (transfer.isHeadWhole_)
+        return count; // a trailer
     transfer.isHeadWhole_ = line == "\r\n" || line == "\n";
-    if (curl_strnequal(bytes, kLocation.data(), std::min(count, kLocation.size())) && count > kLocation.size())
+    if (count > kLocation.size() && curl_strnequal(bytes, kLocation.data(), kLocation.size()))
         transfer.hasLocation_ = line.find_first_not_of(" \t\r\n", kLocation.size()) != std::string_view::npos;
     return count;
 }

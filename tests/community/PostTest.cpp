@@ -119,6 +119,10 @@ TEST_F(Post, TakesBodiesInEveryFraming)
 {
     peer_.play("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n2\r\nde\r\n0\r\n\r\n");
     EXPECT_EQ(post("chunked"), "abcde");
+    peer_.play("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1\r\na\r\n0\r\nLocation: /x\r\nA: b\r\n\r\n");
+    EXPECT_EQ(post("trailers"), "a");
+    peer_.play("HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\na");
+    EXPECT_EQ(post("continue"), "a");
     peer_.play("HTTP/1.1 200 OK\r\n\r\nuntil the end");
     EXPECT_EQ(post("closed"), "until the end");
     peer_.play("HTTP/1.0 200 OK\r\nContent-Length: 3\r\n\r\nold");
