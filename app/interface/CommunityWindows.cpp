@@ -106,7 +106,7 @@ QWidget* makeDownloadWindow()
     window->layout()->addWidget(makeProgressBar());
     window->layout()->addWidget(makeButton("kvCommunityLoadSelectedDownload", QObject::tr("Load"),
                                            QObject::tr("Fetch the selected mapping and load it into the editor")));
-    window->resize(560, 440);
+    window->resize(720, 460);
     return window;
 }
 

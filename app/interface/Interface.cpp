@@ -145,7 +145,7 @@ const char* const kNeedPlugin[] = {
     "kvPluginMode",
 };
 
-constexpr int kCommentsWidth = 240;
+constexpr int kCommentsWidth = 320;
 
 void bindTextField(const std::shared_ptr<TextField>& field, QWidget* widget)
 {
@@ -283,7 +283,7 @@ void Interface::connectLists()
                                                   &ViewController::cwin_DownloadAvalableHighlighted));
     auto* sharedView = find<qt::RecordListView>("cwinPlistAvailable");
     static_cast<qt::RecordTableModel*>(sharedView->model())->setColumns(sharedColumns);
-    sharedView->header()->setDefaultSectionSize(110);
+    sharedView->header()->setDefaultSectionSize(105);
     connections_.push_back(
         shared->arrangedChanged.connect([sharedView] { sharedView->header()->resizeSection(0, kCommentsWidth); }));
 }

@@ -7,9 +7,12 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
 #include <QUrl>
 
 #include <cstdlib>
@@ -26,6 +29,26 @@ QMessageBox::Icon iconFor(Alert::Style style)
     case Alert::Style::warning: break;
     }
     return QMessageBox::Warning;
+}
+
+/// A text that is higher than the screen, such as a server's error page, would take the buttons with it.
+void letLongTextScroll(QMessageBox& box)
+{
+    constexpr int kWidth = 520;
+    auto* grid = qobject_cast<QGridLayout*>(box.layout());
+    auto* text = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
+    const int highest = box.screen()->availableGeometry().height() / 2;
+    const int place = grid && text ? grid->indexOf(text) : -1;
+    if (place < 0 || text->heightForWidth(kWidth) <= highest)
+        return;
+    int row = 0, column = 0, rows = 0, columns = 0;
+    grid->getItemPosition(place, &row, &column, &rows, &columns);
+    auto* scroll = new QScrollArea;
+    scroll->setWidgetResizable(true);
+    scroll->setMinimumSize(kWidth, highest);
+    grid->removeWidget(text);
+    scroll->setWidget(text);
+    grid->addWidget(scroll, row, column, rows, columns);
 }
 
 const char* environmentOr(const char* name, const char* otherwise)
@@ -56,6 +79,8 @@ int MessageBoxAlerts::runModal(const Alert& alert)
     box.setTextFormat(Qt::PlainText);
     for (QLabel* label : box.findChildren<QLabel*>())
         label->setTextFormat(Qt::PlainText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse); // a reply may hold what is needed later
+    letLongTextScroll(box);
     box.exec();
     return kFirstButton + static_cast<int>(buttons.indexOf(box.clickedButton()));
 }

@@ -10,8 +10,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QElapsedTimer>
+#include <QMessageBox>
 #include <QProgressBar>
+#include <QScreen>
 #include <QTest>
 #include <QTreeView>
 
@@ -117,6 +120,27 @@ TEST_F(Sharing, UploadOfNobodyAndOfAMissingFile)
     EXPECT_NE(peer_.requests().back().find("\r\nContent-Length: 252\r\n"), std::string::npos);
     EXPECT_EQ(alerts_.shown(), std::vector{(ShownAlert{"Upload notification", "", 1})});
     EXPECT_FALSE(isOpen("cwinUploadWindow"));
+}
+
+TEST_F(Sharing, LongReplyIsShownWholeOnAnAlertThatFitsOnTheScreen)
+{
+    std::string page = "<html>";
+    for (int i = 0; i < 500; ++i)
+        page += "\n<p>An error page</p>";
+    int height = 0;
+    bool isButtonOnScreen = false;
+    alerts_.whileOpen = [&] {
+        const auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        const QAbstractButton* button = box->buttons().front();
+        height = box->height();
+        isButtonOnScreen =
+            box->screen()->geometry().contains(button->mapToGlobal(button->rect().center())) && button->isVisible();
+    };
+    peer_.play(support::reply(page, "500 Oops"));
+    program_->controller.kvCommunityUploadBtn();
+    EXPECT_EQ(alerts_.shown(), std::vector{(ShownAlert{"Upload notification", page, 1})});
+    EXPECT_GT(height, 100);
+    EXPECT_TRUE(isButtonOnScreen);
 }
 
 TEST_F(Sharing, BrowsingListsTheEntriesInTheServersOrder)
