@@ -5,6 +5,7 @@
 void ViewController::viewDidLoad()
 {
     btnRunCheck();
+    readPrefsFile();
 }
 
 void ViewController::setRepresentedObject(std::any object)

@@ -10,15 +10,18 @@
 //   Pages                  panel/ViewControllerPages.cpp
 //   Assignment             panel/ViewControllerAssignment.cpp
 //   Chart                  chart/ViewControllerChart.cpp
-//   Community              community/ViewControllerCommunity.cpp
+//   Community account      community/ViewControllerAccount.cpp
+//   Community sharing      community/ViewControllerSharing.cpp
 
 #include "app/Outlets.h"
 #include "platform/Effects.h"
+#include "platform/Http.h"
 #include "platform/ViewControllerBase.h"
 
 #include <any>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 class ViewController final : public platform::ViewControllerBase, public Outlets {
@@ -29,7 +32,7 @@ public:
 
     // Shell
 
-    /// Scans for plug-ins. Does not call the base class; keep it so.
+    /// Scans for plug-ins, then logs in with what is stored. Does not call the base class; keep it so.
     void viewDidLoad() override;
     void setRepresentedObject(std::any object) override;
 
@@ -120,12 +123,40 @@ public:
     /// Writes the chart beside the plug-in's file and opens it. The format is not consulted: it is always HTML.
     void outputChartAs(const std::string& format);
 
-    // Community
+    // Community account. An absent name or PIN is sent as "(null)".
 
     void kvLoginToCloudAccount(Sender sender = nullptr);
+    /// Stores what was typed, whatever the server says, and logs in or out as it says.
+    void cwinLoginAttempt(Sender sender = nullptr);
+    void cwinNewUserCreate(Sender sender = nullptr);
+    /// State 1 logs in, any other logs out; `userName` does not matter then.
+    void changeLoginStateAndState(const std::optional<std::string>& userName, std::int32_t state);
+    std::string checkCloudUserNameAndPinCode(const std::optional<std::string>& userName,
+                                             const std::optional<std::string>& pinCode);
+    std::string createNewCloudUserNameAndEmail(const std::string& userName, const std::string& email);
+    void writePrefsFileAndPIN(const std::string& userName, const std::string& pin);
+    /// Logs in with what is stored, asking the server even when nothing is. Shows no alert.
+    void readPrefsFile();
+
+    // Community sharing. Replies are the server's texts, empty when none came.
+
     void kvCommunityLibrary(Sender sender = nullptr);
+    void kvCommunityUploadBtn(Sender sender = nullptr);
+    /// Lists what others shared for the selected plug-in and opens the download window, whatever came back.
     void kvCommunityLibraryDownload(Sender sender = nullptr);
     void cwin_DownloadAvalableHighlighted(Sender sender = nullptr);
+    /// Registers and starts the download of the selected entry. Does nothing before a plug-in has been loaded.
+    void kvCommunityLoadSelectedDownload(Sender sender = nullptr);
+    /// Sends the file as it is on disk; one that cannot be read goes out empty.
+    std::string uploadFileToServerAndComments(const std::string& path, const std::string& comments);
+    std::string checkForDownloads(const std::optional<std::string>& plugin);
+    std::string registerCloudDownloadAttempt(const std::optional<std::string>& patchId);
+    void startDownloadingURLToLocalFile(const std::string& address, const std::string& path);
+    /// Loads the downloaded file beside the plug-in selected now. It is not marked.
+    void downloadDidFinish(Sender download = nullptr);
+    void downloadDidFailWithError(Sender download, const platform::DownloadError& error);
+    /// How far the running downloads are.
+    platform::Property<platform::DownloadProgress>& downloadProgress() { return platform_.http.downloadProgress; }
 
 private:
     /// A plug-in has been loaded, so there is a mapping to show, edit and save.
@@ -133,6 +164,11 @@ private:
     /// A mapping is loaded and its plug-in is still the selected row.
     bool isPluginBeingEdited() const;
     std::shared_ptr<TextField> knobLabel(std::int32_t number) const;
+    /// Sends a request without a body and returns the reply's text.
+    std::string sendRequest(const std::string& address);
+    std::optional<std::string> selectedPlugin() const;
+    /// Where a shared mapping is kept, beside the file of the plug-in selected now.
+    std::string downloadedPath() const;
 
     platform::Platform& platform_;
 };

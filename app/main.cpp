@@ -5,7 +5,11 @@
 #include "app/interface/Interface.h"
 #include "app/interface/Lifecycle.h"
 #include "platform/StreamLog.h"
+#include "platform/UserPreferences.h"
 #include "platform/qt/Application.h"
+#include "platform/qt/CompletionGate.h"
+#include "platform/qt/CurlHttp.h"
+#include "platform/qt/QtJson.h"
 #include "platform/qt/SystemEffects.h"
 
 #include <QAction>
@@ -17,10 +21,14 @@ int main(int argc, char* argv[])
     platform::qt::Application application(argc, argv);
     platform::StreamLog log(STDERR_FILENO);
     application.flushWhenIdle(log);
-    platform::qt::MessageBoxAlerts alerts;
+    platform::qt::CompletionGate gate;
+    platform::qt::MessageBoxAlerts alerts(gate);
     platform::qt::DesktopWorkspace workspace;
     platform::qt::UserFolders folders;
-    platform::Platform platform{alerts, workspace, folders, log};
+    platform::qt::CurlHttp http(gate);
+    platform::UserPreferences preferences(KV_BUNDLE_IDENTIFIER);
+    platform::qt::QtJson json;
+    platform::Platform platform{alerts, workspace, folders, log, http, preferences, json};
 
     AppDelegate delegate;
     interface::Lifecycle lifecycle(delegate);

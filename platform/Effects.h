@@ -1,13 +1,19 @@
 #pragma once
-// What the controller does to the world beyond files: alerts, opening a file for the user, well-known folders and the
-// log. `main` composes the real ones and hands them over in one Platform.
+// What the controller does to the world beyond files: alerts, opening a file for the user, well-known folders, the log,
+// preferences, JSON and HTTP. `main` composes the real ones and hands them over in one Platform.
+
+#include "platform/Record.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace platform {
+
+class Http;
 
 /// A modal alert. Both texts are shown as plain text.
 struct Alert {
@@ -54,12 +60,35 @@ public:
     virtual void flush() = 0;
 };
 
+/// Texts kept for the user from run to run, readable by nobody else.
+class Preferences {
+public:
+    using Entry = std::pair<std::string, std::string>;
+
+    virtual ~Preferences() = default;
+    /// None when nothing was ever stored under the key, which is not the same as an empty text.
+    virtual std::optional<std::string> text(std::string_view key) const = 0;
+    /// Stores all of the texts at once; those under other keys stay.
+    virtual void setTexts(const std::vector<Entry>& entries) = 0;
+};
+
+class Json {
+public:
+    virtual ~Json() = default;
+    /// The objects of an array, in order, as records of texts: a text as it stands, a number in its digits, anything
+    /// else as compact JSON. Elements that are no objects are passed over; what is no array holds none.
+    virtual std::vector<Record> objectsOf(std::string_view json) const = 0;
+};
+
 /// The one bundle of effects that the controller is given; all outlive it.
 struct Platform {
     Alerts& alerts;
     Workspace& workspace;
     Folders& folders;
     Log& log;
+    Http& http;
+    Preferences& preferences;
+    Json& json;
 };
 
 } // namespace platform

@@ -15,14 +15,16 @@ namespace {
 class Descriptor {
 public:
     explicit Descriptor(int number) : number_(number) {}
-    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-    Descriptor& operator=(Descriptor&&) = delete;
-    ~Descriptor() { close(); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor()
+    {
+        if (number_ >= 0)
+            ::close(number_);
+    }
 
     int number() const { return number_; }
     explicit operator bool() const { return number_ >= 0; }
-    /// False when the system reports a write error only now.
-    bool close() { return number_ < 0 || ::close(std::exchange(number_, -1)) == 0; }
 
 private:
     int number_;
@@ -53,15 +55,6 @@ void flushFolder(const Path& folder)
     const Descriptor descriptor(::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (descriptor)
         ::fsync(descriptor.number());
-}
-
-bool writePartial(Descriptor descriptor, std::string_view bytes, std::optional<std::filesystem::perms> mode)
-{
-    if (!writeWhole(descriptor.number(), bytes))
-        return false;
-    if (mode && ::fchmod(descriptor.number(), static_cast<mode_t>(*mode)) != 0)
-        return false;
-    return flushToDisk(descriptor.number()) && descriptor.close();
 }
 
 } // namespace
@@ -114,19 +107,50 @@ std::optional<std::filesystem::perms> permissions(const Path& path)
     return static_cast<std::filesystem::perms>(status.st_mode & 0777);
 }
 
-bool writeAtomically(const Path& path, std::string_view bytes, std::optional<std::filesystem::perms> mode)
+PartialFile::PartialFile(Path destination, Path part, std::optional<std::filesystem::perms> mode)
+    : destination_(std::move(destination)), part_(std::move(part)), mode_(mode)
 {
-    const Path partial = partialName(path);
-    files::remove(partial); // what a killed process may have left
-    Descriptor descriptor(::open(partial.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-    if (!descriptor)
+    files::remove(part_); // what a killed process may have left
+    // With a mode of its own the file may be a secret, and opening it to others afterwards is safe.
+    descriptor_ = ::open(part_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode_ ? 0600 : 0666);
+}
+
+PartialFile::~PartialFile()
+{
+    if (isOpen()) {
+        close();
+        files::remove(part_);
+    }
+}
+
+bool PartialFile::append(std::string_view bytes)
+{
+    return isOpen() && writeWhole(descriptor_, bytes);
+}
+
+bool PartialFile::finish()
+{
+    if (!isOpen())
         return false;
-    if (!writePartial(std::move(descriptor), bytes, mode) || ::rename(partial.c_str(), path.c_str()) != 0) {
-        files::remove(partial);
+    const bool hasMode = !mode_ || ::fchmod(descriptor_, static_cast<mode_t>(*mode_)) == 0;
+    const bool isOnDisk = hasMode && flushToDisk(descriptor_);
+    if (!close() || !isOnDisk || ::rename(part_.c_str(), destination_.c_str()) != 0) {
+        files::remove(part_);
         return false;
     }
-    flushFolder(path.parent_path());
+    flushFolder(destination_.parent_path());
     return true;
+}
+
+bool PartialFile::close()
+{
+    return ::close(std::exchange(descriptor_, -1)) == 0;
+}
+
+bool writeAtomically(const Path& path, std::string_view bytes, std::optional<std::filesystem::perms> mode)
+{
+    PartialFile file(path, partialName(path), mode);
+    return file.append(bytes) && file.finish();
 }
 
 bool copy(const Path& from, const Path& to)

@@ -26,9 +26,34 @@ bool remove(const Path& path);
 /// Permission bits of a regular file, so that its successor can have them; none when there is no such file.
 std::optional<std::filesystem::perms> permissions(const Path& path);
 
-/// Writes a temporary file in the folder of `path` (named as `partialName` says), flushes it to disk, renames it to
-/// `path` and flushes the folder. `mode` gives the permission bits; without it they follow the process's mask.
-/// False when any step failed: `path` is then as it was and the temporary file is gone.
+/// A file in the making beside its destination. Gets its name when it is whole; until then, and whenever a step fails,
+/// the destination is as it was, and the part goes with this object.
+class PartialFile {
+public:
+    /// Creates the part, in place of one that was left there. `mode` gives the finished file's permission bits; until
+    /// it is finished only its owner can read it. Without it they follow the process's mask.
+    PartialFile(Path destination, Path part, std::optional<std::filesystem::perms> mode = {});
+    PartialFile(const PartialFile&) = delete;
+    PartialFile& operator=(const PartialFile&) = delete;
+    ~PartialFile();
+
+    const Path& part() const { return part_; }
+    bool isOpen() const { return descriptor_ >= 0; }
+    bool append(std::string_view bytes);
+    /// Flushes the part to disk, renames it to the destination and flushes the folder.
+    bool finish();
+
+private:
+    bool close();
+
+    Path destination_;
+    Path part_;
+    std::optional<std::filesystem::perms> mode_;
+    int descriptor_;
+};
+
+/// Writes a PartialFile named as `partialName` says and gives it the name `path`. False when any step failed: `path` is
+/// then as it was and the temporary file is gone.
 bool writeAtomically(const Path& path, std::string_view bytes, std::optional<std::filesystem::perms> mode = {});
 
 /// Copies a regular file's content and permission bits, written as `writeAtomically` does; replaces what stands there.

@@ -8,9 +8,12 @@
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QShortcut>
 #include <QVBoxLayout>
+
+#include <initializer_list>
 
 namespace interface {
 
@@ -27,6 +30,24 @@ QWidget* makeWindow(const char* name, const QString& title)
     return window;
 }
 
+void pressOnReturn(QPushButton* button, std::initializer_list<QLineEdit*> lines)
+{
+    for (QLineEdit* line : lines)
+        QObject::connect(line, &QLineEdit::returnPressed, button, &QPushButton::click);
+}
+
+/// Says how far the running downloads are; keeps its place while none runs.
+QProgressBar* makeProgressBar()
+{
+    auto* bar = new QProgressBar;
+    bar->setObjectName(QStringLiteral("downloadProgress"));
+    QSizePolicy policy = bar->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    bar->setSizePolicy(policy);
+    bar->hide();
+    return bar;
+}
+
 } // namespace
 
 QWidget* makeAccountWindow()
@@ -35,18 +56,25 @@ QWidget* makeAccountWindow()
 
     auto* logIn = new QGroupBox(QObject::tr("Log in"));
     auto* logInForm = new QFormLayout(logIn);
+    auto* userName = makeLine("cwinUserName");
     auto* pin = makeLine("cwinPinCode");
     pin->setEchoMode(QLineEdit::Password);
-    logInForm->addRow(QObject::tr("User name"), makeLine("cwinUserName"));
+    auto* attempt = makeButton("cwinLoginAttempt", QObject::tr("Log In"), QObject::tr("Log in with this PIN"));
+    pressOnReturn(attempt, {userName, pin});
+    logInForm->addRow(QObject::tr("User name"), userName);
     logInForm->addRow(QObject::tr("PIN"), pin);
-    logInForm->addRow(makeButton("cwinLoginAttempt", QObject::tr("Log In"), QObject::tr("Log in with this PIN")));
+    logInForm->addRow(attempt);
 
     auto* create = new QGroupBox(QObject::tr("New account"));
     auto* createForm = new QFormLayout(create);
-    createForm->addRow(QObject::tr("User name"), makeLine("cwinUserNameNew"));
-    createForm->addRow(QObject::tr("E-mail address"), makeLine("cwinEmailAddrNew"));
-    createForm->addRow(makeButton("cwinNewUserCreate", QObject::tr("Create Account"),
-                                  QObject::tr("Ask the community library for an account")));
+    auto* newUserName = makeLine("cwinUserNameNew");
+    auto* email = makeLine("cwinEmailAddrNew");
+    auto* request = makeButton("cwinNewUserCreate", QObject::tr("Create Account"),
+                               QObject::tr("Ask the community library for an account"));
+    pressOnReturn(request, {newUserName, email});
+    createForm->addRow(QObject::tr("User name"), newUserName);
+    createForm->addRow(QObject::tr("E-mail address"), email);
+    createForm->addRow(request);
 
     window->layout()->addWidget(logIn);
     window->layout()->addWidget(create);
@@ -75,9 +103,10 @@ QWidget* makeDownloadWindow()
     window->layout()->addWidget(makeList("cwinPlistAvailable"));
     window->layout()->addWidget(makeHeading(QObject::tr("Comments")));
     window->layout()->addWidget(comments);
+    window->layout()->addWidget(makeProgressBar());
     window->layout()->addWidget(makeButton("kvCommunityLoadSelectedDownload", QObject::tr("Load"),
                                            QObject::tr("Fetch the selected mapping and load it into the editor")));
-    window->resize(560, 440);
+    window->resize(720, 460);
     return window;
 }
 

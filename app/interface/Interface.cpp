@@ -3,11 +3,13 @@
 #include "app/ViewController.h"
 #include "app/interface/CommunityWindows.h"
 #include "app/interface/MainWindow.h"
+#include "community/Listing.h"
 #include "mapping/ParameterOrder.h"
 #include "platform/qt/Bindings.h"
 #include "platform/qt/RecordListView.h"
 #include "platform/qt/RecordSort.h"
 #include "platform/qt/RecordTableModel.h"
+#include "platform/qt/Text.h"
 #include "plugins/PluginScan.h"
 
 #include <QAction>
@@ -16,6 +18,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
 
 namespace interface {
 
@@ -108,6 +112,10 @@ const ActionEntry kActions[] = {
     {"kvRecallPreviousMapping", &ViewController::kvRecallPreviousMapping},
     {"kvCreateChart", &ViewController::kvCreateChart},
     {"kvLoginToCloudAccount", &ViewController::kvLoginToCloudAccount},
+    {"cwinLoginAttempt", &ViewController::cwinLoginAttempt},
+    {"cwinNewUserCreate", &ViewController::cwinNewUserCreate},
+    {"kvCommunityUploadBtn", &ViewController::kvCommunityUploadBtn},
+    {"kvCommunityLoadSelectedDownload", &ViewController::kvCommunityLoadSelectedDownload},
     {"kvHelpMe", &ViewController::kvHelpMe},
     {"kvMovePage_First", &ViewController::kvMovePage_First},
     {"kvMovePage_Last", &ViewController::kvMovePage_Last},
@@ -137,6 +145,8 @@ const char* const kNeedPlugin[] = {
     "kvPluginMode",
 };
 
+constexpr int kCommentsWidth = 320;
+
 void bindTextField(const std::shared_ptr<TextField>& field, QWidget* widget)
 {
     if (auto* label = qobject_cast<QLabel*>(widget)) {
@@ -147,6 +157,22 @@ void bindTextField(const std::shared_ptr<TextField>& field, QWidget* widget)
     } else if (auto* text = qobject_cast<QPlainTextEdit*>(widget)) {
         qt::bind(field, text);
     }
+}
+
+std::vector<qt::RecordColumn> sharedColumns(const std::vector<platform::Record>& entries)
+{
+    std::vector<qt::RecordColumn> columns;
+    for (const auto& [key, title] : community::columnsOf(entries))
+        columns.push_back({qt::toQt(title), key});
+    return columns;
+}
+
+void showProgress(QProgressBar* bar, const platform::DownloadProgress& progress)
+{
+    bar->setVisible(progress.running > 0);
+    // Without an end the bar only says that something goes on. It counts in whole KiB, which an int holds.
+    bar->setMaximum(static_cast<int>(progress.expected >> 10));
+    bar->setValue(static_cast<int>(progress.received >> 10));
 }
 
 } // namespace
@@ -255,9 +281,13 @@ void Interface::connectLists()
 
     const auto shared = std::make_shared<platform::ArrayController>();
     controller_.setArrayController_downloadList(shared);
-    controller_.setCwinPlistAvailable(connectList("cwinPlistAvailable", "arrayController_downloadList", shared,
-                                                  {{QObject::tr("Comments"), "userComments"}}, {},
+    controller_.setCwinPlistAvailable(connectList("cwinPlistAvailable", "arrayController_downloadList", shared, {}, {},
                                                   &ViewController::cwin_DownloadAvalableHighlighted));
+    auto* sharedView = find<qt::RecordListView>("cwinPlistAvailable");
+    static_cast<qt::RecordTableModel*>(sharedView->model())->setColumns(sharedColumns);
+    sharedView->header()->setDefaultSectionSize(105);
+    connections_.push_back(
+        shared->arrangedChanged.connect([sharedView] { sharedView->header()->resizeSection(0, kCommentsWidth); }));
 }
 
 void Interface::connectActions()
@@ -276,6 +306,8 @@ void Interface::followEditing()
     connections_.push_back(
         controller_.labPluginPlistLocation()->stringValue.onChange([this](const std::string&) { enableEditing(); }));
     connections_.push_back(controller_.myArrayController()->selectionChanged.connect([this] { enableEditing(); }));
+    connections_.push_back(controller_.downloadProgress().onChange(
+        [bar = find<QProgressBar>("downloadProgress")](const auto& progress) { showProgress(bar, progress); }));
     enableEditing();
 }
 

@@ -3,13 +3,39 @@
 #include <QHeaderView>
 #include <QMouseEvent>
 #include <QScopedValueRollback>
+#include <QStyledItemDelegate>
 
 #include <utility>
 
 namespace platform::qt {
 
+namespace {
+
+/// Draws the beginning of each text on one line, so that a long text of several lines neither makes rows high nor takes
+/// long to lay out.
+class OneLineDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QString displayText(const QVariant& value, const QLocale&) const override
+    {
+        QString line = value.toString().left(kMostDrawn);
+        for (QChar& character : line) {
+            if (character.isSpace())
+                character = QLatin1Char(' ');
+        }
+        return line;
+    }
+
+private:
+    static constexpr qsizetype kMostDrawn = 512;
+};
+
+} // namespace
+
 RecordListView::RecordListView(QWidget* parent) : QTreeView(parent)
 {
+    setItemDelegate(new OneLineDelegate(this));
     setRootIsDecorated(false);
     setItemsExpandable(false);
     setUniformRowHeights(true);

@@ -18,9 +18,25 @@ RecordTableModel::RecordTableModel(std::shared_ptr<ArrayController> controller, 
 {
     arranged_ = controller_->arrangedChanged.connect([this] {
         beginResetModel();
-        rows_ = controller_->arrangedCount();
+        update();
         endResetModel();
     });
+}
+
+void RecordTableModel::setColumns(std::function<std::vector<RecordColumn>(const std::vector<Record>&)> columnsOf)
+{
+    beginResetModel();
+    columnsOf_ = std::move(columnsOf);
+    columnsRevision_ = controller_->contentRevision();
+    columns_ = columnsOf_(controller_->content());
+    endResetModel();
+}
+
+void RecordTableModel::update()
+{
+    rows_ = controller_->arrangedCount();
+    if (columnsOf_ && std::exchange(columnsRevision_, controller_->contentRevision()) != controller_->contentRevision())
+        columns_ = columnsOf_(controller_->content());
 }
 
 int RecordTableModel::rowCount(const QModelIndex& parent) const

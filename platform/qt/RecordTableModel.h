@@ -5,6 +5,7 @@
 
 #include <QAbstractTableModel>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,6 +25,9 @@ public:
     RecordTableModel(std::shared_ptr<ArrayController> controller, std::vector<RecordColumn> columns,
                      std::string toolTipKey, QObject* parent = nullptr);
 
+    /// Columns that follow the content: asked for now and whenever the content is another one.
+    void setColumns(std::function<std::vector<RecordColumn>(const std::vector<Record>&)> columnsOf);
+
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
@@ -32,8 +36,12 @@ public:
     void sort(int column, Qt::SortOrder order) override;
 
 private:
+    void update();
+
     std::shared_ptr<ArrayController> controller_;
     std::vector<RecordColumn> columns_;
+    std::function<std::vector<RecordColumn>(const std::vector<Record>&)> columnsOf_;
+    std::uint64_t columnsRevision_ = 0;
     std::string toolTipKey_;
     std::int32_t rows_ = 0;
     Connection arranged_;

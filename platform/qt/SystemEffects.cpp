@@ -1,14 +1,18 @@
 #include "platform/qt/SystemEffects.h"
 
 #include "platform/FileUrl.h"
+#include "platform/qt/CompletionGate.h"
 #include "platform/qt/Text.h"
 
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
 #include <QUrl>
 
 #include <cstdlib>
@@ -27,6 +31,26 @@ QMessageBox::Icon iconFor(Alert::Style style)
     return QMessageBox::Warning;
 }
 
+/// A text that is higher than the screen, such as a server's error page, would take the buttons with it.
+void letLongTextScroll(QMessageBox& box)
+{
+    constexpr int kWidth = 520;
+    auto* grid = qobject_cast<QGridLayout*>(box.layout());
+    auto* text = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
+    const int highest = box.screen()->availableGeometry().height() / 2;
+    const int place = grid && text ? grid->indexOf(text) : -1;
+    if (place < 0 || text->heightForWidth(kWidth) <= highest)
+        return;
+    int row = 0, column = 0, rows = 0, columns = 0;
+    grid->getItemPosition(place, &row, &column, &rows, &columns);
+    auto* scroll = new QScrollArea;
+    scroll->setWidgetResizable(true);
+    scroll->setMinimumSize(kWidth, highest);
+    grid->removeWidget(text);
+    scroll->setWidget(text);
+    grid->addWidget(scroll, row, column, rows, columns);
+}
+
 const char* environmentOr(const char* name, const char* otherwise)
 {
     const char* value = std::getenv(name);
@@ -37,6 +61,7 @@ const char* environmentOr(const char* name, const char* otherwise)
 
 int MessageBoxAlerts::runModal(const Alert& alert)
 {
+    const CompletionGate::Hold hold(gate_);
     QMessageBox box(QApplication::activeWindow());
     box.setWindowModality(Qt::ApplicationModal);
     box.setWindowTitle(QApplication::applicationDisplayName());
@@ -54,6 +79,8 @@ int MessageBoxAlerts::runModal(const Alert& alert)
     box.setTextFormat(Qt::PlainText);
     for (QLabel* label : box.findChildren<QLabel*>())
         label->setTextFormat(Qt::PlainText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse); // a reply may hold what is needed later
+    letLongTextScroll(box);
     box.exec();
     return kFirstButton + static_cast<int>(buttons.indexOf(box.clickedButton()));
 }

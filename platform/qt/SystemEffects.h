@@ -5,9 +5,17 @@
 
 namespace platform::qt {
 
+class CompletionGate;
+
+/// An alert keeps the gate closed while it is open.
 class MessageBoxAlerts final : public Alerts {
 public:
+    explicit MessageBoxAlerts(CompletionGate& gate) : gate_(gate) {}
+
     int runModal(const Alert& alert) override;
+
+private:
+    CompletionGate& gate_;
 };
 
 class DesktopWorkspace final : public Workspace {

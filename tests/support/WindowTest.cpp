@@ -30,7 +30,8 @@ WindowTest::WindowTest()
     ::setenv("XDG_DATA_HOME", (home_ / "data").c_str(), 1);
     logDescriptor_ = ::open(logFile_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
     log_ = std::make_unique<platform::StreamLog>(logDescriptor_);
-    platform_ = std::make_unique<platform::Platform>(platform::Platform{alerts_, workspace_, folders_, *log_});
+    platform_ = std::make_unique<platform::Platform>(platform::Platform{
+        alerts_, workspace_, folders_, *log_, http_, preferences_, json_});
 }
 
 WindowTest::~WindowTest()

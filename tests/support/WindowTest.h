@@ -5,6 +5,10 @@
 #include "app/ViewController.h"
 #include "app/interface/Interface.h"
 #include "platform/StreamLog.h"
+#include "platform/UserPreferences.h"
+#include "platform/qt/CompletionGate.h"
+#include "platform/qt/CurlHttp.h"
+#include "platform/qt/QtJson.h"
 #include "platform/qt/SystemEffects.h"
 #include "tests/support/OrderFiles.h"
 
@@ -81,6 +85,7 @@ protected:
     std::vector<SeenAlert> alertsOf(const std::function<void()>& action);
 
     ViewController& controller() { return *controller_; }
+    platform::Platform& effects() { return *platform_; }
     std::string logText();
 
     TemporaryFolder home_;
@@ -91,8 +96,12 @@ private:
     void tearDown();
 
     int logDescriptor_ = -1;
-    platform::qt::MessageBoxAlerts alerts_;
+    platform::qt::CompletionGate gate_;
+    platform::qt::MessageBoxAlerts alerts_{gate_};
     platform::qt::UserFolders folders_;
+    platform::qt::CurlHttp http_{gate_};
+    platform::UserPreferences preferences_{"org.example.kv-test"};
+    platform::qt::QtJson json_;
     std::unique_ptr<platform::StreamLog> log_;
     std::unique_ptr<platform::Platform> platform_;
     std::unique_ptr<ViewController> controller_;

@@ -1,0 +1,198 @@
+#include "platform/qt/CurlDownloads.h"
+
+#include <QSocketNotifier>
+
+#include <algorithm>
+#include <utility>
+
+namespace platform::qt {
+
+struct CurlDownloads::Download {
+    Download(std::string address, std::size_t limit, const files::Path& destination, files::Path part,
+             DownloadHandlers toTell, std::function<void()> progressed)
+        : file(destination, std::move(part)),
+          handlers(std::move(toTell)),
+          transfer({std::move(address), false, {}, {}}, limit, [this, progressed](std::string_view bytes) {
+              progressed();
+              return file.append(bytes);
+          })
+    {}
+
+    files::PartialFile file;
+    DownloadHandlers handlers;
+    CurlTransfer transfer;
+};
+
+CurlDownloads::CurlDownloads(CompletionGate& gate, std::chrono::milliseconds stallLimit, std::size_t sizeLimit)
+    : gate_(gate), stallLimit_(stallLimit), sizeLimit_(sizeLimit), multi_(curl_multi_init())
+{
+    curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETFUNCTION, &CurlDownloads::watchSocket);
+    curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETDATA, static_cast<void*>(this));
+    curl_multi_setopt(multi_.get(), CURLMOPT_TIMERFUNCTION, &CurlDownloads::setTimer);
+    curl_multi_setopt(multi_.get(), CURLMOPT_TIMERDATA, static_cast<void*>(this));
+    timer_.setSingleShot(true);
+    connect(&timer_, &QTimer::timeout, this, [this] { drive(CURL_SOCKET_TIMEOUT, 0); });
+    watch_.setInterval(std::min<std::chrono::milliseconds>(std::chrono::seconds(1), stallLimit / 4));
+    connect(&watch_, &QTimer::timeout, this, &CurlDownloads::endStalled);
+    connect(&gate_, &CompletionGate::opened, this, &CurlDownloads::scheduleDelivery);
+}
+
+CurlDownloads::~CurlDownloads()
+{
+    for (const auto& download : running_)
+        curl_multi_remove_handle(multi_.get(), download->transfer.handle());
+}
+
+void CurlDownloads::start(const std::string& address, const std::filesystem::path& destination,
+                          DownloadHandlers handlers)
+{
+    running_.push_back(std::make_unique<Download>(address, sizeLimit_, destination, unusedPart(destination),
+                                                  std::move(handlers), [this] { Q_EMIT progressed(); }));
+    Download& download = *running_.back();
+    if (!download.file.isOpen()) {
+        end(download, CURLE_WRITE_ERROR);
+        return;
+    }
+    curl_multi_add_handle(multi_.get(), download.transfer.handle());
+    if (!watch_.isActive())
+        watch_.start();
+    Q_EMIT progressed();
+}
+
+std::filesystem::path CurlDownloads::unusedPart(const std::filesystem::path& destination) const
+{
+    // Two downloads to one destination must not write into one part.
+    std::filesystem::path part = files::partialName(destination);
+    const auto isUsed = [&](const auto& download) { return download->file.isOpen() && download->file.part() == part; };
+    while (std::any_of(running_.begin(), running_.end(), isUsed))
+        part += "2";
+    return part;
+}
+
+void CurlDownloads::restartWatches()
+{
+    for (const auto& download : running_)
+        download->transfer.restartWatch();
+}
+
+DownloadProgress CurlDownloads::progress() const
+{
+    DownloadProgress sum{static_cast<int>(running_.size()), 0, 0};
+    bool areAllKnown = true;
+    for (const auto& download : running_) {
+        sum.received += download->transfer.received();
+        sum.expected += download->transfer.expected();
+        areAllKnown = areAllKnown && download->transfer.expected() > 0;
+    }
+    return areAllKnown ? sum : DownloadProgress{sum.running, sum.received, 0};
+}
+
+int CurlDownloads::watchSocket(CURL*, curl_socket_t socket, int what, void* self, void*)
+{
+    static_cast<CurlDownloads*>(self)->notify(socket, what);
+    return 0;
+}
+
+int CurlDownloads::setTimer(CURLM*, long milliseconds, void* self)
+{
+    QTimer& timer = static_cast<CurlDownloads*>(self)->timer_;
+    if (milliseconds < 0)
+        timer.stop();
+    else
+        timer.start(std::chrono::milliseconds(milliseconds));
+    return 0;
+}
+
+void CurlDownloads::notify(curl_socket_t socket, int what)
+{
+    Notifiers& notifiers = notifiers_[socket];
+    const auto set = [&](std::unique_ptr<QSocketNotifier>& notifier, QSocketNotifier::Type type, int event) {
+        const bool isWanted = what != CURL_POLL_REMOVE && (what & event) != 0;
+        if (isWanted && !notifier) {
+            notifier = std::make_unique<QSocketNotifier>(socket, type);
+            const int happened = event == CURL_POLL_IN ? CURL_CSELECT_IN : CURL_CSELECT_OUT;
+            connect(notifier.get(), &QSocketNotifier::activated, this,
+                    [this, socket, happened] { drive(socket, happened); });
+        } else if (!isWanted && notifier) {
+            notifier->setEnabled(false);
+            notifier.release()->deleteLater(); // it may be the one that called
+        }
+    };
+    set(notifiers.read, QSocketNotifier::Read, CURL_POLL_IN);
+    set(notifiers.write, QSocketNotifier::Write, CURL_POLL_OUT);
+    if (what == CURL_POLL_REMOVE)
+        notifiers_.erase(socket);
+}
+
+void CurlDownloads::drive(curl_socket_t socket, int events)
+{
+    int running = 0;
+    curl_multi_socket_action(multi_.get(), socket, events, &running);
+    takeFinished();
+}
+
+void CurlDownloads::takeFinished()
+{
+    int left = 0;
+    while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
+        CURL* const handle = message->easy_handle;
+        CURLcode result = message->data.result;
+        const auto download = std::find_if(running_.begin(), running_.end(),
+                                           [&](const auto& each) { return each->transfer.handle() == handle; });
+        curl_multi_remove_handle(multi_.get(), handle);
+        if ((*download)->transfer.followRedirect(result))
+            curl_multi_add_handle(multi_.get(), handle);
+        else
+            end(**download, result);
+    }
+}
+
+void CurlDownloads::endStalled()
+{
+    for (std::size_t i = running_.size(); i-- > 0;) {
+        Download& download = *running_[i];
+        if (!download.transfer.isStalled(stallLimit_))
+            continue;
+        curl_multi_remove_handle(multi_.get(), download.transfer.handle());
+        end(download, CURLE_OPERATION_TIMEDOUT);
+    }
+}
+
+void CurlDownloads::end(Download& download, CURLcode result)
+{
+    if (result == CURLE_OK && !download.file.finish())
+        result = CURLE_WRITE_ERROR;
+    if (result == CURLE_OK)
+        complete(std::move(download.handlers.finished));
+    else
+        complete([failed = std::move(download.handlers.failed),
+                  error = DownloadError{curl_easy_strerror(result), download.transfer.address()}] { failed(error); });
+    std::erase_if(running_, [&](const auto& each) { return each.get() == &download; });
+    if (running_.empty())
+        watch_.stop();
+    Q_EMIT progressed();
+}
+
+void CurlDownloads::complete(std::function<void()> tell)
+{
+    completed_.push_back(std::move(tell));
+    scheduleDelivery();
+}
+
+void CurlDownloads::scheduleDelivery()
+{
+    if (!completed_.empty())
+        QMetaObject::invokeMethod(this, &CurlDownloads::deliver, Qt::QueuedConnection);
+}
+
+void CurlDownloads::deliver()
+{
+    if (!gate_.isOpen() || completed_.empty())
+        return; // the gate calls back
+    const CompletionGate::Hold hold(gate_);
+    const auto tell = std::move(completed_.front());
+    completed_.pop_front();
+    tell();
+}
+
+} // namespace platform::qt

@@ -1,0 +1,178 @@
+#include "platform/qt/CurlTransfer.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace platform::qt {
+
+namespace {
+
+constexpr int kMostRedirects = 10;
+
+/// A host that names this machine, however it is written in an address.
+bool isLoopback(std::string_view host)
+{
+    return host == "localhost" || host.ends_with(".localhost") || host.starts_with("127.") || host == "[::1]";
+}
+
+/// In lower case; empty when the address has none.
+std::string hostOf(const std::string& address)
+{
+    std::string host;
+    CURLU* url = curl_url();
+    char* part = nullptr;
+    if (curl_url_set(url, CURLUPART_URL, address.c_str(), 0) == CURLUE_OK &&
+        curl_url_get(url, CURLUPART_HOST, &part, 0) == CURLUE_OK)
+        host = part;
+    std::transform(host.begin(), host.end(), host.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    curl_free(part);
+    curl_url_cleanup(url);
+    return host;
+}
+
+void allowHttpOnly(CURL* handle)
+{
+#if LIBCURL_VERSION_NUM >= 0x075500
+    curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "http,https");
+#else
+    curl_easy_setopt(handle, CURLOPT_PROTOCOLS, static_cast<long>(CURLPROTO_HTTP | CURLPROTO_HTTPS));
+#endif
+}
+
+} // namespace
+
+CurlTransfer::CurlTransfer(Request request, std::size_t limit, Sink sink)
+    : request_(std::move(request)), limit_(limit), sink_(std::move(sink)), handle_(curl_easy_init())
+{
+    setUp();
+    setUpHop();
+}
+
+void CurlTransfer::setUp()
+{
+    CURL* curl = handle();
+    allowHttpOnly(curl);
+    curl_easy_setopt(curl, CURLOPT_PATH_AS_IS, 1L);
+    curl_easy_setopt(curl, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    curl_easy_setopt(curl, CURLOPT_FRESH_CONNECT, 1L);
+    curl_easy_setopt(curl, CURLOPT_FORBID_REUSE, 1L);
+    curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT, 0L);
+    curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, &CurlTransfer::takeHeader);
+    curl_easy_setopt(curl, CURLOPT_HEADERDATA, static_cast<void*>(this));
+    curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &CurlTransfer::take);
+    curl_easy_setopt(curl, CURLOPT_WRITEDATA, static_cast<void*>(this));
+#if LIBCURL_VERSION_NUM >= 0x075700
+    curl_easy_setopt(curl, CURLOPT_QUICK_EXIT, 1L); // giving up must not wait for a name to be looked up
+#endif
+}
+
+void CurlTransfer::setUpHop()
+{
+    CURL* curl = handle();
+    curl_easy_setopt(curl, CURLOPT_URL, request_.address.c_str());
+    // A null pointer leaves the choice to the environment's variables.
+    curl_easy_setopt(curl, CURLOPT_PROXY, isLoopback(hostOf(request_.address)) ? "" : nullptr);
+    curl_easy_setopt(curl, CURLOPT_HTTPHEADER, nullptr);
+    headers_.reset();
+    if (!request_.isPost) {
+        curl_easy_setopt(curl, CURLOPT_HTTPGET, 1L);
+        return;
+    }
+    // A header without a value is one that is not sent.
+    const std::string contentType =
+        request_.contentType.empty() ? "Content-Type:" : "Content-Type: " + request_.contentType;
+    headers_.reset(curl_slist_append(curl_slist_append(nullptr, contentType.c_str()), "Expect:"));
+    curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headers_.get());
+    curl_easy_setopt(curl, CURLOPT_POST, 1L);
+    curl_easy_setopt(curl, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request_.body.size()));
+    curl_easy_setopt(curl, CURLOPT_POSTFIELDS, request_.body.data());
+}
+
+bool CurlTransfer::isRedirect() const
+{
+    long status = 0;
+    curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
+    return hasLocation_ && (status == 301 || status == 302 || status == 303 || status == 307 || status == 308);
+}
+
+bool CurlTransfer::followRedirect(CURLcode& result)
+{
+    if (isTooLarge_)
+        result = CURLE_FILESIZE_EXCEEDED;
+    if (result == CURLE_OK && !isHeadWhole_) // libcurl takes a head that was cut off for a whole one
+        result = CURLE_PARTIAL_FILE;
+    char* target = nullptr;
+    curl_easy_getinfo(handle(), CURLINFO_REDIRECT_URL, &target);
+    if (result != CURLE_OK || !isRedirect() || !target)
+        return false;
+    if (++redirects_ > kMostRedirects) {
+        result = CURLE_TOO_MANY_REDIRECTS;
+        return false;
+    }
+    long status = 0;
+    curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
+    request_.address = target;
+    if (status <= 303) { // browsers turn a POST into a GET here; the others mean the same request elsewhere
+        request_.isPost = false;
+        request_.body.clear();
+    }
+    received_ = 0;
+    setUpHop();
+    restartWatch();
+    return true;
+}
+
+bool CurlTransfer::isStalled(std::chrono::milliseconds limit)
+{
+    curl_off_t down = 0;
+    curl_off_t up = 0;
+    long head = 0;
+    curl_easy_getinfo(handle(), CURLINFO_SIZE_DOWNLOAD_T, &down);
+    curl_easy_getinfo(handle(), CURLINFO_SIZE_UPLOAD_T, &up);
+    curl_easy_getinfo(handle(), CURLINFO_HEADER_SIZE, &head);
+    if (const std::int64_t moved = down + up + head; moved != moved_) {
+        moved_ = moved;
+        restartWatch();
+    }
+    return Clock::now() - movedAt_ >= limit;
+}
+
+std::int64_t CurlTransfer::expected() const
+{
+    curl_off_t size = 0;
+    curl_easy_getinfo(handle(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &size);
+    return size > 0 ? static_cast<std::int64_t>(size) : 0;
+}
+
+std::size_t CurlTransfer::takeHeader(char* bytes, std::size_t, std::size_t count, void* self)
+{
+    static constexpr std::string_view kLocation = "location:";
+    const std::string_view line(bytes, count);
+    auto& transfer = *static_cast<CurlTransfer*>(self);
+    if (line.starts_with("HTTP/")) {
+        transfer.isHeadWhole_ = false;
+        transfer.hasLocation_ = false;
+    }
+    if (transfer.isHeadWhole_)
+        return count; // a trailer
+    transfer.isHeadWhole_ = line == "\r\n" || line == "\n";
+    if (count > kLocation.size() && curl_strnequal(bytes, kLocation.data(), kLocation.size()))
+        transfer.hasLocation_ = line.find_first_not_of(" \t\r\n", kLocation.size()) != std::string_view::npos;
+    return count;
+}
+
+std::size_t CurlTransfer::take(char* bytes, std::size_t, std::size_t count, void* self)
+{
+    auto& transfer = *static_cast<CurlTransfer*>(self);
+    transfer.received_ += count;
+    transfer.isTooLarge_ = transfer.received_ > transfer.limit_;
+    if (transfer.isTooLarge_)
+        return 0;
+    if (transfer.isRedirect()) // nobody sees the page that says so
+        return count;
+    return transfer.sink_({bytes, count}) ? count : 0;
+}
+
+} // namespace platform::qt

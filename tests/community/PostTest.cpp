@@ -1,0 +1,286 @@
+// The bytes of blocking requests, and what becomes of replies.
+
+#include "community/Requests.h"
+#include "platform/qt/CompletionGate.h"
+#include "platform/qt/CurlHttp.h"
+#include "tests/support/ScriptedPeer.h"
+
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+
+namespace platform::qt {
+
+namespace {
+
+using namespace std::chrono_literals;
+using support::ScriptedPeer;
+using Connection = ScriptedPeer::Connection;
+
+class Post : public testing::Test {
+protected:
+    std::optional<std::string> post(const std::string& path) { return http_.post(peer_.url() + path, {}, {}); }
+    std::string head(const std::string& firstLine, const std::string& rest) const
+    {
+        return firstLine + " HTTP/1.1\r\nHost: " + peer_.host() + "\r\nAccept: */*\r\n" + rest + "\r\n";
+    }
+
+    CompletionGate gate_;
+    CurlHttp http_{gate_};
+    CurlHttp impatient_{gate_, {300ms, 1000, 1000}};
+    ScriptedPeer peer_;
+};
+
+TEST_F(Post, SendsAnEmptyBodyWithoutAnyHeaderOfItsOwn)
+{
+    peer_.play(support::reply("\nOK\n"));
+    EXPECT_EQ(post("checkuser.php?userName=(null)&pinCode=(null)"), "\nOK\n");
+    EXPECT_EQ(peer_.requests(), std::vector<std::string>{head("POST /checkuser.php?userName=(null)&pinCode=(null)",
+                                                              "Content-Length: 0\r\n")});
+}
+
+TEST_F(Post, SendsTheAddressByteForByte)
+{
+    const std::string paths[] = {
+        "a/../b/./c//d",  "?",           "x?y?z=/../&&=",      "%41%2f%2F%c3%A9",
+        "!$&'()*+,;=:@~", "%20%23%25?%", "kv.php?q=\xc3\xa9x", "a;b=c,d/(null)?userName=A&B",
+    };
+    for (const std::string& path : paths) {
+        peer_.play(support::reply("."));
+        EXPECT_EQ(post(path), ".") << path;
+        EXPECT_EQ(peer_.requestLines().back(), "POST /" + path);
+    }
+}
+
+TEST_F(Post, SendsEveryByteThatEscapingLeaves)
+{
+    std::string all;
+    for (int byte = 1; byte < 0x100; ++byte)
+        all += static_cast<char>(byte);
+    const std::string path = "f.php?plugin=" + community::escaped(all);
+    peer_.play(support::reply("."));
+    EXPECT_EQ(post(path), ".");
+    EXPECT_EQ(peer_.requestLines().back(), "POST /" + path);
+}
+
+TEST_F(Post, FailsWithoutAWordOnAnAddressWithABlank)
+{
+    EXPECT_EQ(post("kv_downloadreg.php?patchID=a b"), std::nullopt);
+    EXPECT_EQ(post("kv_downloadreg.php?patchID=a\r\nX: y"), std::nullopt);
+    EXPECT_TRUE(peer_.requests().empty());
+}
+
+TEST_F(Post, SendsABodyWithOneContentType)
+{
+    peer_.play(support::reply("stored"));
+    const std::string body = community::uploadBody(std::string("\0plist\r\n", 8));
+    EXPECT_EQ(http_.post(peer_.url() + "kv_upload.php?user=A", community::uploadContentType(), body), "stored");
+    EXPECT_EQ(peer_.requests(), std::vector<std::string>{head("POST /kv_upload.php?user=A",
+                                                              "Content-Type: " + community::uploadContentType() +
+                                                                  "\r\nContent-Length: 260\r\n") +
+                                                         body});
+}
+
+TEST_F(Post, SendsALargeBodyAtOnce)
+{
+    peer_.play(support::reply("stored"));
+    const std::string body(3'000'000, 'x');
+    EXPECT_EQ(http_.post(peer_.url(), "text/plain", body), "stored");
+    EXPECT_EQ(peer_.requests().front(),
+              head("POST /", "Content-Type: text/plain\r\nContent-Length: 3000000\r\n") + body);
+}
+
+TEST_F(Post, IsNotRepeatedWhenTheServerHangsUp)
+{
+    EXPECT_EQ(post("once"), std::nullopt);
+    peer_.play(support::reply("first"));
+    EXPECT_EQ(post("twice"), "first"); // a server that kept the connection must not be asked again on it
+    EXPECT_EQ(post("third"), std::nullopt);
+    EXPECT_EQ(peer_.requestLines(), (std::vector<std::string>{"POST /once", "POST /twice", "POST /third"}));
+}
+
+TEST_F(Post, OutlivesAServerThatHangsUpDuringTheBody)
+{
+    peer_.hangUpEarly();
+    EXPECT_EQ(http_.post(peer_.url(), "text/plain", std::string(20'000'000, 'x')), std::nullopt);
+    EXPECT_EQ(peer_.requests().size(), 1u);
+}
+
+TEST_F(Post, TakesABodyWhateverTheStatus)
+{
+    for (const char* status : {"404 Not Found", "500 Oops", "401 Who", "417 No", "503 Later", "201 Made"}) {
+        peer_.play(support::reply("<h1>page</h1>", status, "WWW-Authenticate: Basic\r\nRetry-After: 0\r\n"));
+        EXPECT_EQ(post("x"), "<h1>page</h1>") << status;
+    }
+    EXPECT_EQ(peer_.requests().size(), 6u);
+}
+
+TEST_F(Post, TakesBodiesInEveryFraming)
+{
+    peer_.play("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n2\r\nde\r\n0\r\n\r\n");
+    EXPECT_EQ(post("chunked"), "abcde");
+    peer_.play("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1\r\na\r\n0\r\nLocation: /x\r\nA: b\r\n\r\n");
+    EXPECT_EQ(post("trailers"), "a");
+    peer_.play("HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\na");
+    EXPECT_EQ(post("continue"), "a");
+    peer_.play("HTTP/1.1 200 OK\r\n\r\nuntil the end");
+    EXPECT_EQ(post("closed"), "until the end");
+    peer_.play("HTTP/1.0 200 OK\r\nContent-Length: 3\r\n\r\nold");
+    EXPECT_EQ(post("old"), "old");
+    peer_.play("HTTP/1.1 204 Nothing\r\n\r\n");
+    EXPECT_EQ(post("nothing"), "");
+}
+
+TEST_F(Post, LeavesACompressedBodyAsItIs)
+{
+    const std::string body = "\x1f\x8b\x08 not even whole";
+    peer_.play(support::reply(body, "200 OK", "Content-Encoding: gzip\r\n"));
+    EXPECT_EQ(post("x"), body);
+}
+
+TEST_F(Post, KeepsNoCookies)
+{
+    peer_.play(support::reply("a", "200 OK", "Set-Cookie: a=b; Path=/\r\n"));
+    peer_.play(support::reply("b"));
+    post("one");
+    post("two");
+    EXPECT_EQ(peer_.requests().back(), head("POST /two", "Content-Length: 0\r\n"));
+}
+
+TEST_F(Post, FailsWhenTheReplyIsCutOff)
+{
+    peer_.play("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n\nOK\n");
+    EXPECT_EQ(post("length"), std::nullopt);
+    peer_.play("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n4\r\n\nOK\n\r\n");
+    EXPECT_EQ(post("chunk"), std::nullopt);
+    peer_.play("HTTP/1.1 200 OK\r\nContent-Le");
+    EXPECT_EQ(post("head"), std::nullopt);
+    peer_.play("\nOK\n");
+    EXPECT_EQ(post("headless"), std::nullopt);
+}
+
+TEST_F(Post, FailsWhenNobodyListens)
+{
+    const std::string gone = ScriptedPeer().url();
+    EXPECT_EQ(http_.post(gone, {}, {}), std::nullopt);
+    EXPECT_EQ(http_.post("http://nowhere.invalid/", {}, {}), std::nullopt);
+}
+
+TEST_F(Post, TakesSixteenMebibytesAndNoMore)
+{
+    const std::string most(std::size_t{16} << 20, 'x');
+    peer_.play(support::reply(most));
+    EXPECT_EQ(post("most"), most);
+    peer_.play(support::reply(most + "x"));
+    EXPECT_EQ(post("more"), std::nullopt);
+}
+
+TEST_F(Post, EndsAnEndlessReply)
+{
+    peer_.play([](Connection& connection) {
+        connection.send("HTTP/1.1 200 OK\r\n\r\n");
+        while (connection.send(std::string(65536, 'x'))) {
+        }
+    });
+    EXPECT_EQ(post("endless"), std::nullopt);
+}
+
+TEST_F(Post, GivesUpWithoutProgress)
+{
+    for (const char* beginning : {"", "HTTP/1.1 200 OK\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc"}) {
+        peer_.play([beginning](Connection& connection) {
+            connection.send(beginning);
+            connection.wait(20s);
+        });
+        QElapsedTimer time;
+        time.start();
+        EXPECT_EQ(impatient_.post(peer_.url(), {}, {}), std::nullopt);
+        EXPECT_GE(time.elapsed(), 300);
+        EXPECT_LT(time.elapsed(), 3000);
+    }
+}
+
+TEST_F(Post, IsPatientWhileSomethingMoves)
+{
+    peer_.play([](Connection& connection) {
+        connection.send("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n");
+        for (int i = 0; i < 10; ++i) {
+            connection.wait(100ms);
+            connection.send("x");
+        }
+    });
+    EXPECT_EQ(impatient_.post(peer_.url(), {}, {}), "xxxxxxxxxx");
+}
+
+TEST_F(Post, BecomesAGetWhenRedirectedAsBrowsersDo)
+{
+    for (const int status : {301, 302, 303}) {
+        peer_.play(support::redirect(status, "/there?a=b"));
+        peer_.play(support::reply("found"));
+        EXPECT_EQ(http_.post(peer_.url() + "here", "text/plain", "body"), "found") << status;
+        EXPECT_EQ(peer_.requests().back(), head("GET /there?a=b", "")) << status;
+    }
+}
+
+TEST_F(Post, StaysAPostWhenTheRedirectSaysSo)
+{
+    for (const int status : {307, 308}) {
+        peer_.play(support::redirect(status, peer_.url() + "there"));
+        peer_.play(support::reply("found"));
+        EXPECT_EQ(http_.post(peer_.url() + "here", "text/plain", "body"), "found") << status;
+        EXPECT_EQ(peer_.requests().back(),
+                  head("POST /there", "Content-Type: text/plain\r\nContent-Length: 4\r\n") + "body");
+    }
+}
+
+TEST_F(Post, FollowsTenRedirectsAndNoMore)
+{
+    for (int i = 0; i < 10; ++i)
+        peer_.play(support::redirect(302, std::to_string(i)));
+    peer_.play(support::reply("there"));
+    EXPECT_EQ(post("start"), "there");
+    EXPECT_EQ(peer_.requests().size(), 11u);
+
+    for (int i = 0; i < 11; ++i)
+        peer_.play(support::redirect(302, std::to_string(i)));
+    peer_.play(support::reply("too far"));
+    EXPECT_EQ(post("start"), std::nullopt);
+    EXPECT_EQ(peer_.requests().size(), 22u);
+}
+
+TEST_F(Post, IsNeverRedirectedToAnythingButHttp)
+{
+    for (const char* target :
+         {"file:///etc/hostname", "ftp://127.0.0.1/", "gopher://127.0.0.1/", "data:,OK", "nonsense:x"}) {
+        peer_.play(support::redirect(302, target));
+        EXPECT_EQ(post("x"), std::nullopt) << target;
+    }
+}
+
+TEST_F(Post, TakesThePageOfARedirectThatLeadsNowhere)
+{
+    peer_.play(support::reply("page", "302 Elsewhere"));
+    EXPECT_EQ(post("nowhere"), "page");
+    peer_.play(support::reply("page", "300 Choose", "Location: /other\r\n"));
+    EXPECT_EQ(post("choice"), "page");
+    EXPECT_EQ(peer_.requests().size(), 2u);
+}
+
+TEST_F(Post, GoesThroughTheProxyOfTheEnvironmentExceptToThisMachine)
+{
+    ScriptedPeer proxy;
+    proxy.play(support::reply("by proxy"));
+    peer_.play(support::reply("direct"));
+    qputenv("http_proxy", QByteArray::fromStdString(proxy.url()));
+    EXPECT_EQ(http_.post("http://library.invalid/a/../b?c=%2f", {}, {}), "by proxy");
+    EXPECT_EQ(post("x"), "direct");
+    http_.post("http://localhost:1/", {}, {});
+    http_.post("http://[::1]:1/", {}, {});
+    http_.post("http://LOCALHOST:1/", {}, {});
+    qunsetenv("http_proxy");
+    EXPECT_EQ(proxy.requestLines(), std::vector<std::string>{"POST http://library.invalid/a/../b?c=%2f"});
+}
+
+} // namespace
+
+} // namespace platform::qt
