@@ -149,7 +149,7 @@ public:
     void kvCommunityLoadSelectedDownload(Sender sender = nullptr);
     /// Sends the file as it is on disk; one that cannot be read goes out empty.
     std::string uploadFileToServerAndComments(const std::string& path, const std::string& comments);
-    std::string checkForDownloads(const std::optional<std::string>& plugin);
+    std::string checkForDownloads(const std::string& plugin);
     std::string registerCloudDownloadAttempt(const std::optional<std::string>& patchId);
     void startDownloadingURLToLocalFile(const std::string& address, const std::string& path);
     /// Loads the downloaded file beside the plug-in selected now. It is not marked.
@@ -166,7 +166,7 @@ private:
     std::shared_ptr<TextField> knobLabel(std::int32_t number) const;
     /// Sends a request without a body and returns the reply's text.
     std::string sendRequest(const std::string& address);
-    std::optional<std::string> selectedPlugin() const;
+    std::string selectedPlugin() const;
     /// Where a shared mapping is kept, beside the file of the plug-in selected now.
     std::string downloadedPath() const;
 

@@ -63,7 +63,7 @@ std::string ViewController::uploadFileToServerAndComments(const std::string& pat
     return community::replyText(platform_.http.post(address, community::uploadContentType(), body));
 }
 
-std::string ViewController::checkForDownloads(const std::optional<std::string>& plugin)
+std::string ViewController::checkForDownloads(const std::string& plugin)
 {
     return sendRequest(community::listingAddress(community::baseUrl(), plugin));
 }
@@ -97,9 +97,9 @@ void ViewController::downloadDidFailWithError(Sender, const platform::DownloadEr
     platform_.log.write("Download failed! Error - " + error.description + " " + error.failingAddress);
 }
 
-std::optional<std::string> ViewController::selectedPlugin() const
+std::string ViewController::selectedPlugin() const
 {
-    return community::textOf(myArrayController()->selection(), plugins::kPlugin);
+    return myArrayController()->selectionText(plugins::kPlugin);
 }
 
 std::string ViewController::downloadedPath() const

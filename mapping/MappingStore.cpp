@@ -30,14 +30,18 @@ std::optional<DictionaryFile> readDictionary(const Path& file)
     return DictionaryFile{std::move(*document)};
 }
 
-/// Deletes the file, then writes the dictionary where there is one.
+/// Deletes the file, then writes the dictionary where there is one. Bytes that would not be read back, which takes a
+/// file of half a million elements, must not take the place of one that was: then the file stays.
 void replaceFile(const Path& file, const std::optional<DictionaryFile>& content)
 {
     const auto mode = files::permissions(file);
+    const std::string bytes = content ? plist::write(content->document) : std::string();
+    if (content && (bytes.size() > kLargestFile || !plist::parse(bytes)))
+        return;
     if (files::exists(file))
         files::remove(file);
     if (content)
-        files::writeAtomically(file, plist::write(content->document), mode);
+        files::writeAtomically(file, bytes, mode);
 }
 
 } // namespace

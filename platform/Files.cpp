@@ -132,8 +132,9 @@ bool PartialFile::finish()
 {
     if (!isOpen())
         return false;
-    const bool hasMode = !mode_ || ::fchmod(descriptor_, static_cast<mode_t>(*mode_)) == 0;
-    const bool isOnDisk = hasMode && flushToDisk(descriptor_);
+    if (mode_)
+        ::fchmod(descriptor_, static_cast<mode_t>(*mode_)); // some mounts refuse; the content is what counts
+    const bool isOnDisk = flushToDisk(descriptor_);
     if (!close() || !isOnDisk || ::rename(part_.c_str(), destination_.c_str()) != 0) {
         files::remove(part_);
         return false;
@@ -162,7 +163,10 @@ bool copy(const Path& from, const Path& to)
 
 Path partialName(const Path& path)
 {
-    return path.parent_path() / ("." + path.filename().native() + ".kv-part");
+    std::string name = path.filename().native();
+    if (!name.empty())
+        name[0] = name[0] == '.' ? '~' : '.';
+    return path.parent_path() / name;
 }
 
 } // namespace platform::files

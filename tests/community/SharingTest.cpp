@@ -419,11 +419,11 @@ protected:
     std::optional<support::Program> program_;
 };
 
-TEST_F(SharingWithoutPlugin, ListsForAnAbsentName)
+TEST_F(SharingWithoutPlugin, ListsForAnEmptyName)
 {
     peer_.play(support::reply(kTwoEntries));
     program_->click("kv_btn_cloudLibraryDownload");
-    EXPECT_EQ(peer_.requestLines().back(), "POST /kv_listplists.php?plugin=(null)");
+    EXPECT_EQ(peer_.requestLines().back(), "POST /kv_listplists.php?plugin=");
 }
 
 TEST_F(SharingWithoutPlugin, LoadDoesNothing)
