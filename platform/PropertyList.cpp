@@ -26,6 +26,7 @@ namespace {
 
 using namespace std::chrono;
 
+constexpr std::size_t kMaxNumberLength = 1000; // some strtod_l() take very long for very many digits
 constexpr sys_days k2001 = 2001y / January / 1;
 
 // A decimal number without sign. strtod() would read it by the user's locale, and some standard libraries have no
@@ -33,9 +34,8 @@ constexpr sys_days k2001 = 2001y / January / 1;
 std::optional<double> decimalFrom(const std::string& text)
 {
     static const locale_t kClassic = newlocale(LC_ALL_MASK, "C", nullptr);
-    constexpr std::size_t kMaxLength = 1000; // some strtod_l() take a very long time for very many digits
     const bool isDecimal = text.find_first_not_of("0123456789.eE+-") == text.npos && text.find_first_of("+-") != 0;
-    if (!isDecimal || text.size() > kMaxLength) {
+    if (!isDecimal) {
         return std::nullopt;
     }
     char* end = nullptr;
@@ -70,6 +70,9 @@ std::optional<Real> realFrom(std::string_view text)
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+')) {
         text.remove_prefix(1);
+    }
+    if (text.size() > kMaxNumberLength) {
+        return std::nullopt;
     }
     std::string magnitude(text);
     for (char& c : magnitude) {
@@ -131,16 +134,15 @@ std::optional<double> secondsOfDate(std::string_view text)
     }
     const bool hasFraction =
         count == fields.size() && text.starts_with('.') && text.find_first_not_of("0123456789", 1) == text.npos;
-    const auto fraction = decimalFrom(hasFraction ? "0" + std::string(text) : "0");
+    const bool complete = text.empty() || (hasFraction && text.size() <= kMaxNumberLength);
     const auto [year, month, day, hour, minute, second] = fields;
-    const bool complete = text.empty() || hasFraction;
-    if (!complete || !fraction || count < 3 || year > 32767 || month < 1 || month > 12 || day < 1 || day > 31) {
+    if (!complete || count < 3 || year > 32767 || month < 1 || month > 12 || day < 1 || day > 31) {
         return std::nullopt;
     }
     const auto date = std::chrono::year(beforeYear0 ? -static_cast<int>(year) : static_cast<int>(year));
     const seconds whole = sys_days(date / std::chrono::month(month) / std::chrono::day(day)) - k2001 + hours(hour) +
                           minutes(minute) + seconds(second);
-    return static_cast<double>(whole.count()) + *fraction;
+    return static_cast<double>(whole.count()) + (hasFraction ? decimalFrom("0" + std::string(text)).value_or(0) : 0);
 }
 
 std::optional<std::string> dateOfSeconds(Real number)

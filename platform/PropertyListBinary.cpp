@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <deque>
 #include <unordered_map>
 
 namespace platform::plist {
@@ -284,24 +285,25 @@ void appendNumber(std::string& out, std::uint64_t number, std::size_t size)
     }
 }
 
-void appendMarker(std::string& out, Kind kind, unsigned low)
+// An object of a marker and a number of 1, 2, 4 or 8 bytes, or the start of a larger one.
+std::string objectOf(Kind kind, std::size_t low, std::uint64_t number = 0, std::size_t size = 0)
 {
-    out += static_cast<char>(kind << 4 | low);
+    std::string object(1, static_cast<char>(kind << 4 | low));
+    appendNumber(object, number, size);
+    return object;
 }
 
-void appendInteger(std::string& out, std::uint64_t number)
+std::string integerOf(std::uint64_t number)
 {
     const std::size_t size = sizeFor(number);
-    appendMarker(out, kInteger, static_cast<unsigned>(std::countr_zero(size)));
-    appendNumber(out, number, size);
+    return objectOf(kInteger, static_cast<std::size_t>(std::countr_zero(size)), number, size);
 }
 
-void appendCounted(std::string& out, Kind kind, std::size_t count)
+std::string countedOf(Kind kind, std::size_t count, std::string_view content = {})
 {
-    appendMarker(out, kind, static_cast<unsigned>(std::min<std::size_t>(count, kCountFollows)));
-    if (count >= kCountFollows) {
-        appendInteger(out, count);
-    }
+    std::string object =
+        count < kCountFollows ? objectOf(kind, count) : objectOf(kind, kCountFollows) + integerOf(count);
+    return object.append(content);
 }
 
 std::string utf16FromUtf8(std::string_view text)
@@ -318,53 +320,6 @@ std::string utf16FromUtf8(std::string_view text)
     return units;
 }
 
-// The bytes of an object that refers to no other.
-struct Encode {
-    std::string& out;
-
-    void operator()(Null) const { appendMarker(out, kSimple, kNull); }
-    void operator()(bool truth) const { appendMarker(out, kSimple, truth ? kTrue : kFalse); }
-    void operator()(Integer number) const
-    {
-        if (!number.negative && number.bits >> 63 == 0) {
-            appendInteger(out, number.bits);
-            return;
-        }
-        appendMarker(out, kInteger, number.negative ? 3 : 4); // eight bytes are signed: what is too large takes sixteen
-        appendNumber(out, 0, number.negative ? 0 : 8);
-        appendNumber(out, number.bits, 8);
-    }
-    void operator()(Real number) const
-    {
-        appendMarker(out, kReal, number.single ? 2 : 3);
-        appendNumber(out, number.bits, number.single ? 4 : 8);
-    }
-    void operator()(DateSeconds date) const
-    {
-        appendMarker(out, kDate, 3);
-        appendNumber(out, date.seconds.bits, 8);
-    }
-    void operator()(const DateText& date) const { (*this)(DateSeconds{Real(secondsOfDate(date.text).value_or(0))}); }
-    void operator()(Uid uid) const
-    {
-        const std::size_t size = sizeFor(uid.number);
-        appendMarker(out, kUid, static_cast<unsigned>(size - 1));
-        appendNumber(out, uid.number, size);
-    }
-    void operator()(const Data& data) const
-    {
-        appendCounted(out, kData, data.bytes.size());
-        out += data.bytes;
-    }
-    void operator()(const std::string& text) const
-    {
-        const bool ascii = isAscii(text);
-        const std::string& content = ascii ? text : utf16FromUtf8(text);
-        appendCounted(out, ascii ? kAscii : kUtf16, ascii ? content.size() : content.size() / 2);
-        out += content;
-    }
-};
-
 // Numbers the objects first, equal leaves once, then writes them, their offsets and the trailer.
 class BinaryWriter {
 public:
@@ -376,11 +331,7 @@ public:
         std::vector<std::size_t> offsets;
         for (const Object& object : objects_) {
             offsets.push_back(out.size());
-            if (object.leaf) {
-                out += *object.leaf;
-                continue;
-            }
-            appendCounted(out, object.kind, object.count);
+            out += object.bytes;
             for (const Number reference : object.references) {
                 appendNumber(out, reference, referenceSize);
             }
@@ -402,10 +353,8 @@ private:
     using Number = std::uint32_t;
 
     struct Object {
-        const std::string* leaf; // its bytes; null for a container
-        Kind kind = kSimple;     // of a container
-        std::size_t count = 0;
-        std::vector<Number> references;
+        std::string bytes;
+        std::vector<Number> references; // follow the bytes
     };
 
     Number add(const Value& value)
@@ -415,19 +364,18 @@ private:
 
     Number addHeld(const Array& array)
     {
-        const Number number = addObject({nullptr, kArray, array.size(), {}});
-        std::vector<Number> references;
+        const Number number = addObject(countedOf(kArray, array.size()));
         for (const Value& value : array) {
-            references.push_back(add(value));
+            const Number item = add(value);
+            objects_[number].references.push_back(item);
         }
-        objects_[number].references = std::move(references);
         return number;
     }
 
     Number addHeld(const Dictionary& dictionary)
     {
         const std::size_t count = dictionary.entries.size();
-        const Number number = addObject({nullptr, kDictionary, count, {}});
+        const Number number = addObject(countedOf(kDictionary, count));
         std::vector<Number> references(2 * count); // all keys, then all values
         for (std::size_t i = 0; i < count; ++i) {
             references[i] = addHeld(dictionary.entries[i].first);
@@ -440,20 +388,56 @@ private:
     // Leaves are equal where their bytes are: 1, 1.0 and true differ, and so do 0.0 and -0.0.
     Number addHeld(const auto& leaf)
     {
-        std::string bytes;
-        Encode{bytes}(leaf);
-        const auto [known, isNew] = leaves_.try_emplace(std::move(bytes), static_cast<Number>(objects_.size()));
-        return isNew ? addObject({&known->first, kSimple, 0, {}}) : known->second;
+        const Number number = addObject(encoded(leaf));
+        const auto [known, isNew] = leaves_.try_emplace(objects_.back().bytes, number);
+        if (!isNew) {
+            objects_.pop_back();
+        }
+        return known->second;
     }
 
-    Number addObject(Object object)
+    Number addObject(std::string bytes)
     {
-        objects_.push_back(std::move(object));
+        objects_.push_back({std::move(bytes), {}});
         return static_cast<Number>(objects_.size() - 1);
     }
 
-    std::vector<Object> objects_;
-    std::unordered_map<std::string, Number> leaves_;
+    static std::string encoded(Null) { return objectOf(kSimple, kNull); }
+    static std::string encoded(bool truth) { return objectOf(kSimple, truth ? kTrue : kFalse); }
+    static std::string encoded(Real number)
+    {
+        return number.single ? objectOf(kReal, 2, number.bits, 4) : objectOf(kReal, 3, number.bits, 8);
+    }
+    static std::string encoded(DateSeconds date) { return objectOf(kDate, 3, date.seconds.bits, 8); }
+    static std::string encoded(const DateText& date)
+    {
+        return encoded(DateSeconds{Real(secondsOfDate(date.text).value_or(0))});
+    }
+    static std::string encoded(Uid uid)
+    {
+        return objectOf(kUid, sizeFor(uid.number) - 1, uid.number, sizeFor(uid.number));
+    }
+    static std::string encoded(const Data& data) { return countedOf(kData, data.bytes.size(), data.bytes); }
+    static std::string encoded(Integer number)
+    {
+        if (number.negative) {
+            return objectOf(kInteger, 3, number.bits, 8);
+        }
+        std::string object = objectOf(kInteger, 4, 0, 8); // eight bytes are signed: what is too large takes sixteen
+        appendNumber(object, number.bits, 8);
+        return number.bits >> 63 == 0 ? integerOf(number.bits) : object;
+    }
+    static std::string encoded(const std::string& text)
+    {
+        if (isAscii(text)) {
+            return countedOf(kAscii, text.size(), text);
+        }
+        const std::string units = utf16FromUtf8(text);
+        return countedOf(kUtf16, units.size() / 2, units);
+    }
+
+    std::deque<Object> objects_; // stay where they are: the keys below are their bytes
+    std::unordered_map<std::string_view, Number> leaves_;
 };
 
 } // namespace

@@ -50,6 +50,15 @@ std::optional<Integer> integerFrom(std::string_view text)
     return negative ? Integer(static_cast<std::int64_t>(~magnitude + 1)) : Integer(magnitude);
 }
 
+constexpr std::array<std::uint8_t, 256> kBase64Values = [] {
+    std::array<std::uint8_t, 256> values{};
+    values.fill(64); // no digit
+    for (std::size_t i = 0; i < kBase64Digits.size(); ++i) {
+        values[static_cast<unsigned char>(kBase64Digits[i])] = static_cast<std::uint8_t>(i);
+    }
+    return values;
+}();
+
 // Base64 with blanks anywhere; the padding may be missing.
 std::optional<Data> dataFrom(std::string_view text)
 {
@@ -58,20 +67,16 @@ std::optional<Data> dataFrom(std::string_view text)
     std::uint32_t bits = 0;
     std::size_t digits = 0, padding = 0;
     for (const char c : text) {
-        if (isBlank(c)) {
-            continue;
-        }
-        const std::size_t digit = kBase64Digits.find(c);
-        if (c == '=') {
-            ++padding;
-        } else if (digit == kBase64Digits.npos || padding > 0) {
-            return std::nullopt;
-        } else {
-            bits = bits << 6 | static_cast<std::uint32_t>(digit);
-            ++digits;
-            if (const std::size_t unused = 8 - digits % 4 * 2; digits % 4 != 1) {
-                data.bytes += static_cast<char>(bits >> unused % 8);
+        const std::uint8_t value = kBase64Values[static_cast<unsigned char>(c)];
+        if (value < 64 && padding == 0) {
+            bits = bits << 6 | value;
+            if (++digits % 4 != 1) { // from the second digit on, every one completes a byte
+                data.bytes += static_cast<char>(bits >> (8 - digits % 4 * 2) % 8);
             }
+        } else if (c == '=') {
+            ++padding;
+        } else if (!isBlank(c)) {
+            return std::nullopt;
         }
     }
     const std::size_t left = digits % 4;
@@ -84,25 +89,17 @@ std::optional<Data> dataFrom(std::string_view text)
 constexpr std::size_t kPieceBytes = std::size_t{2} << 20;
 constexpr std::size_t kMaxBlockBytes = 2 * kPieceBytes;
 
-void* allocateBounded(std::size_t size)
-{
-    return size > kMaxBlockBytes ? nullptr : std::malloc(size);
-}
-
-void* reallocateBounded(void* block, std::size_t size)
-{
-    return size > kMaxBlockBytes ? nullptr : std::realloc(block, size);
-}
-
 // Builds the values from expat's events.
 class XmlReader {
 public:
     std::optional<Value> read(std::string_view bytes)
     {
-        // UTF-16 shows in its first two bytes, whatever the file declares: some editors leave the declaration as it
-        // was.
+        // UTF-16 shows in its first two bytes; some editors leave the declaration of another encoding.
         const bool utf16 = bytes.substr(0, 2).find_first_of(std::string_view("\0\xFE\xFF", 3)) != bytes.npos;
-        const XML_Memory_Handling_Suite memory = {allocateBounded, reallocateBounded, std::free};
+        const XML_Memory_Handling_Suite memory = {
+            [](std::size_t size) { return size > kMaxBlockBytes ? nullptr : std::malloc(size); },
+            [](void* block, std::size_t size) { return size > kMaxBlockBytes ? nullptr : std::realloc(block, size); },
+            std::free};
         const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
             XML_ParserCreate_MM(utf16 ? "UTF-16" : nullptr, &memory, nullptr), XML_ParserFree);
         if (!parser) {
@@ -363,20 +360,27 @@ private:
 
     bool putText(std::string_view text)
     {
-        for (std::size_t at = 0; at < text.size();) {
-            const CodePoint point = codePointAt(text, at);
+        const auto isPlain = [](char c) { return c >= ' ' && c < '\x7F' && c != '&' && c != '<' && c != '>'; };
+        while (!text.empty()) {
+            const auto plainEnd = std::find_if_not(text.begin(), text.end(), isPlain);
+            const auto plain = static_cast<std::size_t>(plainEnd - text.begin());
+            out_ += text.substr(0, plain);
+            text.remove_prefix(plain);
+            if (text.empty()) {
+                return true;
+            }
+            const CodePoint point = codePointAt(text, 0);
+            if (!isXmlCharacter(point.value)) {
+                return false;
+            }
             switch (point.value) {
             case '&': out_ += "&amp;"; break;
             case '<': out_ += "&lt;"; break;
             case '>': out_ += "&gt;"; break;
             case '\r': out_ += "&#13;"; break; // as it is, it would be read as a line feed
-            default:
-                if (!isXmlCharacter(point.value)) {
-                    return false;
-                }
-                out_ += point.wellFormed ? text.substr(at, point.length) : "\xEF\xBF\xBD"; // U+FFFD
+            default: out_ += point.wellFormed ? text.substr(0, point.length) : "\xEF\xBF\xBD"; // U+FFFD
             }
-            at += point.length;
+            text.remove_prefix(point.length);
         }
         return true;
     }

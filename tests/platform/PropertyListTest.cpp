@@ -974,24 +974,24 @@ TEST(PropertyListHostile, BoundsWhatXmlAllowsWithoutEnd)
     expectBounded("too many values", "<array>" + repeated("<true/>", 1'000'000) + "</array>", false);
     const std::string texts = "<array>" + repeated("<string>sixteen letters.</string>", 17) + "</array>";
     expectBounded("many texts", "<array>" + repeated(texts, 55'000) + "</array>", true);
-    expectBounded("comments", "<array>" + repeated("<!---->", 9'000'000) + "</array>", true);
-    expectBounded("line feeds", "<string>" + std::string(60'000'000, '\n') + "</string>", false);
-    expectBounded("references", "<string>" + repeated("&#9;", 15'000'000) + "</string>", false);
-    expectBounded("blanks", std::string(33'000'000, ' ') + "<true/>" + std::string(33'000'000, ' '), true);
-    expectBounded("long comment", "<array><!--" + std::string(60'000'000, 'x') + "--></array>", false);
-    expectBounded("long comments", "<array>" + repeated("<!--" + std::string(1'900'000, 'x') + "-->", 34) + "</array>",
+    expectBounded("comments", "<array>" + repeated("<!---->", 4'000'000) + "</array>", true);
+    expectBounded("line feeds", "<string>" + std::string(10'000'000, '\n') + "</string>", false);
+    expectBounded("references", "<string>" + repeated("&#9;", 9'000'000) + "</string>", false);
+    expectBounded("blanks", std::string(10'000'000, ' ') + "<true/>" + std::string(10'000'000, ' '), true);
+    expectBounded("long comment", "<array><!--" + std::string(10'000'000, 'x') + "--></array>", false);
+    expectBounded("long comments", "<array>" + repeated("<!--" + std::string(1'900'000, 'x') + "-->", 10) + "</array>",
                   true);
-    expectBounded("long name", "<" + std::string(60'000'000, 'x') + "/>", false);
-    expectBounded("long attribute", "<string a='" + std::string(60'000'000, 'x') + "'/>", false);
+    expectBounded("long name", "<" + std::string(10'000'000, 'x') + "/>", false);
+    expectBounded("long attribute", "<string a='" + std::string(10'000'000, 'x') + "'/>", false);
     expectBounded("long text", "<string>" + std::string(67'000'000, 'x') + "</string>", true);
     expectBounded("long data", "<data>" + std::string(67'000'000, 'A') + "</data>", true);
     expectBounded("long number", "<real>0." + std::string(67'000'000, '1') + "</real>", false);
     expectBounded("too large a file", std::string(67'108'864, ' ') + "<true/>", false);
 
     std::string attributes, elements = "<array>";
-    for (int i = 0; i < 4'000'000; ++i) {
+    for (int i = 0; i < 1'000'000; ++i) {
         const std::string name = " a" + std::to_string(i) + "=''";
-        attributes += i < 1'000'000 ? name : "";
+        attributes += i < 400'000 ? name : "";
         elements += i % 16 == 0 ? "<true" : "";
         elements += name;
         elements += i % 16 == 15 ? "/>" : "";
@@ -999,9 +999,9 @@ TEST(PropertyListHostile, BoundsWhatXmlAllowsWithoutEnd)
     expectBounded("attributes", "<array" + attributes + "/>", false);
     expectBounded("attributes of many elements", elements + "</array>", false);
 
-    const std::string dates = repeated("<date>2001-01-01T00:00:00Z</date>", 900'000);
+    const std::string dates = repeated("<date>2001-01-01T00:00:00Z</date>", 300'000);
     expectBounded("dates", "<array>" + dates + "</array>", true);
-    expectBounded("reals", "<array>" + repeated("<real>0.12345678901234567</real>", 900'000) + "</array>", true);
+    expectBounded("reals", "<array>" + repeated("<real>0.12345678901234567</real>", 300'000) + "</array>", true);
 }
 
 TEST(PropertyListHostile, RefusesEveryTruncatedFile)
@@ -1026,7 +1026,7 @@ TEST(PropertyListHostile, SurvivesEveryChangedByte)
     for (const std::string& whole : {write({rich, Form::binary}), write({sample(), Form::xml})}) {
         for (std::size_t at = 0; at < whole.size(); ++at) {
             std::string changed = whole;
-            for (int byte = 0; byte < 256; ++byte) {
+            for (int byte = 0; byte < 256; byte += byte < 16 ? 1 : 5) {
                 changed[at] = static_cast<char>(byte);
                 const auto document = parse(changed);
                 ++(document ? accepted : refused);
