@@ -197,9 +197,10 @@ private:
                                         : Real(std::bit_cast<double>(numberFrom(content)));
             return content.size() == 4 || content.size() == 8;
         case kDate: value = DateSeconds{Real(std::bit_cast<double>(numberFrom(content)))}; return content.size() == 8;
-        case kData: return takeText(content.size()) && (value = Data{std::string(content)}, true);
-        case kAscii: return isAscii(content) && takeText(content.size()) && (value = std::string(content), true);
-        case kUtf16: return takeText(content.size() / 2 * 3) && (value = utf8FromUtf16(content), true);
+        case kData: return take(textBytes_, content.size()) && (value = Data{std::string(content)}, true);
+        case kAscii:
+            return isAscii(content) && take(textBytes_, content.size()) && (value = std::string(content), true);
+        case kUtf16: return take(textBytes_, content.size() / 2 * 3) && (value = utf8FromUtf16(content), true);
         case kUid: value = Uid{numberFrom(content)}; return content.size() <= 8;
         case kArray: return depth < kMaxDepth && readArray(content, depth + 1, value);
         case kDictionary: return depth < kMaxDepth && readDictionary(content, depth + 1, value);
@@ -210,7 +211,7 @@ private:
     bool readArray(std::string_view references, std::size_t depth, Value& value)
     {
         const std::size_t count = references.size() / referenceSize_;
-        if (!takeValues(count)) {
+        if (!take(values_, count)) {
             return false;
         }
         Array array(count);
@@ -226,7 +227,7 @@ private:
     bool readDictionary(std::string_view references, std::size_t depth, Value& value)
     {
         const std::size_t count = references.size() / referenceSize_ / 2;
-        if (!takeValues(2 * count)) {
+        if (!take(values_, 2 * count)) {
             return false;
         }
         Dictionary dictionary;
@@ -251,8 +252,6 @@ private:
 
     // A value or text that a file shares is paid for at every use, and before there is room for it, so that a small
     // file cannot unfold into a large tree.
-    bool takeValues(std::size_t count) { return take(values_, count); }
-    bool takeText(std::size_t bytes) { return take(textBytes_, bytes); }
     static bool take(std::size_t& left, std::size_t count)
     {
         const bool enough = count <= left;

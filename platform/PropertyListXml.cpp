@@ -6,6 +6,7 @@
 #include <array>
 #include <charconv>
 #include <cstdlib>
+#include <functional>
 #include <memory>
 
 namespace platform::plist {
@@ -116,29 +117,36 @@ private:
     void setHandlers()
     {
         XML_SetUserData(parser_, this);
-        XML_SetElementHandler(
-            parser_,
-            [](void* self, const char* name, const char**) {
-                run(self, [&](XmlReader& reader) { return reader.start(elementNamed(name)); });
-            },
-            [](void* self, const char*) { run(self, [](XmlReader& reader) { return reader.end(); }); });
-        XML_SetCharacterDataHandler(parser_, [](void* self, const char* text, int length) {
-            run(self, [&](XmlReader& reader) { return reader.text({text, static_cast<std::size_t>(length)}); });
-        });
-        // Entities and default attributes are declared in the document type; an undeclared entity may be skipped.
-        XML_SetStartDoctypeDeclHandler(parser_,
-                                       [](void* self, const char*, const char*, const char*, int hasDeclarations) {
-                                           run(self, [&](XmlReader&) { return !hasDeclarations; });
-                                       });
-        XML_SetSkippedEntityHandler(parser_,
-                                    [](void* self, const char*, int) { run(self, [](XmlReader&) { return false; }); });
+        XML_SetElementHandler(parser_, onStart, onEnd);
+        XML_SetCharacterDataHandler(parser_, onText);
+        XML_SetStartDoctypeDeclHandler(parser_, onDocumentType);
+        XML_SetSkippedEntityHandler(parser_, onSkippedEntity);
+    }
+
+    static void onStart(void* self, const char* name, const char**)
+    {
+        run(self, [&](XmlReader& reader) { return reader.start(elementNamed(name)); });
+    }
+    static void onEnd(void* self, const char*) { run(self, &XmlReader::end); }
+    static void onText(void* self, const char* text, int length)
+    {
+        run(self, [&](XmlReader& reader) { return reader.text({text, static_cast<std::size_t>(length)}); });
+    }
+    // Entities and default attributes are declared in the document type; an undeclared entity may be skipped.
+    static void onDocumentType(void* self, const char*, const char*, const char*, int hasDeclarations)
+    {
+        run(self, [&](XmlReader&) { return !hasDeclarations; });
+    }
+    static void onSkippedEntity(void* self, const char*, int)
+    {
+        run(self, [](XmlReader&) { return false; });
     }
 
     // Stops expat where a step fails; it may report the end of the element all the same.
     static void run(void* self, auto step)
     {
         auto& reader = *static_cast<XmlReader*>(self);
-        if (!reader.refused_ && !step(reader)) {
+        if (!reader.refused_ && !std::invoke(step, reader)) {
             reader.refused_ = true;
             XML_StopParser(reader.parser_, XML_FALSE);
         }
@@ -182,11 +190,9 @@ private:
     bool text(std::string_view piece)
     {
         constexpr int kMaxPieces = 8'000'000; // bounds the time: every line feed is a piece of its own
-        if (leaf_ == Element::none || leaf_ == Element::truth || leaf_ == Element::untruth) {
-            return ++pieces_ <= kMaxPieces && std::all_of(piece.begin(), piece.end(), isBlank);
-        }
-        text_.append(piece);
-        return ++pieces_ <= kMaxPieces;
+        const bool takesText = leaf_ != Element::none && leaf_ != Element::truth && leaf_ != Element::untruth;
+        text_.append(takesText ? piece : std::string_view());
+        return ++pieces_ <= kMaxPieces && (takesText || std::all_of(piece.begin(), piece.end(), isBlank));
     }
 
     bool end()
@@ -221,7 +227,10 @@ private:
     template <typename T>
     bool placeIf(std::optional<T> value)
     {
-        return value && (place(std::move(*value)), true);
+        if (value) {
+            place(std::move(*value));
+        }
+        return value.has_value();
     }
 
     Value& place(Value value)
