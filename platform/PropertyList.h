@@ -5,6 +5,7 @@
 // may be handed in: what is not a property list is refused, within bounds of depth, time and memory.
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
@@ -75,6 +76,7 @@ struct Dictionary {
 
     Dictionary() = default;
     Dictionary(std::initializer_list<Entry> list);
+    std::size_t size() const { return entries.size(); }
     // The last one where a file repeats a key; null if there is none.
     const Value* find(std::string_view key) const;
     // In the place of the key's first entry, or at the end; leaves exactly one entry of that key.

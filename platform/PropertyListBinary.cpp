@@ -38,7 +38,7 @@ unsigned byteOf(char c)
     return static_cast<unsigned char>(c);
 }
 
-// Big-endian; the last eight bytes of more.
+// Big-endian; of more than eight bytes the last ones.
 std::uint64_t numberFrom(std::string_view bytes)
 {
     std::uint64_t number = 0;
@@ -155,25 +155,36 @@ private:
         const unsigned kind = byteOf(bytes_[offset]) >> 4;
         const unsigned low = byteOf(bytes_[offset]) & 0xF;
         std::string_view rest = bytes_.substr(offset + 1, table_ - offset - 1);
-        std::optional<std::uint64_t> count = low;
-        std::size_t itemSize = 1;
+        const std::size_t itemSize = itemSizeOf(kind);
+        std::optional<std::uint64_t> count;
         switch (kind) {
         case kSimple: count = 0; break;
         case kInteger:
         case kReal:
         case kDate: count = std::uint64_t{1} << low; break;
         case kUid: count = low + 1; break;
-        default:
-            itemSize = kind == kUtf16        ? 2
-                       : kind == kArray      ? referenceSize_
-                       : kind == kDictionary ? 2 * referenceSize_
-                                             : 1;
-            count = low == kCountFollows ? takeCount(rest) : low;
+        default: count = low == kCountFollows ? takeCount(rest) : low;
         }
         if (!count || *count > rest.size() / itemSize) {
             return std::nullopt;
         }
         return Object{kind, low, rest.substr(0, *count * itemSize)};
+    }
+
+    std::size_t itemSizeOf(unsigned kind) const
+    {
+        switch (kind) {
+        case kUtf16: return 2;
+        case kArray: return referenceSize_;
+        case kDictionary: return 2 * referenceSize_;
+        default: return 1;
+        }
+    }
+
+    static bool set(Value& value, Value content)
+    {
+        value = std::move(content);
+        return true;
     }
 
     // Recursion ends at kMaxDepth, which also ends a cycle.
@@ -190,17 +201,16 @@ private:
             return object->low == kNull || object->low == kFalse || object->low == kTrue;
         case kInteger: {
             const auto integer = integerFrom(content);
-            return integer && (value = *integer, true);
+            return integer && set(value, *integer);
         }
         case kReal:
             value = content.size() == 4 ? Real(std::bit_cast<float>(static_cast<std::uint32_t>(numberFrom(content))))
                                         : Real(std::bit_cast<double>(numberFrom(content)));
             return content.size() == 4 || content.size() == 8;
         case kDate: value = DateSeconds{Real(std::bit_cast<double>(numberFrom(content)))}; return content.size() == 8;
-        case kData: return take(textBytes_, content.size()) && (value = Data{std::string(content)}, true);
-        case kAscii:
-            return isAscii(content) && take(textBytes_, content.size()) && (value = std::string(content), true);
-        case kUtf16: return take(textBytes_, content.size() / 2 * 3) && (value = utf8FromUtf16(content), true);
+        case kData: return take(textBytes_, content.size()) && set(value, Data{std::string(content)});
+        case kAscii: return isAscii(content) && take(textBytes_, content.size()) && set(value, std::string(content));
+        case kUtf16: return take(textBytes_, content.size() / 2 * 3) && set(value, utf8FromUtf16(content));
         case kUid: value = Uid{numberFrom(content)}; return content.size() <= 8;
         case kArray: return depth < kMaxDepth && readArray(content, depth + 1, value);
         case kDictionary: return depth < kMaxDepth && readDictionary(content, depth + 1, value);

@@ -5,8 +5,6 @@
 
 #include "platform/PropertyList.h"
 
-#include <cstddef>
-
 namespace platform::plist {
 
 inline constexpr std::size_t kMaxFileBytes = std::size_t{64} << 20;

@@ -206,7 +206,7 @@ TEST(PropertyListDictionary, FindsTheLastOfARepeatedKey)
     const Dictionary dictionary{{"a", "1"}, {"b", "2"}, {"a", "3"}};
     EXPECT_EQ(*dictionary.find("a"), Value("3"));
     EXPECT_EQ(dictionary.find("c"), nullptr);
-    EXPECT_EQ(dictionary.entries.size(), 3u);
+    EXPECT_EQ(dictionary.size(), 3u);
 }
 
 TEST(PropertyListDictionary, SetsInPlaceOrAtTheEndAndLeavesOneEntry)
