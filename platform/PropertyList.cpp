@@ -9,309 +9,217 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
+#include <iomanip>
+#include <limits>
+#include <locale>
+#include <sstream>
+
+#include <locale.h>
+#include <stdlib.h>
+#if __has_include(<xlocale.h>) // strtod_l() on macOS
+#include <xlocale.h>
+#endif
 
 namespace platform::plist {
 
 namespace {
 
-constexpr std::int64_t kSecondsPerDay = 86400;
-constexpr std::int64_t kDaysFrom1970To2001 = 11323;
+using namespace std::chrono;
 
-template <typename Number>
-std::string shortestText(Number number)
+constexpr std::size_t kMaxNumberLength = 1000; // some strtod_l() take very long for very many digits
+constexpr sys_days k2001 = 2001y / January / 1;
+
+// A decimal number without sign. strtod() would read it by the user's locale, and some standard libraries have no
+// from_chars() for it or no more than forty characters in a stream.
+std::optional<double> decimalFrom(const std::string& text)
 {
-    std::array<char, 40> buffer;
-    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number);
-    return std::string(buffer.data(), result.ptr);
-}
-
-std::string bracketed(std::size_t count, std::string_view what)
-{
-    return "<" + std::to_string(count) + " " + std::string(what) + ">";
-}
-
-// Days since 1970-01-01, proleptic Gregorian. <chrono> stops at year 32767. `month` may lie outside 1 to 12.
-std::int64_t daysFromCivil(std::int64_t year, std::int64_t month, std::int64_t day)
-{
-    const std::int64_t monthsFromMarch = year * 12 + month - 3;
-    std::int64_t marchYear = monthsFromMarch / 12;
-    std::int64_t marchMonth = monthsFromMarch % 12;
-    if (marchMonth < 0) {
-        marchMonth += 12;
-        --marchYear;
-    }
-    const std::int64_t era = (marchYear >= 0 ? marchYear : marchYear - 399) / 400;
-    const std::int64_t yearOfEra = marchYear - era * 400;
-    const std::int64_t dayOfYear = (153 * marchMonth + 2) / 5 + day - 1;
-    return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 719468;
-}
-
-// Takes the fields of a date off the front of its text.
-class DateFields {
-public:
-    explicit DateFields(std::string_view text) : rest_(text) {}
-
-    bool atEnd() const { return rest_.empty(); }
-
-    bool skip(char mark)
-    {
-        if (!rest_.starts_with(mark)) {
-            return false;
-        }
-        rest_.remove_prefix(1);
-        return true;
-    }
-
-    // Up to nine digits, so that no sum of fields can overflow.
-    std::optional<std::int64_t> number()
-    {
-        const std::size_t length = std::min(rest_.find_first_not_of("0123456789"), rest_.size());
-        std::int64_t value = 0;
-        if (length == 0 || length > 9) {
-            return std::nullopt;
-        }
-        std::from_chars(rest_.data(), rest_.data() + length, value);
-        rest_.remove_prefix(length);
-        return value;
-    }
-
-    std::optional<double> decimal()
-    {
-        const std::size_t length = std::min(rest_.find_first_not_of("0123456789."), rest_.size());
-        double value = 0;
-        const auto result = std::from_chars(rest_.data(), rest_.data() + length, value);
-        if (length == 0 || result.ec != std::errc() || result.ptr != rest_.data() + length || value >= 1e9) {
-            return std::nullopt;
-        }
-        rest_.remove_prefix(length);
-        return value;
-    }
-
-private:
-    std::string_view rest_;
-};
-
-std::optional<double> secondsOf(std::string_view text)
-{
-    DateFields fields(trimmed(text));
-    const bool negative = fields.skip('-');
-    if (!negative) {
-        fields.skip('+');
-    }
-    const auto year = fields.number();
-    std::optional<std::int64_t> month = 1, day = 1, hour = 0, minute = 0;
-    std::optional<double> second = 0.0;
-    if (fields.skip('-')) {
-        month = fields.number();
-        if (fields.skip('-')) {
-            day = fields.number();
-            if (fields.skip('T') || fields.skip(' ')) {
-                hour = fields.number();
-                if (fields.skip(':')) {
-                    minute = fields.number();
-                    if (fields.skip(':')) {
-                        second = fields.decimal();
-                    }
-                }
-            }
-        }
-    }
-    fields.skip('Z');
-    if (!year || !month || !day || !hour || !minute || !second || !fields.atEnd()) {
+    static const locale_t kClassic = newlocale(LC_ALL_MASK, "C", nullptr);
+    const bool isDecimal = text.find_first_not_of("0123456789.eE+-") == text.npos && text.find_first_of("+-") != 0;
+    if (!isDecimal) {
         return std::nullopt;
     }
-    const std::int64_t days = daysFromCivil(negative ? -*year : *year, *month, *day) - kDaysFrom1970To2001;
-    return static_cast<double>(days * kSecondsPerDay + *hour * 3600 + *minute * 60) + *second;
+    char* end = nullptr;
+    const double number = strtod_l(text.c_str(), &end, kClassic);
+    const std::string mantissa = text.substr(0, text.find_first_of("eE"));
+    const bool tooSmall = number == 0 && mantissa.find_first_of("123456789") != text.npos;
+    const bool complete = !text.empty() && end == text.c_str() + text.size();
+    return complete && !std::isinf(number) && !tooSmall ? std::optional(number) : std::nullopt;
 }
 
 } // namespace
 
 // Numbers
 
-std::optional<std::int64_t> Integer::toInt64() const
-{
-    const auto number = static_cast<std::int64_t>(bits_);
-    return (number < 0) == negative_ ? std::optional(number) : std::nullopt;
-}
-
 std::string Integer::toString() const
 {
-    return negative_ ? std::to_string(static_cast<std::int64_t>(bits_)) : std::to_string(bits_);
+    return negative ? std::to_string(static_cast<std::int64_t>(bits)) : std::to_string(bits);
 }
 
-Real::Real(double number) : bits_(std::bit_cast<std::uint64_t>(number)), single_(false) {}
+Real::Real(double number) : bits(std::bit_cast<std::uint64_t>(number)), single(false) {}
 
-Real::Real(float number) : bits_(std::bit_cast<std::uint32_t>(number)), single_(true) {}
+Real::Real(float number) : bits(std::bit_cast<std::uint32_t>(number)), single(true) {}
 
 double Real::toDouble() const
 {
-    return single_ ? static_cast<double>(std::bit_cast<float>(static_cast<std::uint32_t>(bits_)))
-                   : std::bit_cast<double>(bits_);
+    return single ? std::bit_cast<float>(static_cast<std::uint32_t>(bits)) : std::bit_cast<double>(bits);
 }
 
-std::string Real::toString() const
+std::optional<Real> realFrom(std::string_view text)
 {
-    return single_ ? shortestText(std::bit_cast<float>(static_cast<std::uint32_t>(bits_))) : shortestText(toDouble());
+    text = trimmed(text);
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+')) {
+        text.remove_prefix(1);
+    }
+    if (text.size() > kMaxNumberLength) {
+        return std::nullopt;
+    }
+    std::string magnitude(text);
+    for (char& c : magnitude) {
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    std::optional<double> number;
+    if (magnitude == "nan") {
+        number = std::numeric_limits<double>::quiet_NaN();
+    } else if (magnitude == "inf" || magnitude == "infinity") {
+        number = std::numeric_limits<double>::infinity();
+    } else {
+        number = decimalFrom(magnitude);
+    }
+    return number ? std::optional(Real(negative ? -*number : *number)) : std::nullopt;
+}
+
+std::string textOf(double number)
+{
+    const bool negative = std::signbit(number);
+    if (std::isnan(number)) {
+        return negative ? "-nan" : "nan";
+    }
+    if (std::isinf(number)) {
+        return negative ? "-infinity" : "+infinity";
+    }
+    std::string text;
+    for (int digits = 15; digits <= 17 && realFrom(text) != Real(number); ++digits) {
+        std::ostringstream stream;
+        stream.imbue(std::locale::classic());
+        stream << std::setprecision(digits) << number;
+        text = stream.str();
+    }
+    return text;
 }
 
 // Dates
 
-Date::Date(double seconds) : seconds_(seconds) {}
-
-std::optional<Date> Date::fromText(std::string_view text)
+std::optional<double> secondsOfDate(std::string_view text)
 {
-    const auto seconds = secondsOf(text);
-    if (!seconds) {
+    text = trimmed(text);
+    const bool beforeYear0 = text.starts_with('-');
+    text.remove_prefix(beforeYear0 ? 1 : 0);
+    if (text.ends_with('Z')) {
+        text.remove_suffix(1);
+    }
+    constexpr std::string_view kMarks = "--T::";
+    std::array<unsigned, 6> fields = {0, 1, 1, 0, 0, 0}; // from the year to the second
+    std::size_t count = 0;
+    while (true) {
+        const auto result = std::from_chars(text.data(), text.data() + text.size(), fields[count]);
+        if (result.ec != std::errc()) {
+            return std::nullopt;
+        }
+        text.remove_prefix(static_cast<std::size_t>(result.ptr - text.data()));
+        if (++count == fields.size() || !text.starts_with(kMarks[count - 1])) {
+            break;
+        }
+        text.remove_prefix(1);
+    }
+    const bool hasFraction =
+        count == fields.size() && text.starts_with('.') && text.find_first_not_of("0123456789", 1) == text.npos;
+    const bool complete = text.empty() || (hasFraction && text.size() <= kMaxNumberLength);
+    const auto [year, month, day, hour, minute, second] = fields;
+    if (!complete || count < 3 || year > 32767 || month < 1 || month > 12 || day < 1 || day > 31) {
         return std::nullopt;
     }
-    Date date(*seconds);
-    date.text_ = std::make_shared<const std::string>(text);
-    return date;
+    const auto date = std::chrono::year(beforeYear0 ? -static_cast<int>(year) : static_cast<int>(year));
+    const seconds whole = sys_days(date / std::chrono::month(month) / std::chrono::day(day)) - k2001 + hours(hour) +
+                          minutes(minute) + seconds(second);
+    return static_cast<double>(whole.count()) + (hasFraction ? decimalFrom("0" + std::string(text)).value_or(0) : 0);
 }
 
-std::optional<std::string> Date::toText() const
+std::optional<std::string> dateOfSeconds(Real number)
 {
-    constexpr double kFirstSecond = -63113904000.0; // of year 1
-    constexpr double kEndSecond = 252423993600.0;   // of year 9999
-    if (text_) {
-        return *text_;
-    }
-    const bool inRange = seconds_ >= kFirstSecond && seconds_ < kEndSecond;
-    if (!inRange || std::floor(seconds_) != seconds_ || (seconds_ == 0 && std::signbit(seconds_))) {
+    const double count = number.toDouble();
+    if (!(std::abs(count) < 1e12)) { // far beyond what four digits of a year hold
         return std::nullopt;
     }
-    namespace chrono = std::chrono;
-    const auto sinceEpoch = static_cast<std::int64_t>(seconds_) + kDaysFrom1970To2001 * kSecondsPerDay;
-    const chrono::sys_seconds time{chrono::seconds(sinceEpoch)};
-    const auto midnight = chrono::floor<chrono::days>(time);
-    const chrono::year_month_day day(midnight);
-    const chrono::hh_mm_ss clock(time - midnight);
-    std::array<char, 32> buffer;
-    std::snprintf(buffer.data(), buffer.size(), "%04d-%02u-%02uT%02d:%02d:%02dZ", static_cast<int>(day.year()),
-                  static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day()),
-                  static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-                  static_cast<int>(clock.seconds().count()));
-    return std::string(buffer.data());
-}
-
-bool Date::operator==(const Date& other) const
-{
-    if (text_ && other.text_) {
-        return *text_ == *other.text_;
+    const sys_seconds moment = k2001 + seconds(static_cast<std::int64_t>(count));
+    const year_month_day date(floor<days>(moment));
+    const hh_mm_ss time(moment - floor<days>(moment));
+    if (date.year() < 1y || date.year() > 9999y) {
+        return std::nullopt;
     }
-    return !text_ && !other.text_ && Real(seconds_) == Real(other.seconds_);
+    std::array<char, 32> text;
+    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02dZ", static_cast<int>(date.year()),
+                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                  static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
+                  static_cast<int>(time.seconds().count()));
+    return Real(secondsOfDate(text.data()).value()) == number ? std::optional(text.data()) : std::nullopt;
 }
 
 // Dictionary
 
-Dictionary::Dictionary() = default;
-
-Dictionary::Dictionary(std::initializer_list<Entry> entries) : entries_(entries) {}
+Dictionary::Dictionary(std::initializer_list<Entry> list) : entries(list) {}
 
 const Value* Dictionary::find(std::string_view key) const
 {
-    const auto found = std::find_if(entries_.rbegin(), entries_.rend(), [&](const Entry& e) { return e.first == key; });
-    return found == entries_.rend() ? nullptr : &found->second;
-}
-
-Value* Dictionary::find(std::string_view key)
-{
-    return const_cast<Value*>(std::as_const(*this).find(key));
+    const auto found = std::find_if(entries.rbegin(), entries.rend(), [&](const Entry& e) { return e.first == key; });
+    return found == entries.rend() ? nullptr : &found->second;
 }
 
 void Dictionary::set(std::string key, Value value)
 {
     const auto isKey = [&](const Entry& entry) { return entry.first == key; };
-    const auto first = std::find_if(entries_.begin(), entries_.end(), isKey);
-    if (first == entries_.end()) {
-        append(std::move(key), std::move(value));
+    const auto first = std::find_if(entries.begin(), entries.end(), isKey);
+    if (first == entries.end()) {
+        entries.emplace_back(std::move(key), std::move(value));
         return;
     }
     first->second = std::move(value);
-    entries_.erase(std::remove_if(first + 1, entries_.end(), isKey), entries_.end());
+    entries.erase(std::remove_if(first + 1, entries.end(), isKey), entries.end());
 }
 
-void Dictionary::remove(std::string_view key)
-{
-    std::erase_if(entries_, [&](const Entry& entry) { return entry.first == key; });
-}
-
-void Dictionary::append(std::string key, Value value)
-{
-    entries_.emplace_back(std::move(key), std::move(value));
-}
-
-void Dictionary::reserve(std::size_t entries)
-{
-    entries_.reserve(entries);
-}
-std::size_t Dictionary::size() const
-{
-    return entries_.size();
-}
-bool Dictionary::empty() const
-{
-    return entries_.empty();
-}
-Dictionary::const_iterator Dictionary::begin() const
-{
-    return entries_.begin();
-}
-Dictionary::const_iterator Dictionary::end() const
-{
-    return entries_.end();
-}
-Dictionary::iterator Dictionary::begin()
-{
-    return entries_.begin();
-}
-Dictionary::iterator Dictionary::end()
-{
-    return entries_.end();
-}
-
-bool Dictionary::operator==(const Dictionary& other) const
-{
-    return entries_ == other.entries_;
-}
+bool Dictionary::operator==(const Dictionary& other) const = default;
 
 // Value
 
 std::string Value::describe() const
 {
-    struct Describe {
-        std::string operator()(Null) const { return "<null>"; }
-        std::string operator()(bool truth) const { return truth ? "1" : "0"; }
-        std::string operator()(Integer number) const { return number.toString(); }
-        std::string operator()(Real number) const { return number.toString(); }
-        std::string operator()(const std::string& text) const { return text; }
-        std::string operator()(const Data& data) const { return bracketed(data.bytes.size(), "bytes"); }
-        std::string operator()(const Date& date) const { return "<" + date.toText().value_or("date") + ">"; }
-        std::string operator()(Uid uid) const { return "<UID " + std::to_string(uid.number) + ">"; }
-        std::string operator()(const Array& array) const { return bracketed(array.size(), "values"); }
-        std::string operator()(const Dictionary& entries) const { return bracketed(entries.size(), "entries"); }
-    };
-    return std::visit(Describe(), storage_);
+    if (const bool* truth = std::get_if<bool>(&held)) {
+        return *truth ? "1" : "0";
+    }
+    if (const Integer* number = std::get_if<Integer>(&held)) {
+        return number->toString();
+    }
+    if (const Real* number = std::get_if<Real>(&held)) {
+        return textOf(number->toDouble());
+    }
+    const std::string* text = asString();
+    return text ? *text : "<value>";
 }
 
-bool Value::operator==(const Value& other) const
-{
-    return storage_ == other.storage_;
-}
+bool Value::operator==(const Value& other) const = default;
 
-// What the readers and writers share
+// Characters
 
 CodePoint codePointAt(std::string_view text, std::size_t at)
 {
+    constexpr std::array<char32_t, 5> kSmallest = {0, 0, 0x80, 0x800, 0x10000};
+    constexpr CodePoint kMalformed = {0xFFFD, 1, false};
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[at + i]); };
     const auto first = byte(0);
     if (first < 0x80) {
         return {first, 1, true};
     }
     const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-    constexpr std::array<char32_t, 5> kSmallest = {0, 0, 0x80, 0x800, 0x10000};
-    constexpr CodePoint kMalformed = {0xFFFD, 1, false};
     if (first < 0xC2 || first > 0xF4 || length > text.size() - at) {
         return kMalformed;
     }
@@ -325,20 +233,9 @@ CodePoint codePointAt(std::string_view text, std::size_t at)
     return value < kSmallest[length] || value > 0x10FFFF ? kMalformed : CodePoint{value, length, true};
 }
 
-std::size_t asciiLength(std::string_view text)
+bool isAscii(std::string_view text)
 {
-    constexpr std::uint64_t kHighBits = 0x8080808080808080;
-    std::size_t at = 0;
-    for (std::uint64_t eight = 0; at + 8 <= text.size(); at += 8) {
-        std::memcpy(&eight, text.data() + at, 8);
-        if (eight & kHighBits) {
-            break;
-        }
-    }
-    while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) {
-        ++at;
-    }
-    return at;
+    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 std::string_view trimmed(std::string_view text)
@@ -357,20 +254,13 @@ std::optional<Document> parse(std::string_view bytes)
     }
     const Form form = bytes.starts_with("bplist") ? Form::binary : Form::xml;
     std::optional<Value> root = form == Form::binary ? readBinary(bytes) : readXml(bytes);
-    if (!root) {
-        return std::nullopt;
-    }
-    return Document{std::move(*root), form};
+    return root ? std::optional(Document{std::move(*root), form}) : std::nullopt;
 }
 
 std::string write(const Document& document)
 {
-    if (document.form == Form::xml) {
-        if (auto bytes = writeXml(document.root)) {
-            return std::move(*bytes);
-        }
-    }
-    return writeBinary(document.root);
+    auto bytes = document.form == Form::xml ? writeXml(document.root) : std::nullopt;
+    return bytes ? std::move(*bytes) : writeBinary(document.root);
 }
 
 } // namespace platform::plist

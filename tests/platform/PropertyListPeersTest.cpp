@@ -1,7 +1,7 @@
 // Our property lists against other programs': plistlib makes documents and we read and rewrite them, we make documents
 // and plistlib reads them, and plistutil converts between our forms. Python runs twice, whatever the number of files.
 
-#include "platform/PropertyList.h"
+#include "platform/PropertyListCodec.h"
 
 #include <gtest/gtest.h>
 
@@ -41,7 +41,7 @@ std::string hexOfBits(double number)
 
 // The notation of plist_peer.py.
 struct Canon {
-    static std::string of(const Value& value) { return std::visit(Canon(), value.storage()); }
+    static std::string of(const Value& value) { return std::visit(Canon(), value.held); }
 
     std::string operator()(Null) const { return "n"; }
     std::string operator()(bool truth) const { return truth ? "t" : "f"; }
@@ -49,7 +49,8 @@ struct Canon {
     std::string operator()(Real number) const { return "r" + hexOfBits(number.toDouble()); }
     std::string operator()(const std::string& text) const { return "s" + hex(text); }
     std::string operator()(const Data& data) const { return "d" + hex(data.bytes); }
-    std::string operator()(const Date& date) const { return "D" + hexOfBits(date.seconds()); }
+    std::string operator()(DateSeconds date) const { return "D" + hexOfBits(date.seconds.toDouble()); }
+    std::string operator()(const DateText& date) const { return "D" + hexOfBits(secondsOfDate(date.text).value()); }
     std::string operator()(Uid uid) const { return "u" + std::to_string(uid.number); }
     std::string operator()(const Array& array) const
     {
@@ -62,7 +63,7 @@ struct Canon {
     std::string operator()(const Dictionary& dictionary) const
     {
         std::string text;
-        for (const auto& [key, value] : dictionary) {
+        for (const auto& [key, value] : dictionary.entries) {
             text += (text.empty() ? "" : ",") + of(key) + ":" + of(value);
         }
         return "{" + text + "}";
@@ -101,9 +102,9 @@ public:
     Value document()
     {
         Dictionary root;
-        root.append("leaf", leaf());
-        root.append("tree", value(3));
-        root.append("more", Array{value(2), value(2), value(2), value(1)});
+        root.set("leaf", leaf());
+        root.set("tree", value(3));
+        root.set("more", Array{value(2), value(2), value(2), value(1)});
         return root;
     }
 
@@ -132,7 +133,7 @@ private:
             return Real(number == number ? number : -0.0);
         }
         case 4: return Data{text() + text()};
-        case 5: return Date(static_cast<double>(below(300'000'000'000)) - 60'000'000'000);
+        case 5: return DateSeconds{Real(static_cast<double>(below(300'000'000'000)) - 60'000'000'000)};
         case 7: return Null();
         case 8: return Uid{random_() >> below(64)};
         case 9: return Real(static_cast<float>(below(1'000'000)) / 7);
