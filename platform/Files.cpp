@@ -165,7 +165,7 @@ Path partialName(const Path& path)
 {
     std::string name = path.filename().native();
     if (!name.empty())
-        name[0] = name[0] == '.' ? '~' : '.';
+        name[0] = name[0] == '~' ? '_' : '~';
     return path.parent_path() / name;
 }
 

@@ -59,8 +59,8 @@ bool writeAtomically(const Path& path, std::string_view bytes, std::optional<std
 /// Copies a regular file's content and permission bits, written as `writeAtomically` does; replaces what stands there.
 bool copy(const Path& from, const Path& to);
 
-/// The temporary name a write to `path` uses: its own name, hidden, and no longer, so that where a path could be read
-/// and deleted it can be written again. Always the same for one path, so that a later write clears what a killed
+/// The temporary name a write to `path` uses: its own name but for the first character, so that where a path could be
+/// read and deleted it can be written again. Always the same for one path, so that a later write clears what a killed
 /// process left.
 Path partialName(const Path& path);
 

@@ -106,7 +106,8 @@ private:
 
     void readNames(int folder)
     {
-        DIR* stream = ::fdopendir(::dup(folder));
+        const int copy = ::fcntl(folder, F_DUPFD_CLOEXEC, 0); // the stream closes what it reads from
+        DIR* stream = copy < 0 ? nullptr : ::fdopendir(copy);
         if (!stream) {
             handlers_.unreadable(path_, reasonFor(errno));
             return;

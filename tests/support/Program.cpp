@@ -1,7 +1,6 @@
 #include "tests/support/Program.h"
 
-#include "community/CommunityState.h"
-#include "mapping/EditingState.h"
+#include "tests/support/FreshState.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -25,11 +24,7 @@ std::vector<std::string> RecordedLog::linesWith(std::string_view beginning) cons
 
 Program::Program(platform::qt::CurlHttp::Limits limits) : http(gate, limits)
 {
-    mapping::plistBuild.clear();
-    mapping::totalPages = 1;
-    mapping::curPage = 1;
-    mapping::plugin_Mode = 0;
-    community::loggedInAs = community::kNobody;
+    test::startAnew();
 }
 
 void Program::start()

@@ -1,8 +1,7 @@
 #include "tests/support/WindowTest.h"
 
-#include "chart/ChartState.h"
-#include "mapping/EditingState.h"
 #include "platform/qt/Text.h"
+#include "tests/support/FreshState.h"
 
 #include <QAbstractButton>
 #include <QTest>
@@ -30,8 +29,8 @@ WindowTest::WindowTest()
     ::setenv("XDG_DATA_HOME", (home_ / "data").c_str(), 1);
     logDescriptor_ = ::open(logFile_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
     log_ = std::make_unique<platform::StreamLog>(logDescriptor_);
-    platform_ = std::make_unique<platform::Platform>(platform::Platform{
-        alerts_, workspace_, folders_, *log_, http_, preferences_, json_});
+    platform_ = std::make_unique<platform::Platform>(
+        platform::Platform{alerts_, workspace_, folders_, *log_, http_, preferences_, json_});
 }
 
 WindowTest::~WindowTest()
@@ -45,11 +44,7 @@ void WindowTest::tearDown()
 {
     interface_.reset();
     controller_.reset();
-    mapping::plistBuild.clear();
-    mapping::totalPages = 1;
-    mapping::curPage = 1;
-    mapping::plugin_Mode = 0;
-    chart::bHTML.clear();
+    startAnew();
 }
 
 Path WindowTest::builtIn(const std::string& plugin) const

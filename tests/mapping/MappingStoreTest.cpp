@@ -1,0 +1,511 @@
+#include "mapping/MappingStore.h"
+
+#include "mapping/ParameterOrder.h"
+#include "platform/Files.h"
+#include "tests/support/OrderFiles.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <ctime>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <sys/stat.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+namespace plist = platform::plist;
+using namespace mapping;
+using test::Path;
+using test::read;
+using test::Texts;
+using test::write;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr double kNoWait = 20.0; // as slow as it makes everything
+#else
+constexpr double kNoWait = 4.0; // what is quadratic takes minutes
+#endif
+
+const char kHead[] = R"(<?xml version="1.0" encoding="UTF-8"?>
+<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
+<plist version="1.0">
+)";
+
+class MappingStore : public testing::Test {
+protected:
+    /// Names in the folder of the file.
+    std::set<std::string> names() const
+    {
+        std::set<std::string> found;
+        for (const auto& entry : fs::directory_iterator(folder_.path()))
+            found.insert(entry.path().filename().native());
+        return found;
+    }
+
+    static void save(const Path& file, const Texts& order, std::int32_t mode = 0)
+    {
+        saveMapping(file, mappingOf(order), mode);
+    }
+
+    test::TemporaryFolder folder_;
+    const Path file_ = folder_ / "CSParameterOrder.plist";
+    const Path original_ = folder_ / "CSParameterOrder.plist.original";
+    const Path previous_ = folder_ / "CSParameterOrder.plist.prev";
+};
+
+TEST_F(MappingStore, BackupsStandBesideTheFile)
+{
+    EXPECT_EQ(backupPath(file_, "original"), original_);
+    EXPECT_EQ(backupPath(file_, "prev"), previous_);
+    EXPECT_EQ(backupPath("/a b/caf\xE9.x/file", "prev").native(), "/a b/caf\xE9.x/file.prev");
+}
+
+// Marking
+
+TEST_F(MappingStore, MarkingAddsTheCatalogueToTheByte)
+{
+    write(file_, std::string(kHead) + R"(<dict>
+	<key>ControlSurfaceParameterOrder</key>
+	<array>
+		<string>12 Cutoff Freq</string>
+		<string>-1</string>
+		<string>7 R&amp;D</string>
+		<string>12 Cutoff Freq</string>
+	</array>
+	<key>Version</key>
+	<integer>2</integer>
+</dict>
+</plist>
+)");
+    markFile(file_);
+    EXPECT_EQ(read(file_), std::string(kHead) + R"(<dict>
+	<key>ControlSurfaceParameterOrder</key>
+	<array>
+		<string>12 Cutoff Freq</string>
+		<string>-1</string>
+		<string>7 R&amp;D</string>
+		<string>12 Cutoff Freq</string>
+	</array>
+	<key>Version</key>
+	<integer>2</integer>
+	<key>KorvelCSUnique</key>
+	<array>
+		<string>-1</string>
+		<string>12 Cutoff Freq</string>
+		<string>7 R&amp;D</string>
+	</array>
+</dict>
+</plist>
+)");
+    EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist"));
+}
+
+TEST_F(MappingStore, AMarkedFileIsNeverTouchedAgain)
+{
+    // Not as we would write it, so that any rewriting would be seen.
+    const std::string bytes =
+        "<plist><dict><key>KorvelCSUnique</key><array><string>1 Old</string></array>"
+        "<key>ControlSurfaceParameterOrder</key><array><string>2 New</string></array></dict></plist>";
+    write(file_, bytes);
+    struct stat before = {};
+    ::stat(file_.c_str(), &before);
+    markFile(file_);
+    struct stat after = {};
+    ::stat(file_.c_str(), &after);
+    EXPECT_EQ(read(file_), bytes);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+}
+
+TEST_F(MappingStore, TheCatalogueStaysAfterASaveWithFewerParameters)
+{
+    test::writeDictionary(file_, test::orderFile({"1 A", "2 B", "3 C"}));
+    markFile(file_);
+    save(file_, {"2 B"});
+    markFile(file_);
+    EXPECT_THAT(test::textsAt(file_, test::kCatalogue), ElementsAre("-1", "1 A", "2 B", "3 C"));
+    Texts order(8, "-1");
+    order.front() = "2 B";
+    EXPECT_EQ(test::textsAt(file_, test::kOrder), order);
+}
+
+TEST_F(MappingStore, AnEmptyCatalogueIsMadeAnew)
+{
+    plist::Dictionary file = test::orderFile({"1 A"});
+    file.set(test::kCatalogue, plist::Array{});
+    test::writeDictionary(file_, file);
+    markFile(file_);
+    EXPECT_THAT(test::textsAt(file_, test::kCatalogue), ElementsAre("-1", "1 A"));
+}
+
+TEST_F(MappingStore, AFileWithoutAnOrderGetsACatalogueOfMinusOneAlone)
+{
+    test::writeDictionary(file_, {{"Version", plist::Integer(1)}});
+    markFile(file_);
+    EXPECT_EQ(test::readDictionary(file_),
+              (plist::Dictionary{{"Version", plist::Integer(1)}, {"KorvelCSUnique", plist::Array{"-1"}}}));
+}
+
+TEST_F(MappingStore, MarkingAFileThatCannotBeReadDeletesIt)
+{
+    const plist::Value array(plist::Array{"1 A"});
+    for (const std::string& bytes :
+         {std::string("no property list"), std::string(), plist::write({array, plist::Form::xml}),
+          std::string("<plist><dict><key>"), std::string("bplist00")}) {
+        write(file_, bytes);
+        markFile(file_);
+        EXPECT_THAT(names(), IsEmpty()) << bytes;
+    }
+}
+
+TEST_F(MappingStore, MarkingAMissingFileMakesNone)
+{
+    markFile(file_);
+    markFile(folder_ / "missing folder/CSParameterOrder.plist");
+    markFile("");
+    EXPECT_THAT(names(), IsEmpty());
+}
+
+TEST_F(MappingStore, MarkingKeepsTheFormAndThePermissionsOfTheFile)
+{
+    test::writeDictionary(file_, test::orderFile({"1 A"}), plist::Form::binary);
+    fs::permissions(file_, fs::perms(0640));
+    markFile(file_);
+    EXPECT_EQ(read(file_).substr(0, 8), "bplist00");
+    EXPECT_EQ(fs::status(file_).permissions(), fs::perms(0640));
+    EXPECT_THAT(test::textsAt(file_, test::kCatalogue), ElementsAre("-1", "1 A"));
+}
+
+// Reading
+
+TEST_F(MappingStore, ReadsAFileInEitherForm)
+{
+    for (const plist::Form form : {plist::Form::xml, plist::Form::binary}) {
+        plist::Dictionary file = test::orderFile(test::numbered(9));
+        file.set(test::kMode, plist::Array{"1"});
+        test::writeDictionary(file_, file, form);
+        const LoadedMapping loaded = readMapping(file_, std::nullopt);
+        EXPECT_EQ(loaded.entries, mappingOf(test::numbered(9)));
+        EXPECT_EQ(loaded.totalPages, 2);
+        EXPECT_EQ(loaded.mode, 1);
+        EXPECT_EQ(readMapping(file_, 0).mode, 0);
+    }
+}
+
+TEST_F(MappingStore, AFileThatCannotBeReadReadsAsAnEmptyOneAndStays)
+{
+    for (const char* bytes : {"no property list", "", "<plist><array><string>1 A</string></array></plist>"}) {
+        write(file_, bytes);
+        const LoadedMapping loaded = readMapping(file_, std::nullopt);
+        EXPECT_EQ(orderOf(loaded.entries), Texts(8, "-1"));
+        EXPECT_THAT(loaded.parameters, ElementsAre(emptyEntry(0, 0)));
+        EXPECT_EQ(loaded.totalPages, 1);
+        EXPECT_EQ(loaded.mode, 0);
+        EXPECT_EQ(readMapping(file_, 1).mode, 1);
+        EXPECT_EQ(read(file_), bytes);
+    }
+    for (const Path& path : {folder_ / "missing", folder_.path(), Path()})
+        EXPECT_EQ(orderOf(readMapping(path, std::nullopt).entries), Texts(8, "-1"));
+    EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist"));
+}
+
+// Saving
+
+TEST_F(MappingStore, ASaveIsToTheByte)
+{
+    write(file_, std::string(kHead) + R"(<dict>
+	<key>Comment</key>
+	<string>R&amp;D &lt;b&gt; Écho</string>
+	<key>ControlSurfaceParameterOrder</key>
+	<array>
+		<string>1 Old</string>
+	</array>
+	<key>KorvelCSUnique</key>
+	<array>
+		<string>-1</string>
+		<string>1 Old</string>
+		<string>3 Osc 1 Level</string>
+	</array>
+	<key>Made</key>
+	<date>2014-05-06T07:08:09Z</date>
+	<key>Version</key>
+	<real>1.5</real>
+</dict>
+</plist>
+)");
+    save(file_, {"3 Osc 1 Level", "-1", "7 A & <b> 'c'"}, 1);
+    EXPECT_EQ(read(file_), std::string(kHead) + R"(<dict>
+	<key>Comment</key>
+	<string>R&amp;D &lt;b&gt; Écho</string>
+	<key>ControlSurfaceParameterOrder</key>
+	<array>
+		<string>3 Osc 1 Level</string>
+		<string>-1</string>
+		<string>7 A &amp; &lt;b&gt; 'c'</string>
+		<string>-1</string>
+		<string>-1</string>
+		<string>-1</string>
+		<string>-1</string>
+		<string>-1</string>
+	</array>
+	<key>KorvelCSUnique</key>
+	<array>
+		<string>-1</string>
+		<string>1 Old</string>
+		<string>3 Osc 1 Level</string>
+	</array>
+	<key>Made</key>
+	<date>2014-05-06T07:08:09Z</date>
+	<key>Version</key>
+	<real>1.5</real>
+	<key>KorvelCSMode</key>
+	<array>
+		<string>1</string>
+	</array>
+</dict>
+</plist>
+)");
+}
+
+TEST_F(MappingStore, TwoPagesWithOneParameterSaveAsSixteenElements)
+{
+    test::writeDictionary(file_, test::orderFile({}));
+    auto entries = mappingOf({"4 Drive"});
+    for (std::int32_t position = 8; position < 16; ++position)
+        entries.push_back(emptyEntry(2, position));
+    saveMapping(file_, entries, 0);
+    Texts expected(16, "-1");
+    expected.front() = "4 Drive";
+    EXPECT_EQ(test::textsAt(file_, test::kOrder), expected);
+    EXPECT_THAT(test::textsAt(file_, test::kMode), ElementsAre("0"));
+}
+
+TEST_F(MappingStore, TheFirstSaveMakesBothBackupsOfTheFileAsItStood)
+{
+    const std::string before = "<plist><dict><key>Odd</key><string>layout</string></dict></plist>  ";
+    write(file_, before);
+    save(file_, {"1 A"});
+    EXPECT_EQ(read(original_), before);
+    EXPECT_EQ(read(previous_), before);
+    EXPECT_NE(read(file_), before);
+    EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist", "CSParameterOrder.plist.original",
+                                              "CSParameterOrder.plist.prev"));
+}
+
+TEST_F(MappingStore, TheSecondSaveLeavesTheOriginalAndReplacesThePrevious)
+{
+    test::writeDictionary(file_, test::orderFile({"1 A"}));
+    const std::string start = read(file_);
+    save(file_, {"2 B"});
+    const std::string first = read(file_);
+    save(file_, {"3 C"});
+    EXPECT_EQ(read(original_), start);
+    EXPECT_EQ(read(previous_), first);
+    EXPECT_EQ(test::textsAt(file_, test::kOrder).front(), "3 C");
+    const std::string second = read(file_);
+    save(file_, {"4 D"});
+    EXPECT_EQ(read(original_), start);
+    EXPECT_EQ(read(previous_), second);
+}
+
+TEST_F(MappingStore, AnOriginalThatIsThereAlreadyIsKept)
+{
+    test::writeDictionary(file_, test::orderFile({"1 A"}));
+    write(original_, "somebody's own");
+    save(file_, {"2 B"});
+    EXPECT_EQ(read(original_), "somebody's own");
+}
+
+TEST_F(MappingStore, UnknownKeysAreKeptInTheirOrderInEitherForm)
+{
+    for (const plist::Form form : {plist::Form::xml, plist::Form::binary}) {
+        plist::Dictionary file;
+        file.set("zebra", plist::Integer(-5));
+        file.set("ControlSurfaceParameterOrder", plist::Array{"1 A"});
+        file.set("apple",
+                 plist::Array{true, false, plist::Dictionary{{"b", ""}, {"a", plist::Data{std::string("\0\xff", 2)}}}});
+        file.set("KorvelCSMode", plist::Array{"0"});
+        file.set("", plist::Real(0.1));
+        if (form == plist::Form::binary)
+            file.set("reference", plist::Uid{7}); // XML has none
+        test::writeDictionary(file_, file, form);
+        save(file_, {"2 B"}, 1);
+        plist::Dictionary expected = file;
+        Texts order(8, "-1");
+        order.front() = "2 B";
+        expected.set("ControlSurfaceParameterOrder", plist::Array(order.begin(), order.end()));
+        expected.set("KorvelCSMode", plist::Array{"1"});
+        EXPECT_EQ(test::readDictionary(file_), expected);
+        EXPECT_EQ(read(file_).starts_with("bplist00"), form == plist::Form::binary);
+    }
+}
+
+TEST_F(MappingStore, SavingTwiceWritesTheSameBytes)
+{
+    for (const plist::Form form : {plist::Form::xml, plist::Form::binary}) {
+        test::writeDictionary(file_, test::orderFile({"1 A"}), form);
+        save(file_, {"2 B"});
+        const std::string first = read(file_);
+        save(file_, {"2 B"});
+        EXPECT_EQ(read(file_), first);
+        EXPECT_EQ(read(previous_), first);
+    }
+}
+
+TEST_F(MappingStore, AFileThatCannotBeReadIsBackedUpThenDeleted)
+{
+    write(file_, "no property list");
+    save(file_, {"1 A"});
+    EXPECT_EQ(read(original_), "no property list");
+    EXPECT_EQ(read(previous_), "no property list");
+    EXPECT_FALSE(fs::exists(file_));
+}
+
+TEST_F(MappingStore, SavingAMissingFileMakesNone)
+{
+    save(file_, {"1 A"});
+    EXPECT_THAT(names(), IsEmpty());
+}
+
+TEST_F(MappingStore, SavingAMissingFileTakesThePreviousBackupAway)
+{
+    write(original_, "the original");
+    write(previous_, "the one before");
+    save(file_, {"1 A"});
+    EXPECT_EQ(read(original_), "the original");
+    EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist.original"));
+}
+
+TEST_F(MappingStore, SavingKeepsThePermissionsOfTheFileInItAndInItsBackups)
+{
+    for (const unsigned mode : {0644u, 0600u, 0664u, 0755u}) {
+        test::writeDictionary(file_, test::orderFile({"1 A"}));
+        fs::permissions(file_, fs::perms(mode));
+        save(file_, {"2 B"});
+        for (const Path& path : {file_, original_, previous_})
+            EXPECT_EQ(fs::status(path).permissions(), fs::perms(mode)) << path;
+        fs::remove(original_);
+    }
+}
+
+TEST_F(MappingStore, SavingThroughALinkReplacesTheLinkAndLeavesItsTarget)
+{
+    test::writeDictionary(folder_ / "target", test::orderFile({"1 A"}));
+    const std::string before = read(folder_ / "target");
+    fs::create_symlink("target", file_);
+    save(file_, {"2 B"});
+    EXPECT_EQ(read(folder_ / "target"), before);
+    EXPECT_FALSE(fs::is_symlink(file_));
+    EXPECT_EQ(test::textsAt(file_, test::kOrder).front(), "2 B");
+    EXPECT_EQ(read(previous_), before);
+}
+
+TEST_F(MappingStore, SavesBelowFoldersOfAnyName)
+{
+    for (const char* name : {"caf\xE9\xFF", "Brindle <b> & Co", "a#b?c%20d",
+                             "\xC3\x89"
+                             "cho d\xE2\x80\x99\xC3\xA9t\xC3\xA9",
+                             " "}) {
+        const Path file = folder_ / name / "CSParameterOrder.plist";
+        test::writeDictionary(file, test::orderFile({"1 A"}));
+        save(file, {"2 B"});
+        EXPECT_EQ(test::textsAt(file, test::kOrder).front(), "2 B");
+        EXPECT_TRUE(fs::exists(backupPath(file, "original")));
+        EXPECT_TRUE(fs::exists(backupPath(file, "prev")));
+    }
+}
+
+TEST_F(MappingStore, NoWriteLeavesItsPartialFileBehind)
+{
+    write(platform::files::partialName(file_), "of a killed run");
+    test::writeDictionary(file_, test::orderFile({"1 A"}));
+    markFile(file_);
+    save(file_, {"2 B"});
+    recallBackup(file_, "prev");
+    EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist", "CSParameterOrder.plist.original",
+                                              "CSParameterOrder.plist.prev"));
+}
+
+TEST_F(MappingStore, AHundredThousandElementsAreNoWait)
+{
+    const Texts order = test::numbered(100'000);
+    for (const plist::Form form : {plist::Form::xml, plist::Form::binary}) {
+        test::writeDictionary(file_, test::orderFile(order), form);
+        const std::clock_t start = std::clock();
+        markFile(file_);
+        const LoadedMapping loaded = readMapping(file_, std::nullopt);
+        saveMapping(file_, loaded.entries, loaded.mode);
+        const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+        EXPECT_EQ(loaded.parameters.size(), 100'001u);
+        EXPECT_TRUE(test::textsAt(file_, test::kOrder) == order);
+        EXPECT_LT(seconds, kNoWait);
+    }
+}
+
+// Recall
+
+TEST_F(MappingStore, RecallPutsEitherBackupInPlaceAndKeepsIt)
+{
+    test::writeDictionary(file_, test::orderFile({"1 A"}));
+    const std::string start = read(file_);
+    save(file_, {"2 B"});
+    const std::string first = read(file_);
+    save(file_, {"3 C"});
+    EXPECT_TRUE(recallBackup(file_, "prev"));
+    EXPECT_EQ(read(file_), first);
+    EXPECT_EQ(read(previous_), first);
+    EXPECT_TRUE(recallBackup(file_, "original"));
+    EXPECT_EQ(read(file_), start);
+    EXPECT_EQ(read(original_), start);
+    EXPECT_EQ(read(previous_), first);
+}
+
+TEST_F(MappingStore, RecallingThePreviousAndSavingMovesTheRecalledStateThere)
+{
+    test::writeDictionary(file_, test::orderFile({"1 A"}));
+    save(file_, {"2 B"});
+    const std::string first = read(file_);
+    save(file_, {"3 C"});
+    recallBackup(file_, "prev");
+    save(file_, {"4 D"});
+    EXPECT_EQ(read(previous_), first);
+    EXPECT_EQ(test::textsAt(file_, test::kOrder).front(), "4 D");
+}
+
+TEST_F(MappingStore, RecallBeforeAnySaveChangesNothing)
+{
+    write(file_, "whatever it holds");
+    for (const char* suffix : {"original", "prev"}) {
+        EXPECT_FALSE(recallBackup(file_, suffix));
+        EXPECT_EQ(read(file_), "whatever it holds");
+    }
+    EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist"));
+}
+
+TEST_F(MappingStore, RecallBringsBackAMissingFile)
+{
+    test::writeDictionary(file_, test::orderFile({"1 A"}));
+    const std::string start = read(file_);
+    save(file_, {"2 B"});
+    fs::remove(file_);
+    EXPECT_TRUE(recallBackup(file_, "original"));
+    EXPECT_EQ(read(file_), start);
+}
+
+TEST_F(MappingStore, RecallBringsBackThePermissionsOfTheBackup)
+{
+    test::writeDictionary(file_, test::orderFile({"1 A"}));
+    fs::permissions(file_, fs::perms(0640));
+    save(file_, {"2 B"});
+    fs::permissions(file_, fs::perms(0600));
+    recallBackup(file_, "original");
+    EXPECT_EQ(fs::status(file_).permissions(), fs::perms(0640));
+}
+
+} // namespace

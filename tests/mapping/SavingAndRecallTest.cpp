@@ -1,0 +1,128 @@
+#include "tests/panel/WindowlessTest.h"
+
+namespace {
+
+using test::AlertTexts;
+using test::Path;
+using test::read;
+using test::Texts;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class SavingAndRecall : public test::WindowlessTest {
+protected:
+    const AlertTexts noBackup_ = {"Recall file does not exist",
+                                  "Please Note: Original, and Previous backup files will only exist once a mapping has "
+                                  "been saved, simply reselect "
+                                  "plugin on left menu to reload the default file again."};
+    const AlertTexts recalled_ = {"Recalled mapping has been applied", "Now saved as this plugins default"};
+
+    static AlertTexts savedTo(const Path& file)
+    {
+        return {"New Mapping has been saved",
+                "Please remember to close and re-open plugin within Logic so that changes are updated\n\n\nBackup of "
+                "previous plist file has been saved here:\n\n" +
+                    file.native() + ".prev"};
+    }
+};
+
+TEST_F(SavingAndRecall, ASaveTellsWhereThePreviousFileWent)
+{
+    const Path file = edit({"1 A"});
+    controller_.kvExportToPlist();
+    EXPECT_THAT(alerts_, ElementsAre(savedTo(file)));
+}
+
+TEST_F(SavingAndRecall, ASaveTellsOfSuccessEvenWhereTheFileIsGone)
+{
+    const Path file = edit({"1 A"});
+    std::filesystem::remove(file);
+    controller_.kvExportToPlist();
+    EXPECT_THAT(alerts_, ElementsAre(savedTo(file)));
+    EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+TEST_F(SavingAndRecall, SavingBeforeAnyPluginIsLoadedDoesNothing)
+{
+    controller_.kvExportToPlist();
+    EXPECT_THAT(alerts_, IsEmpty());
+}
+
+TEST_F(SavingAndRecall, TheFirstSaveBacksUpTheMarkedFile)
+{
+    const Path file = edit({"1 A", "2 B", "1 A"});
+    const std::string marked = read(file);
+    EXPECT_THAT(test::textsAt(file, test::kCatalogue), ElementsAre("-1", "1 A", "2 B"));
+    controller_.kvExportToPlist();
+    EXPECT_EQ(read(file.native() + ".original"), marked);
+    EXPECT_EQ(read(file.native() + ".prev"), marked);
+}
+
+TEST_F(SavingAndRecall, AModeThatWasSavedIsTheOneThePluginOpensIn)
+{
+    const Path file = edit({"1 Cutoff"});
+    ASSERT_EQ(mapping::plugin_Mode, 0);
+    controller_.kvPluginMode()->selectCell(0);
+    controller_.kvPluginMode_Changed(controller_.kvPluginMode());
+    controller_.kvExportToPlist();
+    EXPECT_THAT(test::textsAt(file, test::kMode), ElementsAre("1"));
+    mapping::plugin_Mode = 0;
+    select("EQ One");
+    EXPECT_EQ(mapping::plugin_Mode, 1);
+    EXPECT_EQ(controller_.kvPluginMode()->selectedTag.get(), 1);
+}
+
+TEST_F(SavingAndRecall, SelectingAgainLeavesTheCatalogueAfterASaveWithFewerParameters)
+{
+    const Path file = edit({"1 A", "2 B"});
+    controller_.clearAllPages();
+    controller_.kvExportToPlist();
+    select("EQ One");
+    EXPECT_THAT(test::textsAt(file, test::kCatalogue), ElementsAre("-1", "1 A", "2 B"));
+    EXPECT_EQ(controller_.arrayControllerPlistSelected()->arrangedCount(), 3);
+    EXPECT_EQ(order(), Texts(8, "-1"));
+}
+
+TEST_F(SavingAndRecall, RecallBeforeAnySaveSaysSoAndLeavesTheFile)
+{
+    const Path file = edit({"1 A"});
+    const std::string before = read(file);
+    controller_.kvRecallPreviousMapping();
+    controller_.kvRecallOriginalMapping();
+    EXPECT_THAT(alerts_, ElementsAre(noBackup_, noBackup_));
+    EXPECT_EQ(read(file), before);
+}
+
+TEST_F(SavingAndRecall, RecallLoadsTheBackupAndShowsItsFirstPage)
+{
+    const Path file = edit(test::numbered(9));
+    const std::string marked = read(file);
+    controller_.clearAllPages();
+    controller_.addControlsPage();
+    controller_.kvExportToPlist();
+    alerts_.clear();
+    controller_.kvRecallOriginalMapping();
+    EXPECT_THAT(alerts_, ElementsAre(recalled_));
+    EXPECT_EQ(read(file), marked);
+    EXPECT_THAT(readOuts(), ElementsAre("Page 1 of 2", "2 Pages"));
+    EXPECT_EQ(pots().front(), "Knob 1");
+    EXPECT_EQ(selectedParameter(), 0);
+}
+
+TEST_F(SavingAndRecall, RecallOfThePreviousTakesBackTheLatestSaveOnly)
+{
+    const Path file = edit({"1 A", "2 B"});
+    selectParameter(2);
+    controller_.kvRotBtn1_Pressed();
+    controller_.kvExportToPlist();
+    selectParameter(0);
+    controller_.kvRotBtn1_Pressed();
+    controller_.kvExportToPlist();
+    controller_.kvRecallPreviousMapping();
+    EXPECT_THAT(pots(), ElementsAre("B", "B", "-", "-", "-", "-", "-", "-"));
+    EXPECT_EQ(test::textsAt(file, test::kOrder).front(), "2 B");
+    controller_.kvRecallOriginalMapping();
+    EXPECT_THAT(pots(), ElementsAre("A", "B", "-", "-", "-", "-", "-", "-"));
+}
+
+} // namespace

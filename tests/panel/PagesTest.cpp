@@ -1,0 +1,115 @@
+#include "panel/Pages.h"
+
+#include "mapping/ParameterOrder.h"
+#include "tests/support/OrderFiles.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace {
+
+using mapping::emptyEntry;
+using mapping::mappingOf;
+using panel::Entries;
+using platform::Record;
+using test::numbered;
+
+Record entry(const std::string& number, const std::string& name, std::int32_t page, std::int32_t controlNo)
+{
+    return {{"ParamNum", number}, {"Parameter", name}, {"KorvelPage", page}, {"KorvelControlNo", controlNo}};
+}
+
+TEST(Pages, SlotsAreCountedFromNoughtEightToAPage)
+{
+    struct Row {
+        std::int32_t page;
+        std::int32_t pot;
+        std::int32_t slot;
+    };
+    for (const Row& row : {Row{1, 0, 0}, Row{1, 7, 7}, Row{2, 0, 8}, Row{2, 3, 11}, Row{3, 0, 16}, Row{3, 7, 23},
+                           Row{12'500, 7, 99'999}}) {
+        EXPECT_EQ(panel::slotFor(row.page, row.pot), row.slot);
+        EXPECT_EQ(panel::firstSlotOf(row.page), row.slot - row.pot);
+    }
+}
+
+TEST(Pages, ReadOutsCountPages)
+{
+    struct Row {
+        std::int32_t page;
+        std::int32_t total;
+        const char* pageReadOut;
+        const char* totalReadOut;
+    };
+    for (const Row& row :
+         {Row{1, 1, "Page 1 of 1", "1 Page"}, Row{1, 2, "Page 1 of 2", "2 Pages"}, Row{2, 3, "Page 2 of 3", "3 Pages"},
+          Row{12, 12'500, "Page 12 of 12500", "12500 Pages"}, Row{1, 0, "Page 1 of 0", "0 Page"}}) {
+        EXPECT_EQ(panel::pageReadOut(row.page, row.total), row.pageReadOut);
+        EXPECT_EQ(panel::totalReadOut(row.total), row.totalReadOut);
+    }
+}
+
+TEST(Pages, AnAppendedPageCarriesItsNumberAndGoesOnCounting)
+{
+    Entries entries = mappingOf(numbered(16));
+    const Entries before = entries;
+    panel::appendPage(entries, 3);
+    ASSERT_EQ(entries.size(), 24u);
+    EXPECT_EQ(Entries(entries.begin(), entries.begin() + 16), before);
+    for (std::size_t position = 16; position < 24; ++position)
+        EXPECT_EQ(entries[position], emptyEntry(3, static_cast<std::int32_t>(position)));
+}
+
+TEST(Pages, RemovingAPageMovesLaterEntriesForwardAsTheyAre)
+{
+    const Entries all = mappingOf(numbered(24));
+    for (const std::int32_t page : {1, 2, 3}) {
+        Entries entries = all;
+        panel::removePage(entries, page);
+        Entries expected(all.begin(), all.begin() + (page - 1) * 8);
+        expected.insert(expected.end(), all.begin() + page * 8, all.end());
+        EXPECT_EQ(entries, expected) << page;
+    }
+}
+
+TEST(Pages, ClearingEmptiesTheFirstPageAndKeepsTheEntriesBehindIt)
+{
+    Entries entries = mappingOf(numbered(24));
+    entries[2] = entry("3", "Moved here", 9, 77); // a slot keeps its own page and position, whatever they are
+    const Entries before = entries;
+    panel::clearFirstPage(entries);
+    ASSERT_EQ(entries.size(), 24u);
+    for (std::size_t position = 0; position < 8; ++position) {
+        const auto number = static_cast<std::int32_t>(position);
+        EXPECT_EQ(entries[position], position == 2 ? emptyEntry(9, 77) : emptyEntry(1, number));
+    }
+    EXPECT_EQ(Entries(entries.begin() + 8, entries.end()), Entries(before.begin() + 8, before.end()));
+}
+
+TEST(Pages, AppendingAfterAClearGoesBehindWhatTheClearLeft)
+{
+    Entries entries = mappingOf(numbered(24));
+    panel::clearFirstPage(entries);
+    panel::appendPage(entries, 2);
+    ASSERT_EQ(entries.size(), 32u);
+    EXPECT_EQ(entries[8], entry("9", "Knob 9", 2, 8));
+    for (std::size_t position = 24; position < 32; ++position)
+        EXPECT_EQ(entries[position], emptyEntry(2, static_cast<std::int32_t>(position)));
+}
+
+TEST(SlotContent, IsNumberAndNameAndLeavesTheSlotsPlace)
+{
+    Record slot = entry("1", "A", 1, 3);
+    const Record other = entry("12", "Cutoff Freq", 2, 11);
+    const auto content = panel::contentOf(other);
+    EXPECT_EQ(content.number, "12");
+    EXPECT_EQ(content.name, "Cutoff Freq");
+    panel::setContent(slot, content);
+    EXPECT_EQ(slot, entry("12", "Cutoff Freq", 1, 3));
+}
+
+} // namespace

@@ -1,0 +1,90 @@
+// What the panel shows of the mapping.
+
+#include "tests/panel/WindowlessTest.h"
+
+namespace {
+
+using test::numbered;
+using test::Texts;
+using testing::ElementsAre;
+
+class Panel : public test::WindowlessTest {
+protected:
+    int chartRows() const
+    {
+        int rows = 0;
+        for (std::size_t at = 0; (at = chart::bHTML.find(" Encoders</th>", at)) != std::string::npos; ++at)
+            ++rows;
+        return rows;
+    }
+};
+
+TEST_F(Panel, OfAOnePageMappingShowsPageOneOfOne)
+{
+    edit(numbered(3));
+    EXPECT_THAT(readOuts(), ElementsAre("Page 1 of 1", "1 Page"));
+}
+
+TEST_F(Panel, OfAThreePageMappingOnPageTwoShowsPageTwoOfThree)
+{
+    edit(numbered(17));
+    controller_.populateKnobLabels(2);
+    EXPECT_THAT(readOuts(), ElementsAre("Page 2 of 3", "3 Pages"));
+    EXPECT_EQ(mapping::curPage, 2);
+}
+
+TEST_F(Panel, ShowsTheEightEntriesOfItsPage)
+{
+    edit(numbered(17));
+    controller_.populateKnobLabels(2);
+    EXPECT_THAT(pots(),
+                ElementsAre("Knob 9", "Knob 10", "Knob 11", "Knob 12", "Knob 13", "Knob 14", "Knob 15", "Knob 16"));
+    controller_.populateKnobLabels(3);
+    EXPECT_THAT(pots(), ElementsAre("Knob 17", "-", "-", "-", "-", "-", "-", "-"));
+}
+
+TEST_F(Panel, AToolTipHoldsTheSameTextAsItsLabel)
+{
+    edit({"1 Osc <b>1</b> & Co", "-1"});
+    EXPECT_EQ(controller_.kvControl1()->stringValue.get(), "Osc <b>1</b> & Co");
+    EXPECT_EQ(controller_.kvControl1()->toolTip.get(), "Osc <b>1</b> & Co");
+    EXPECT_EQ(controller_.kvControl2()->stringValue.get(), "-");
+    EXPECT_EQ(controller_.kvControl2()->toolTip.get(), "-");
+}
+
+TEST_F(Panel, TheChartHoldsEveryPageWhicheverIsShown)
+{
+    edit(numbered(17));
+    for (const std::int32_t page : {1, 2, 3}) {
+        controller_.populateKnobLabels(page);
+        EXPECT_EQ(chartRows(), 3) << page;
+    }
+}
+
+TEST_F(Panel, LabelWriterCountsFromNoughtChartRowsFromOne)
+{
+    edit(numbered(16));
+    controller_.writeKnobLabelAndRowEndAndLabelPre(8, 15, "kvControl");
+    EXPECT_THAT(pots(),
+                ElementsAre("Knob 9", "Knob 10", "Knob 11", "Knob 12", "Knob 13", "Knob 14", "Knob 15", "Knob 16"));
+    chart::bHTML.clear();
+    controller_.writebHTMLDataAndRowEndAndLabelPre(8, 9, "title");
+    EXPECT_EQ(chart::bHTML, "<tr><th>title</th><td>Knob 8</td><td>Knob 9</td></tr>");
+}
+
+TEST_F(Panel, TheHelpLineShowsWhatItIsGiven)
+{
+    controller_.updateHelperDisplay("Reading Parameters... Please Wait...");
+    EXPECT_EQ(controller_.labelHelperDisplay()->stringValue.get(), "Reading Parameters... Please Wait...");
+}
+
+TEST_F(Panel, NothingWritesThePageLimitWarning)
+{
+    controller_.pageLimitWarning()->stringValue.set("as laid out");
+    edit(numbered(17));
+    controller_.addControlsPage();
+    controller_.clearAllPages();
+    EXPECT_EQ(controller_.pageLimitWarning()->stringValue.get(), "as laid out");
+}
+
+} // namespace
