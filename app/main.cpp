@@ -7,8 +7,7 @@
 #include "platform/StreamLog.h"
 #include "platform/qt/Application.h"
 #include "platform/qt/SystemEffects.h"
-
-#include <QAction>
+#include "platform/qt/UndoStack.h"
 
 #include <unistd.h>
 
@@ -20,14 +19,14 @@ int main(int argc, char* argv[])
     platform::qt::MessageBoxAlerts alerts;
     platform::qt::DesktopWorkspace workspace;
     platform::qt::UserFolders folders;
-    platform::Platform platform{alerts, workspace, folders, log};
+    platform::qt::TranslatedTexts localization;
+    platform::qt::UndoStacks undoManagers;
+    platform::Platform platform{alerts, workspace, folders, log, localization, undoManagers};
 
-    AppDelegate delegate;
-    interface::Lifecycle lifecycle(delegate);
+    AppDelegate delegate(platform);
     ViewController controller(platform);
     const interface::Interface loaded(controller);
-    QObject::connect(loaded.find<QAction>("terminate"), &QAction::triggered, &lifecycle,
-                     &interface::Lifecycle::terminate);
+    const interface::Lifecycle lifecycle(delegate, loaded);
 
     controller.viewDidLoad();
     loaded.mainWindow()->show();

@@ -1,6 +1,8 @@
 #pragma once
-// What the controller does to the world beyond files: alerts, opening a file for the user, well-known folders and the
-// log. `main` composes the real ones and hands them over in one Platform.
+// What controller and delegate do to the world beyond files: alerts, opening a file for the user, well-known folders,
+// translated texts, undo managers and the log. `main` composes the real ones and hands them over in one Platform.
+
+#include "platform/UndoManager.h"
 
 #include <filesystem>
 #include <string>
@@ -43,6 +45,17 @@ public:
     virtual std::filesystem::path home() const = 0;
     /// The machine-wide Application Support folder.
     virtual std::filesystem::path localApplicationSupport() const = 0;
+    /// The user's own Application Support folder.
+    virtual std::filesystem::path userApplicationSupport() const = 0;
+    /// Where the program's resources lie.
+    virtual std::filesystem::path resources() const = 0;
+};
+
+class Localization {
+public:
+    virtual ~Localization() = default;
+    /// The text in the user's language; the English text itself where there is no translation.
+    virtual std::string localizedString(const std::string& english) const = 0;
 };
 
 /// The system log: one line a call, in order.
@@ -54,12 +67,14 @@ public:
     virtual void flush() = 0;
 };
 
-/// The one bundle of effects that the controller is given; all outlive it.
+/// The one bundle of effects that controller and delegate are given; all outlive them.
 struct Platform {
     Alerts& alerts;
     Workspace& workspace;
     Folders& folders;
     Log& log;
+    Localization& localization;
+    UndoManagers& undoManagers;
 };
 
 } // namespace platform

@@ -78,17 +78,11 @@ std::vector<std::weak_ptr<void>> connectAll(Outlets& outlets)
 
 } // namespace
 
-class OutletsTest : public WindowTest {
-protected:
-    platform::qt::MessageBoxAlerts alerts_;
-    platform::qt::UserFolders folders_;
-    platform::StreamLog log_{2};
-    platform::Platform platform_{alerts_, workspace_, folders_, log_};
-};
+using OutletsTest = WindowTest;
 
 TEST_F(OutletsTest, TheControllerKeepsFortyTwoObjectsAliveAndReleasesThem)
 {
-    auto destroyed = std::make_unique<ViewController>(platform_);
+    auto destroyed = std::make_unique<ViewController>(platform());
     const auto objects = connectAll(*destroyed);
     ASSERT_EQ(objects.size(), 42U);
     for (const auto& object : objects)
@@ -102,7 +96,7 @@ TEST_F(OutletsTest, TheLogInLabelIsOnlyReferredTo)
 {
     const auto label = std::make_shared<platform::TextField>();
     label->stringValue.set("still here");
-    auto destroyed = std::make_unique<ViewController>(platform_);
+    auto destroyed = std::make_unique<ViewController>(platform());
     destroyed->setLabLoggedInAs(label.get());
     EXPECT_EQ(destroyed->labLoggedInAs(), label.get());
     EXPECT_EQ(label.use_count(), 1);
@@ -113,7 +107,7 @@ TEST_F(OutletsTest, TheLogInLabelIsOnlyReferredTo)
 
 TEST_F(OutletsTest, MessagesToOutletsThatNobodyConnectedDoNothing)
 {
-    ViewController unconnected(platform_);
+    ViewController unconnected(platform());
     unconnected.closeAllAuxillaryWindows();
     unconnected.populateKnobLabels(1);
     unconnected.kvLoginToCloudAccount();
