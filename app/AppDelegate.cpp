@@ -53,7 +53,7 @@ AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate()
     const auto error = managedObjectContext_->save();
     if (!error)
         return TerminateReply::now;
-    if (presentError(platform_.alerts, *error))
+    if (platform_.errors.presentError(*error))
         return TerminateReply::cancel;
 
     const auto localized = [this](const char* english) { return platform_.localization.localizedString(english); };
@@ -91,10 +91,10 @@ PersistentStoreCoordinator* AppDelegate::persistentStoreCoordinator()
             persistentStoreCoordinator_ = std::move(coordinator);
     }
     if (failure) {
-        presentError(platform_.alerts,
-                     {"YOUR_ERROR_DOMAIN",
-                      9999,
-                      {"Failed to initialize the application's saved data", failure->reason, failure->underlying}});
+        platform_.errors.presentError(
+            {"YOUR_ERROR_DOMAIN",
+             9999,
+             {"Failed to initialize the application's saved data", failure->reason, failure->underlying}});
     }
     return persistentStoreCoordinator_.get();
 }
@@ -116,7 +116,7 @@ void AppDelegate::saveAction()
     if (!context)
         return;
     if (const auto error = context->save())
-        presentError(platform_.alerts, *error);
+        platform_.errors.presentError(*error);
 }
 
 platform::UndoManager* AppDelegate::windowWillReturnUndoManager()

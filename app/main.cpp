@@ -4,6 +4,7 @@
 #include "app/ViewController.h"
 #include "app/interface/Interface.h"
 #include "app/interface/Lifecycle.h"
+#include "platform/ErrorAlerts.h"
 #include "platform/StreamLog.h"
 #include "platform/qt/Application.h"
 #include "platform/qt/SystemEffects.h"
@@ -19,9 +20,10 @@ int main(int argc, char* argv[])
     platform::qt::MessageBoxAlerts alerts;
     platform::qt::DesktopWorkspace workspace;
     platform::qt::UserFolders folders;
+    platform::ErrorAlerts errors(alerts);
     platform::qt::TranslatedTexts localization;
     platform::qt::UndoStacks undoManagers;
-    platform::Platform platform{alerts, workspace, folders, log, localization, undoManagers};
+    platform::Platform platform{alerts, workspace, folders, log, errors, localization, undoManagers};
 
     AppDelegate delegate(platform);
     ViewController controller(platform);

@@ -1,6 +1,7 @@
 #pragma once
-// What controller and delegate do to the world beyond files: alerts, opening a file for the user, well-known folders,
-// translated texts, undo managers and the log. `main` composes the real ones and hands them over in one Platform.
+// What controller and delegate do to the world beyond files: alerts and errors, opening a file for the user,
+// well-known folders, translated texts, undo managers and the log. `main` composes the real ones and hands them over in
+// one Platform.
 
 #include "platform/UndoManager.h"
 
@@ -10,6 +11,8 @@
 #include <vector>
 
 namespace platform {
+
+struct Error;
 
 /// A modal alert. Both texts are shown as plain text.
 struct Alert {
@@ -29,6 +32,13 @@ public:
     /// Shows the alert and returns when a button was pressed: kFirstButton for the first, one more for each further
     /// one. Dismissing it otherwise counts as its last button.
     virtual int runModal(const Alert& alert) = 0;
+};
+
+class ErrorPresentation {
+public:
+    virtual ~ErrorPresentation() = default;
+    /// Tells the user of an error and offers what may help. Answers whether the error was recovered.
+    virtual bool presentError(const Error& error) = 0;
 };
 
 class Workspace {
@@ -73,6 +83,7 @@ struct Platform {
     Workspace& workspace;
     Folders& folders;
     Log& log;
+    ErrorPresentation& errors;
     Localization& localization;
     UndoManagers& undoManagers;
 };

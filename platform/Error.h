@@ -9,7 +9,6 @@
 
 namespace platform {
 
-class Alerts;
 struct Error;
 
 /// A way out that the user is offered with an error.
@@ -35,10 +34,5 @@ struct Error {
 inline constexpr std::string_view kFileErrorDomain = "FileErrorDomain";
 /// Nothing stands at the path that was to be read.
 inline constexpr int kNoSuchFile = 260;
-
-/// Shows the error in one modal alert: the description, and below it the failure reason and each underlying error.
-/// When the user takes the recovery it offers and that fails, shows what it failed with. Answers whether the error was
-/// recovered.
-bool presentError(Alerts& alerts, const Error& error);
 
 } // namespace platform

@@ -106,6 +106,12 @@ TEST_F(DataStoreTest, AFileWhereTheFolderShouldBeIsToldOnEveryUse)
     const auto alerts = alertsOf([this] { EXPECT_EQ(delegate().persistentStoreCoordinator(), nullptr); });
     EXPECT_THAT(alerts, ElementsAre(told));
     EXPECT_EQ(read(data_), "in the way");
+    ASSERT_THAT(presentedErrors(), SizeIs(3));
+    for (const platform::Error& error : presentedErrors()) {
+        EXPECT_EQ(error.domain, "YOUR_ERROR_DOMAIN");
+        EXPECT_EQ(error.code, 9999);
+        EXPECT_FALSE(error.userInfo.underlyingError);
+    }
 }
 
 TEST_F(DataStoreTest, AFolderThatCannotBeMadeIsTold)
@@ -151,6 +157,11 @@ TEST_F(DataStoreTest, ADamagedStoreIsToldAndLeftAlone)
     EXPECT_THAT(useStore(), failureBeneath("The store “" + store_.native() +
                                            "” could not be opened.\nThe file is damaged or is no store."));
     EXPECT_EQ(read(store_), "<plist><dict>");
+    ASSERT_THAT(presentedErrors(), SizeIs(1));
+    EXPECT_EQ(presentedErrors()[0].domain, "YOUR_ERROR_DOMAIN");
+    EXPECT_EQ(presentedErrors()[0].code, 9999);
+    ASSERT_TRUE(presentedErrors()[0].userInfo.underlyingError);
+    EXPECT_EQ(presentedErrors()[0].userInfo.underlyingError->domain, "StoreErrorDomain");
     std::filesystem::remove(store_);
     EXPECT_NE(delegate().managedObjectContext(), nullptr);
 }

@@ -27,6 +27,23 @@ private:
     Path resources_;
 };
 
+/// Presents errors as they are and remembers them.
+class RecordingErrors final : public platform::ErrorPresentation {
+public:
+    explicit RecordingErrors(platform::ErrorPresentation& real) : real_(real) {}
+
+    bool presentError(const platform::Error& error) override
+    {
+        presented.push_back(error);
+        return real_.presentError(error);
+    }
+
+    std::vector<platform::Error> presented;
+
+private:
+    platform::ErrorPresentation& real_;
+};
+
 class DelegateTest : public WindowTest {
 protected:
     DelegateTest() { writeStoreModel(model_); }
@@ -58,6 +75,8 @@ protected:
         return coordinator.objects().size();
     }
 
+    const std::vector<platform::Error>& presentedErrors() const { return errors_.presented; }
+
     static constexpr std::size_t kLarge = 20000;
     static constexpr rlim_t kSmallDisk = 10000;
 
@@ -67,8 +86,9 @@ protected:
 
 private:
     FoldersWithResources folders_{home_ / "resources"};
-    platform::Platform effects_{platform().alerts, platform().workspace,    folders_,
-                                platform().log,    platform().localization, platform().undoManagers};
+    RecordingErrors errors_{platform().errors};
+    platform::Platform effects_{platform().alerts,       platform().workspace,   folders_, platform().log, errors_,
+                                platform().localization, platform().undoManagers};
     AppDelegate delegate_{effects_};
     std::optional<interface::Lifecycle> lifecycle_;
 };

@@ -31,7 +31,7 @@ WindowTest::WindowTest()
     logDescriptor_ = ::open(logFile_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
     log_ = std::make_unique<platform::StreamLog>(logDescriptor_);
     platform_ = std::make_unique<platform::Platform>(
-        platform::Platform{alerts_, workspace_, folders_, *log_, localization_, undoManagers_});
+        platform::Platform{alerts_, workspace_, folders_, *log_, errors_, localization_, undoManagers_});
 }
 
 WindowTest::~WindowTest()

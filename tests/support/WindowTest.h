@@ -4,6 +4,7 @@
 
 #include "app/ViewController.h"
 #include "app/interface/Interface.h"
+#include "platform/ErrorAlerts.h"
 #include "platform/StreamLog.h"
 #include "platform/qt/SystemEffects.h"
 #include "platform/qt/UndoStack.h"
@@ -97,6 +98,7 @@ private:
     int logDescriptor_ = -1;
     platform::qt::MessageBoxAlerts alerts_;
     platform::qt::UserFolders folders_;
+    platform::ErrorAlerts errors_{alerts_};
     platform::qt::TranslatedTexts localization_;
     platform::qt::UndoStacks undoManagers_;
     std::unique_ptr<platform::StreamLog> log_;

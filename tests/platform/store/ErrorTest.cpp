@@ -17,7 +17,7 @@ class ErrorTest : public WindowTest {
 protected:
     std::vector<SeenAlert> present(const Error& error, const std::vector<std::string>& presses = {})
     {
-        return alertsOf([&] { recovered_ = presentError(platform().alerts, error); }, presses);
+        return alertsOf([&] { recovered_ = platform().errors.presentError(error); }, presses);
     }
 
     bool recovered_ = false;

@@ -1,6 +1,6 @@
-#include "platform/Error.h"
+#include "platform/ErrorAlerts.h"
 
-#include "platform/Effects.h"
+#include "platform/Error.h"
 
 namespace platform {
 
@@ -16,17 +16,17 @@ std::string informativeText(const Error& error)
 
 } // namespace
 
-bool presentError(Alerts& alerts, const Error& error)
+bool ErrorAlerts::presentError(const Error& error)
 {
     Alert alert{error.userInfo.localizedDescription, informativeText(error), {"OK"}};
     const auto& recovery = error.userInfo.recovery;
     if (recovery)
         alert.buttons = {recovery->option, "Cancel"};
-    const int pressed = alerts.runModal(alert);
+    const int pressed = alerts_.runModal(alert);
     if (!recovery || pressed != Alerts::kFirstButton)
         return false;
     const auto remaining = recovery->attempt();
-    return !remaining || presentError(alerts, *remaining);
+    return !remaining || presentError(*remaining);
 }
 
 } // namespace platform
