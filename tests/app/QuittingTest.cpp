@@ -186,6 +186,18 @@ TEST_F(QuittingTest, WhenItMayNotQuitTheMainWindowComesBack)
     EXPECT_EQ(storedObjects(), 1U);
 }
 
+TEST_F(QuittingTest, WhileTheUserIsAskedTheMainWindowStaysClosed)
+{
+    launchWithDelegate();
+    change(kLarge);
+    const FullDisk disk(kSmallDisk);
+    int status = kGoesOn;
+    const auto alerts = alertsOf([&] { status = exitStatusOf([this] { closeAllWindows(); }); }, {"Cancel", "Cancel"});
+    EXPECT_THAT(alerts, SizeIs(2));
+    EXPECT_EQ(status, 0);
+    EXPECT_FALSE(find("cwinMainWindow")->isVisible());
+}
+
 TEST_F(QuittingTest, ACommunityWindowKeepsTheProgramRunning)
 {
     launchWithDelegate();
