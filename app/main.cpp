@@ -4,6 +4,7 @@
 #include "app/ViewController.h"
 #include "app/interface/Interface.h"
 #include "app/interface/Lifecycle.h"
+#include "platform/ErrorAlerts.h"
 #include "platform/StreamLog.h"
 #include "platform/UserPreferences.h"
 #include "platform/qt/Application.h"
@@ -11,8 +12,7 @@
 #include "platform/qt/CurlHttp.h"
 #include "platform/qt/QtJson.h"
 #include "platform/qt/SystemEffects.h"
-
-#include <QAction>
+#include "platform/qt/UndoStack.h"
 
 #include <unistd.h>
 
@@ -28,14 +28,16 @@ int main(int argc, char* argv[])
     platform::qt::CurlHttp http(gate);
     platform::UserPreferences preferences(KV_BUNDLE_IDENTIFIER);
     platform::qt::QtJson json;
-    platform::Platform platform{alerts, workspace, folders, log, http, preferences, json};
+    platform::ErrorAlerts errors(alerts);
+    platform::qt::TranslatedTexts localization;
+    platform::qt::UndoStacks undoManagers;
+    platform::Platform platform{alerts,      workspace, folders, log,          http,
+                                preferences, json,      errors,  localization, undoManagers};
 
-    AppDelegate delegate;
-    interface::Lifecycle lifecycle(delegate);
+    AppDelegate delegate(platform);
     ViewController controller(platform);
     const interface::Interface loaded(controller);
-    QObject::connect(loaded.find<QAction>("terminate"), &QAction::triggered, &lifecycle,
-                     &interface::Lifecycle::terminate);
+    const interface::Lifecycle lifecycle(delegate, loaded);
 
     controller.viewDidLoad();
     loaded.mainWindow()->show();

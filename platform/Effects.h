@@ -1,8 +1,10 @@
 #pragma once
-// What the controller does to the world beyond files: alerts, opening a file for the user, well-known folders, the log,
-// preferences, JSON and HTTP. `main` composes the real ones and hands them over in one Platform.
+// What controller and delegate do to the world beyond files: alerts and errors, opening a file for the user,
+// well-known folders, the log, preferences, JSON and HTTP, translated texts and undo managers. `main` composes the real
+// ones and hands them over in one Platform.
 
 #include "platform/Record.h"
+#include "platform/UndoManager.h"
 
 #include <filesystem>
 #include <optional>
@@ -14,6 +16,7 @@
 namespace platform {
 
 class Http;
+struct Error;
 
 /// A modal alert. Both texts are shown as plain text.
 struct Alert {
@@ -35,6 +38,13 @@ public:
     virtual int runModal(const Alert& alert) = 0;
 };
 
+class ErrorPresentation {
+public:
+    virtual ~ErrorPresentation() = default;
+    /// Tells the user of an error and offers what may help. Answers whether the error was recovered.
+    virtual bool presentError(const Error& error) = 0;
+};
+
 class Workspace {
 public:
     virtual ~Workspace() = default;
@@ -49,6 +59,17 @@ public:
     virtual std::filesystem::path home() const = 0;
     /// The machine-wide Application Support folder.
     virtual std::filesystem::path localApplicationSupport() const = 0;
+    /// The user's own Application Support folder.
+    virtual std::filesystem::path userApplicationSupport() const = 0;
+    /// Where the program's resources lie.
+    virtual std::filesystem::path resources() const = 0;
+};
+
+class Localization {
+public:
+    virtual ~Localization() = default;
+    /// The text in the user's language; the English text itself where there is no translation.
+    virtual std::string localizedString(const std::string& english) const = 0;
 };
 
 /// The system log: one line a call, in order.
@@ -80,7 +101,7 @@ public:
     virtual std::vector<Record> objectsOf(std::string_view json) const = 0;
 };
 
-/// The one bundle of effects that the controller is given; all outlive it.
+/// The one bundle of effects that controller and delegate are given; all outlive them.
 struct Platform {
     Alerts& alerts;
     Workspace& workspace;
@@ -89,6 +110,9 @@ struct Platform {
     Http& http;
     Preferences& preferences;
     Json& json;
+    ErrorPresentation& errors;
+    Localization& localization;
+    UndoManagers& undoManagers;
 };
 
 } // namespace platform

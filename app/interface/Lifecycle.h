@@ -1,5 +1,6 @@
 #pragma once
-// Turns the application's events into the delegate's questions: the last window closed, the Quit command.
+// Turns what happens to the application into the delegate's questions and operations: the last window closed, Quit from
+// the menu, from the system or from the session manager, and the menu item that saves the application's data.
 
 #include <QObject>
 
@@ -7,17 +8,28 @@ class AppDelegate;
 
 namespace interface {
 
+class Interface;
+
 class Lifecycle final : public QObject {
     Q_OBJECT
 
 public:
-    explicit Lifecycle(AppDelegate& delegate);
+    /// Both must outlive it.
+    Lifecycle(AppDelegate& delegate, const Interface& loaded);
 
-    /// Asks the delegate and quits if it answers that now is fine.
-    void terminate();
+    /// Takes the system's request to quit before Qt does.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    /// Asks the delegate; false also while it is being asked.
+    bool mayTerminate();
+    /// Asks, and ends the event loop if the answer is that now is fine.
+    bool terminate();
+    void lastWindowClosed();
+
     AppDelegate& delegate_;
+    QWidget* mainWindow_;
+    bool asking_ = false;
 };
 
 } // namespace interface

@@ -204,6 +204,7 @@ void MainWindow::makeMenus()
     add(file, "btnRunCheck", tr("Scan for plugins"), QKeySequence::Refresh);
     add(file, "kvExportToPlist", tr("Save Mapping"), QKeySequence::Save);
     add(file, "kvCreateChart", tr("Chart"), QKeySequence::Print);
+    add(file, "saveAction", tr("Save Application Data"), {});
     file->addSeparator();
     QAction* quit = add(file, "terminate", tr("Quit"), QKeySequence::Quit);
     quit->setMenuRole(QAction::QuitRole);

@@ -102,4 +102,25 @@ std::filesystem::path UserFolders::localApplicationSupport() const
     return std::filesystem::absolute(environmentOr("KV_LOCAL_LIBRARY", "/Library")) / "Application Support";
 }
 
+std::filesystem::path UserFolders::userApplicationSupport() const
+{
+#ifdef Q_OS_MACOS
+    return home() / "Library/Application Support";
+#else
+    const std::filesystem::path data = environmentOr("XDG_DATA_HOME", "");
+    return data.is_absolute() ? data : home() / ".local/share";
+#endif
+}
+
+std::filesystem::path UserFolders::resources() const
+{
+    const auto program = QFile::encodeName(QCoreApplication::applicationDirPath()).toStdString();
+    return (std::filesystem::path(program) / ".." / KV_RESOURCES_FOLDER).lexically_normal();
+}
+
+std::string TranslatedTexts::localizedString(const std::string& english) const
+{
+    return fromQt(QCoreApplication::translate("Localizable", english.c_str()));
+}
+
 } // namespace platform::qt

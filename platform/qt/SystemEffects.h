@@ -1,5 +1,5 @@
 #pragma once
-// The real effects on a desktop: modal message boxes, the desktop's file opener, the user's folders.
+// The real effects on a desktop: modal message boxes, the desktop's file opener, the user's folders, translations.
 
 #include "platform/Effects.h"
 
@@ -23,11 +23,20 @@ public:
     void openFile(const std::filesystem::path& path) override;
 };
 
-/// Home is `HOME`. The machine-wide library is /Library, or the folder that KV_LOCAL_LIBRARY names.
+/// Home is `HOME`. The machine-wide library is /Library, or the folder that KV_LOCAL_LIBRARY names. The user's
+/// Application Support is in the home's Library on macOS, elsewhere XDG_DATA_HOME. Resources lie beside the program.
 class UserFolders final : public Folders {
 public:
     std::filesystem::path home() const override;
     std::filesystem::path localApplicationSupport() const override;
+    std::filesystem::path userApplicationSupport() const override;
+    std::filesystem::path resources() const override;
+};
+
+/// Looks texts up in the application's installed translators, in the context "Localizable".
+class TranslatedTexts final : public Localization {
+public:
+    std::string localizedString(const std::string& english) const override;
 };
 
 } // namespace platform::qt

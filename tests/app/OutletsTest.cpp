@@ -82,7 +82,7 @@ using OutletsTest = WindowTest;
 
 TEST_F(OutletsTest, TheControllerKeepsFortyTwoObjectsAliveAndReleasesThem)
 {
-    auto destroyed = std::make_unique<ViewController>(effects());
+    auto destroyed = std::make_unique<ViewController>(platform());
     const auto objects = connectAll(*destroyed);
     ASSERT_EQ(objects.size(), 42U);
     for (const auto& object : objects)
@@ -96,7 +96,7 @@ TEST_F(OutletsTest, TheLogInLabelIsOnlyReferredTo)
 {
     const auto label = std::make_shared<platform::TextField>();
     label->stringValue.set("still here");
-    auto destroyed = std::make_unique<ViewController>(effects());
+    auto destroyed = std::make_unique<ViewController>(platform());
     destroyed->setLabLoggedInAs(label.get());
     EXPECT_EQ(destroyed->labLoggedInAs(), label.get());
     EXPECT_EQ(label.use_count(), 1);
@@ -107,7 +107,7 @@ TEST_F(OutletsTest, TheLogInLabelIsOnlyReferredTo)
 
 TEST_F(OutletsTest, MessagesToOutletsThatNobodyConnectedDoNothing)
 {
-    ViewController unconnected(effects());
+    ViewController unconnected(platform());
     unconnected.closeAllAuxillaryWindows();
     unconnected.populateKnobLabels(1);
     unconnected.kvLoginToCloudAccount();

@@ -186,8 +186,8 @@ TEST_F(ShellTest, MenuItemsSendTheirActions)
 TEST_F(ShellTest, ClosingTheMainWindowQuitsUnlessACommunityWindowIsOpen)
 {
     launch();
-    AppDelegate delegate;
-    const interface::Lifecycle lifecycle(delegate);
+    AppDelegate delegate(platform());
+    const interface::Lifecycle lifecycle(delegate, loaded());
     find("cwinCloudWindow")->show();
     bool mainClosedAlone = false;
     QTimer::singleShot(0, [&] {

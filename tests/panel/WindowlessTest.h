@@ -6,6 +6,7 @@
 #include "chart/ChartState.h"
 #include "mapping/EditingState.h"
 #include "mapping/ParameterOrder.h"
+#include "platform/ErrorAlerts.h"
 #include "platform/Http.h"
 #include "tests/support/FreshState.h"
 #include "tests/support/OrderFiles.h"
@@ -99,6 +100,8 @@ private:
         explicit TemporaryFolders(const Path& root) : root_(root) {}
         Path home() const override { return root_ / "home"; }
         Path localApplicationSupport() const override { return root_ / "Application Support"; }
+        Path userApplicationSupport() const override { return root_ / "home/Library/Application Support"; }
+        Path resources() const override { return root_ / "resources"; }
         Path root_;
     };
     struct NotedLog final : platform::Log {
@@ -128,6 +131,13 @@ private:
         std::vector<platform::Record> objectsOf(std::string_view) const override { return {}; }
     };
 
+    struct EnglishTexts final : platform::Localization {
+        std::string localizedString(const std::string& english) const override { return english; }
+    };
+    struct NoUndo final : platform::UndoManagers {
+        std::unique_ptr<platform::UndoManager> make() override { return nullptr; }
+    };
+
     NotedAlerts notedAlerts_{alerts_};
     NotedFiles notedFiles_{opened_};
     TemporaryFolders folders_{home_.path()};
@@ -135,7 +145,11 @@ private:
     NoHttp http_;
     NoPreferences preferences_;
     NoJson json_;
-    platform::Platform platform_{notedAlerts_, notedFiles_, folders_, log_, http_, preferences_, json_};
+    platform::ErrorAlerts errors_{notedAlerts_};
+    EnglishTexts localization_;
+    NoUndo undoManagers_;
+    platform::Platform platform_{notedAlerts_, notedFiles_, folders_, log_,          http_,
+                                 preferences_, json_,       errors_,  localization_, undoManagers_};
 
 protected:
     ViewController controller_{platform_};

@@ -3,11 +3,13 @@
 
 #include "app/ViewController.h"
 #include "app/interface/Interface.h"
+#include "platform/ErrorAlerts.h"
 #include "platform/UserPreferences.h"
 #include "platform/qt/CompletionGate.h"
 #include "platform/qt/CurlHttp.h"
 #include "platform/qt/QtJson.h"
 #include "platform/qt/SystemEffects.h"
+#include "platform/qt/UndoStack.h"
 
 #include <string>
 #include <vector>
@@ -46,7 +48,11 @@ public:
     platform::qt::CurlHttp http;
     platform::UserPreferences preferences{kBundleIdentifier};
     platform::qt::QtJson json;
-    platform::Platform effects{alerts, workspace, folders, log, http, preferences, json};
+    platform::ErrorAlerts errors{alerts};
+    platform::qt::TranslatedTexts localization;
+    platform::qt::UndoStacks undoManagers;
+    platform::Platform effects{alerts,      workspace, folders, log,          http,
+                               preferences, json,      errors,  localization, undoManagers};
     ViewController controller{effects};
     interface::Interface windows {
         controller

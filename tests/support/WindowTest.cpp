@@ -29,8 +29,8 @@ WindowTest::WindowTest()
     ::setenv("XDG_DATA_HOME", (home_ / "data").c_str(), 1);
     logDescriptor_ = ::open(logFile_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
     log_ = std::make_unique<platform::StreamLog>(logDescriptor_);
-    platform_ = std::make_unique<platform::Platform>(
-        platform::Platform{alerts_, workspace_, folders_, *log_, http_, preferences_, json_});
+    platform_ = std::make_unique<platform::Platform>(platform::Platform{
+        alerts_, workspace_, folders_, *log_, http_, preferences_, json_, errors_, localization_, undoManagers_});
 }
 
 WindowTest::~WindowTest()
@@ -139,19 +139,24 @@ void WindowTest::typeInto(const char* field, const std::string& text)
     QTest::keyClicks(widget, toQt(text));
 }
 
-std::vector<SeenAlert> WindowTest::alertsOf(const std::function<void()>& action)
+std::vector<SeenAlert> WindowTest::alertsOf(const std::function<void()>& action,
+                                            const std::vector<std::string>& presses)
 {
     std::vector<SeenAlert> seen;
     QTimer poll;
-    QObject::connect(&poll, &QTimer::timeout, &poll, [&seen] {
+    QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         if (!box)
             return;
         SeenAlert alert{fromQt(box->text()), fromQt(box->informativeText()), {}};
-        for (const QAbstractButton* button : box->buttons())
+        QAbstractButton* pressed = box->buttons().front();
+        for (QAbstractButton* button : box->buttons()) {
             alert.buttons.push_back(fromQt(button->text()));
+            if (seen.size() < presses.size() && alert.buttons.back() == presses[seen.size()])
+                pressed = button;
+        }
         seen.push_back(std::move(alert));
-        QTest::mouseClick(box->buttons().front(), Qt::LeftButton);
+        QTest::mouseClick(pressed, Qt::LeftButton);
     });
     poll.start(5);
     action();

@@ -4,12 +4,14 @@
 
 #include "app/ViewController.h"
 #include "app/interface/Interface.h"
+#include "platform/ErrorAlerts.h"
 #include "platform/StreamLog.h"
 #include "platform/UserPreferences.h"
 #include "platform/qt/CompletionGate.h"
 #include "platform/qt/CurlHttp.h"
 #include "platform/qt/QtJson.h"
 #include "platform/qt/SystemEffects.h"
+#include "platform/qt/UndoStack.h"
 #include "tests/support/OrderFiles.h"
 
 #include <gmock/gmock.h>
@@ -81,11 +83,13 @@ protected:
     std::int32_t selectedRow(const char* list) const;
     void typeInto(const char* field, const std::string& text);
 
-    /// Runs an action, dismisses every alert that comes up meanwhile with its first button, and tells what they showed.
-    std::vector<SeenAlert> alertsOf(const std::function<void()>& action);
+    /// Runs an action and tells what the alerts showed that came up meanwhile. Each is dismissed with the button of
+    /// that title, in the order of `presses`; those beyond with their first button.
+    std::vector<SeenAlert> alertsOf(const std::function<void()>& action, const std::vector<std::string>& presses = {});
 
     ViewController& controller() { return *controller_; }
-    platform::Platform& effects() { return *platform_; }
+    platform::Platform& platform() { return *platform_; }
+    const interface::Interface& loaded() const { return *interface_; }
     std::string logText();
 
     TemporaryFolder home_;
@@ -102,6 +106,9 @@ private:
     platform::qt::CurlHttp http_{gate_};
     platform::UserPreferences preferences_{"org.example.kv-test"};
     platform::qt::QtJson json_;
+    platform::ErrorAlerts errors_{alerts_};
+    platform::qt::TranslatedTexts localization_;
+    platform::qt::UndoStacks undoManagers_;
     std::unique_ptr<platform::StreamLog> log_;
     std::unique_ptr<platform::Platform> platform_;
     std::unique_ptr<ViewController> controller_;

@@ -1,0 +1,27 @@
+#pragma once
+// Undo managers over Qt's undo framework.
+
+#include "platform/UndoManager.h"
+
+#include <QUndoStack>
+
+namespace platform::qt {
+
+class UndoStack final : public UndoManager {
+public:
+    void perform(Change change, Change takeBack) override;
+    bool canUndo() const override { return stack_.canUndo(); }
+    bool canRedo() const override { return stack_.canRedo(); }
+    void undo() override { stack_.undo(); }
+    void redo() override { stack_.redo(); }
+
+private:
+    QUndoStack stack_;
+};
+
+class UndoStacks final : public UndoManagers {
+public:
+    std::unique_ptr<UndoManager> make() override { return std::make_unique<UndoStack>(); }
+};
+
+} // namespace platform::qt

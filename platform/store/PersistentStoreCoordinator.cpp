@@ -1,0 +1,116 @@
+#include "platform/store/PersistentStoreCoordinator.h"
+
+#include "platform/Files.h"
+#include "platform/store/ManagedObjectModel.h"
+
+#include <algorithm>
+
+namespace platform::store {
+
+namespace {
+
+constexpr const char* kObjects = "objects";
+constexpr const char* kEntity = "entity";
+constexpr const char* kAttributes = "attributes";
+
+Error storeError(StoreErrorCode code, const char* failure, const std::filesystem::path& file, std::string reason)
+{
+    return {std::string(kStoreErrorDomain),
+            code,
+            {"The store “" + file.native() + "” could not be " + failure + ".", std::move(reason)}};
+}
+
+// Writing
+
+std::string toXml(const ObjectGraph& objects)
+{
+    plist::Array list;
+    for (const auto& [id, object] : objects) {
+        plist::Dictionary attributes;
+        for (const auto& [name, value] : object.attributes)
+            attributes.entries.emplace_back(name, value);
+        list.emplace_back(plist::Dictionary{{kEntity, object.entity}, {kAttributes, std::move(attributes)}});
+    }
+    return plist::write({plist::Dictionary{{kObjects, std::move(list)}}, plist::Form::xml});
+}
+
+// Reading
+
+std::optional<ManagedObject> objectFrom(const plist::Value& value)
+{
+    const auto* entry = value.asDictionary();
+    const auto* entity = entry ? entry->find(kEntity) : nullptr;
+    const auto* attributes = entry ? entry->find(kAttributes) : nullptr;
+    if (!entity || !entity->asString() || !attributes || !attributes->asDictionary())
+        return std::nullopt;
+    ManagedObject object{*entity->asString(), {}};
+    for (const auto& [name, attribute] : attributes->asDictionary()->entries)
+        object.attributes[name] = attribute;
+    return object;
+}
+
+std::optional<std::vector<ManagedObject>> fromXml(std::string_view bytes)
+{
+    const auto document = plist::parse(bytes);
+    const auto* root = document && document->form == plist::Form::xml ? document->root.asDictionary() : nullptr;
+    const auto* list = root ? root->find(kObjects) : nullptr;
+    if (!list || !list->asArray())
+        return std::nullopt;
+    std::vector<ManagedObject> objects;
+    for (const plist::Value& value : *list->asArray()) {
+        auto object = objectFrom(value);
+        if (!object)
+            return std::nullopt;
+        objects.push_back(std::move(*object));
+    }
+    return objects;
+}
+
+bool readsBackAs(const ObjectGraph& objects, std::string_view bytes)
+{
+    const auto readBack = fromXml(bytes);
+    return readBack && std::ranges::equal(*readBack, objects, {}, {}, &ObjectGraph::value_type::second);
+}
+
+} // namespace
+
+PersistentStoreCoordinator::PersistentStoreCoordinator(std::shared_ptr<const ManagedObjectModel> model)
+    : model_(std::move(model))
+{}
+
+std::optional<Error> PersistentStoreCoordinator::addStore(const std::filesystem::path& file)
+{
+    file_ = file;
+    return files::exists(file_) ? open() : save({});
+}
+
+std::optional<Error> PersistentStoreCoordinator::save(const ObjectGraph& objects)
+{
+    const std::string bytes = toXml(objects);
+    if (!readsBackAs(objects, bytes))
+        return storeError(kStoreUnsuitable, "written", file_, "It was given a value that its format cannot keep.");
+    if (!files::writeAtomically(file_, bytes, files::permissions(file_)))
+        return storeError(kStoreUnwritable, "written", file_,
+                          "The disk may be full, or the folder may not be yours to write in.");
+    saved_ = objects;
+    return std::nullopt;
+}
+
+std::optional<Error> PersistentStoreCoordinator::open()
+{
+    const auto bytes = files::read(file_);
+    if (!bytes)
+        return storeError(kStoreUnreadable, "opened", file_, "The file cannot be read.");
+    auto objects = fromXml(*bytes);
+    if (!objects)
+        return storeError(kStoreMalformed, "opened", file_, "The file is damaged or is no store.");
+    for (ManagedObject& object : *objects) {
+        if (!model_ || !model_->describes(object))
+            return storeError(kStoreNotDescribed, "opened", file_,
+                              "It holds objects that this version of the program does not know.");
+        saved_.emplace(newObjectId(), std::move(object));
+    }
+    return std::nullopt;
+}
+
+} // namespace platform::store
