@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -29,6 +30,12 @@ public:
 private:
     int number_;
 };
+
+/// Without O_NONBLOCK a pipe that stands where a file should be would stop the program.
+Descriptor openToRead(const Path& path)
+{
+    return Descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+}
 
 bool writeWhole(int descriptor, std::string_view bytes)
 {
@@ -67,8 +74,7 @@ bool exists(const Path& path)
 
 std::optional<std::string> read(const Path& path, std::size_t limit)
 {
-    // Without O_NONBLOCK a pipe that stands where a file should be would stop the program.
-    const Descriptor descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const Descriptor descriptor = openToRead(path);
     struct stat status = {};
     if (!descriptor || ::fstat(descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode))
         return std::nullopt;
@@ -156,9 +162,21 @@ bool writeAtomically(const Path& path, std::string_view bytes, std::optional<std
 
 bool copy(const Path& from, const Path& to)
 {
+    const Descriptor source = openToRead(from);
     const auto mode = permissions(from);
-    const auto bytes = read(from);
-    return bytes && writeAtomically(to, *bytes, mode);
+    if (!source || !mode)
+        return false;
+    PartialFile file(to, partialName(to), mode);
+    std::vector<char> piece(std::size_t{1} << 18);
+    for (;;) {
+        const ssize_t got = ::read(source.number(), piece.data(), piece.size());
+        if (got == 0)
+            return file.finish();
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0 || !file.append({piece.data(), static_cast<std::size_t>(got)}))
+            return false;
+    }
 }
 
 Path partialName(const Path& path)

@@ -76,6 +76,7 @@ private:
         handlers_.item({path_, kind});
         if (kind == WalkedItem::Kind::folder) {
             const int parent = level.folder;
+            errno = ESTALE; // of a folder that could not be come back to
             enterFolder(parent < 0 ? -1 : ::openat(parent, path_.c_str() + path_.size() - name.size(), kOpenFolder));
         }
     }
@@ -110,6 +111,8 @@ private:
         DIR* stream = copy < 0 ? nullptr : ::fdopendir(copy);
         if (!stream) {
             handlers_.unreadable(path_, reasonFor(errno));
+            if (copy >= 0)
+                ::close(copy);
             return;
         }
         for (;;) {

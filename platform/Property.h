@@ -13,6 +13,8 @@ class Property {
 public:
     Property() = default;
     explicit Property(T value) : value_(std::move(value)) {}
+    Property(const Property&) = delete;
+    Property& operator=(const Property&) = delete;
 
     const T& get() const { return value_; }
 
@@ -21,15 +23,19 @@ public:
         if (value == value_)
             return;
         value_ = std::move(value);
-        changed_.emit(T(value_)); // a copy: a slot may set the property again
+        changed_.emit();
     }
 
-    /// Calls `slot` with the new value on every change from now on.
-    [[nodiscard]] Connection onChange(std::function<void(const T&)> slot) { return changed_.connect(std::move(slot)); }
+    /// Calls `slot` with the value on every change from now on. When an earlier slot sets the property again, a later
+    /// one hears the newest value, not the one it missed.
+    [[nodiscard]] Connection onChange(std::function<void(const T&)> slot)
+    {
+        return changed_.connect([this, slot = std::move(slot)] { slot(T(value_)); });
+    }
 
 private:
     T value_{};
-    Signal<const T&> changed_;
+    Signal<> changed_;
 };
 
 } // namespace platform

@@ -85,6 +85,19 @@ TEST(Property, AListenerMayCorrectTheValue)
     EXPECT_EQ(text.get().substr(0, 6), "a text");
 }
 
+TEST(Property, ALaterListenerIsNotLeftWithAnOutdatedValue)
+{
+    Property<int> number;
+    std::vector<int> told;
+    const auto correcting = number.onChange([&](int value) {
+        if (value > 9)
+            number.set(9);
+    });
+    const auto showing = number.onChange([&](int value) { told.push_back(value); });
+    number.set(12);
+    EXPECT_EQ(told.back(), 9);
+}
+
 TEST(Property, AClosedConnectionHearsNothing)
 {
     Property<int> number;

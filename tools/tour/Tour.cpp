@@ -36,7 +36,10 @@ QWidget* topLevel(const char* name)
 
 } // namespace
 
-Tour::Tour(const QDir& output) : output_(output) {}
+Tour::Tour(const QDir& output) : output_(output)
+{
+    connect(&alertWatch_, &QTimer::timeout, this, &Tour::answerNow);
+}
 
 void Tour::start(std::vector<Step> steps)
 {
@@ -56,6 +59,7 @@ void Tour::next()
     shownWindow_ = topLevel("cwinMainWindow");
     alertPicture_ = {};
     alertText_.clear();
+    alertWatch_.stop();
     QString seen;
     try {
         seen = step.act(*this);
@@ -138,15 +142,24 @@ void Tour::lookAt(const char* window)
 
 void Tour::answerAlert()
 {
-    QTimer::singleShot(kPauseMs, this, &Tour::answerNow);
+    alertWatch_.start(kPauseMs);
+}
+
+void Tour::waitForAlert()
+{
+    constexpr int kLongestWaitMs = 10000;
+    expect(QTest::qWaitFor([this] { return !alertText_.isEmpty(); }, kLongestWaitMs),
+           QStringLiteral("an alert comes up"));
 }
 
 void Tour::answerNow()
 {
     auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
     if (!box)
-        return; // the step's own expectation of the text tells
+        return; // it may come yet; if not, the step's own expectation of the text tells
+    alertWatch_.stop();
     alertText_ = box->text();
+    alertInformativeText_ = box->informativeText();
     QPixmap picture = pictureOf(topLevel("cwinMainWindow"));
     const QPixmap alert = pictureOf(box);
     QPainter painter(&picture);

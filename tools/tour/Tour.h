@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QObject>
 #include <QString>
+#include <QTimer>
 
 #include <functional>
 #include <stdexcept>
@@ -49,12 +50,18 @@ public:
     void type(const char* field, const QString& text);
     QString text(const char* label);
     QString textOfAlert() const { return alertText_; }
+    QString informativeTextOfAlert() const { return alertInformativeText_; }
     void expect(bool holds, const QString& what);
     /// Shows this window instead of the main one in the step's picture.
     void lookAt(const char* window);
     /// The next alert that comes up goes into the step's picture and is answered with its first button.
     void answerAlert();
+    /// Waits until that alert has come up, for what ends by itself.
+    void waitForAlert();
     QString openedUrl() const { return openedUrl_; }
+    /// A text from one step to a later one.
+    void remember(const QString& text) { remembered_ = text; }
+    QString remembered() const { return remembered_; }
 
 public Q_SLOTS:
     void rememberUrl(const QUrl& url);
@@ -71,6 +78,9 @@ private:
     QWidget* shownWindow_ = nullptr;
     QPixmap alertPicture_;
     QString alertText_;
+    QString alertInformativeText_;
+    QString remembered_;
+    QTimer alertWatch_;
     QString openedUrl_;
 };
 

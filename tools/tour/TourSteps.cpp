@@ -4,6 +4,7 @@
 #include <QAbstractItemView>
 #include <QFile>
 #include <QLineEdit>
+#include <QRegularExpression>
 #include <QUrl>
 
 namespace tour {
@@ -126,11 +127,68 @@ QString markup(Tour& tour)
     return tour.text("labKOScreen_Title") + QStringLiteral(": names are shown as they are");
 }
 
-QString account(Tour& tour)
+QString newAccount(Tour& tour)
 {
     tour.click("kvLoginToCloudAccount");
+    tour.type("cwinUserNameNew", QStringLiteral("tourist"));
+    tour.type("cwinEmailAddrNew", QStringLiteral("tourist@example.org"));
+    tour.answerAlert();
+    tour.click("cwinNewUserCreate");
+    tour.expect(tour.textOfAlert() == QLatin1String("Create New User Response"), QStringLiteral("the server answers"));
+    const auto pin = QRegularExpression(QStringLiteral("\\b\\d{4,}\\b")).match(tour.informativeTextOfAlert());
+    tour.expect(pin.hasMatch(), QStringLiteral("the server tells a PIN"));
+    tour.remember(pin.captured());
+    return QStringLiteral("the server made an account and told its PIN");
+}
+
+QString logIn(Tour& tour)
+{
+    tour.type("cwinUserName", QStringLiteral("tourist"));
+    tour.type("cwinPinCode", tour.remembered());
     tour.lookAt("cwinCloudWindow");
-    return QStringLiteral("the account window is open");
+    return QStringLiteral("name and PIN typed");
+}
+
+QString loggedIn(Tour& tour)
+{
+    tour.click("cwinLoginAttempt");
+    tour.expect(tour.text("labLoggedInAs") == QLatin1String("Logged in as tourist"), QStringLiteral("logged in"));
+    return tour.text("labLoggedInAs");
+}
+
+QString upload(Tour& tour)
+{
+    tour.clickRow("pluginTableView", QStringLiteral("Wendlebrook EQ"));
+    tour.click("kv_btn_cloudLibrary");
+    tour.type("cwinUploadComments", QStringLiteral("Bands in order, gains on page 2"));
+    tour.lookAt("cwinUploadWindow");
+    return QStringLiteral("a comment for the others");
+}
+
+QString uploaded(Tour& tour)
+{
+    tour.answerAlert();
+    tour.click("kvCommunityUploadBtn");
+    tour.expect(tour.textOfAlert() == QLatin1String("Upload notification"), QStringLiteral("the server answers"));
+    return tour.textOfAlert() + QStringLiteral(": ") + tour.informativeTextOfAlert().simplified();
+}
+
+QString browse(Tour& tour)
+{
+    tour.click("kv_btn_cloudLibraryDownload");
+    tour.lookAt("cwinDownloadWindow");
+    const int rows = tour.find<QAbstractItemView>("cwinPlistAvailable")->model()->rowCount();
+    tour.expect(rows > 0, QStringLiteral("the upload is listed"));
+    return QStringLiteral("%1 shared mappings").arg(rows);
+}
+
+QString download(Tour& tour)
+{
+    tour.answerAlert();
+    tour.click("kvCommunityLoadSelectedDownload");
+    tour.waitForAlert();
+    tour.expect(tour.textOfAlert() == QLatin1String("OK Done"), QStringLiteral("the download is loaded"));
+    return tour.textOfAlert() + QStringLiteral(", ") + tour.text("labKOScreen_Title");
 }
 
 QString help(Tour& tour)
@@ -144,7 +202,7 @@ QString help(Tour& tour)
 QString selectAgain(Tour& tour)
 {
     tour.clickRow("pluginTableView", QStringLiteral("Longwether Matrix"));
-    tour.expect(!tour.find<QWidget>("cwinCloudWindow")->isVisible(), QStringLiteral("the account window closed"));
+    tour.expect(!tour.find<QWidget>("cwinDownloadWindow")->isVisible(), QStringLiteral("the download window closed"));
     return QStringLiteral("another plug-in closed the community windows");
 }
 
@@ -165,7 +223,13 @@ std::vector<Step> allSteps()
         {QStringLiteral("synthesizer"), synthesizer},
         {QStringLiteral("save-synthesizer"), saveSynthesizer},
         {QStringLiteral("names-as-they-are"), markup},
-        {QStringLiteral("account-window"), account},
+        {QStringLiteral("new-account"), newAccount},
+        {QStringLiteral("log-in"), logIn},
+        {QStringLiteral("logged-in"), loggedIn},
+        {QStringLiteral("upload"), upload},
+        {QStringLiteral("uploaded"), uploaded},
+        {QStringLiteral("browse"), browse},
+        {QStringLiteral("download"), download},
         {QStringLiteral("help"), help},
         {QStringLiteral("select-another"), selectAgain},
     };
