@@ -74,7 +74,7 @@ void saveMapping(const Path& file, const std::vector<platform::Record>& entries,
         storeMapping(content->dictionary(), entries, mode);
 
     const Path original = backupPath(file, "original");
-    if (!files::exists(original))
+    if (files::isMissing(original))
         files::copy(file, original);
     const Path previous = backupPath(file, "prev");
     if (files::exists(previous))

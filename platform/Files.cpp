@@ -72,6 +72,12 @@ bool exists(const Path& path)
     return ::stat(path.c_str(), &status) == 0;
 }
 
+bool isMissing(const Path& path)
+{
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR);
+}
+
 std::optional<std::string> read(const Path& path, std::size_t limit)
 {
     const Descriptor descriptor = openToRead(path);

@@ -17,6 +17,9 @@ inline constexpr std::size_t kNoLimit = static_cast<std::size_t>(-1);
 /// Whether something stands at the path; a link whose target is missing does not count.
 bool exists(const Path& path);
 
+/// Whether certainly nothing stands at the path; not the opposite of `exists` where the system would not say.
+bool isMissing(const Path& path);
+
 /// The whole content of a regular file; none when it cannot be read, is no regular file or exceeds `limit` bytes.
 std::optional<std::string> read(const Path& path, std::size_t limit = kNoLimit);
 

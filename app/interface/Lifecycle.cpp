@@ -9,6 +9,8 @@
 #include <QScopedValueRollback>
 #include <QSessionManager>
 
+#include <utility>
+
 namespace interface {
 
 Lifecycle::Lifecycle(AppDelegate& delegate, const Interface& loaded)
@@ -21,10 +23,11 @@ Lifecycle::Lifecycle(AppDelegate& delegate, const Interface& loaded)
     connect(
         qApp, &QApplication::commitDataRequest, this,
         [this](QSessionManager& session) {
-            session.allowsInteraction(); // the delegate may have to ask the user
-            if (!mayTerminate())
+            // Asked for, not waited for: changes that cannot be saved are worth a question even if it is refused.
+            session.allowsInteraction();
+            sessionMayEnd_ = mayTerminate();
+            if (!sessionMayEnd_)
                 session.cancel();
-            session.release();
         },
         Qt::DirectConnection);
     connect(loaded.find<QAction>("terminate"), &QAction::triggered, this, &Lifecycle::terminate);
@@ -36,6 +39,10 @@ bool Lifecycle::eventFilter(QObject* watched, QEvent* event)
     if (event->type() != QEvent::Quit || watched != qApp)
         return false;
     // Qt would close one window after another before anybody is asked.
+    if (std::exchange(sessionMayEnd_, false)) {
+        quit();
+        return true;
+    }
     event->setAccepted(terminate());
     return true;
 }
@@ -52,9 +59,14 @@ bool Lifecycle::terminate()
 {
     if (!mayTerminate())
         return false;
+    quit();
+    return true;
+}
+
+void Lifecycle::quit()
+{
     delegate_.applicationWillTerminate();
     QApplication::exit(0);
-    return true;
 }
 
 void Lifecycle::lastWindowClosed()
@@ -62,8 +74,13 @@ void Lifecycle::lastWindowClosed()
     // An alert of the question itself counts as a window that closes.
     if (asking_ || !delegate_.applicationShouldTerminateAfterLastWindowClosed())
         return;
-    if (!terminate())
-        mainWindow_->show(); // nothing else would bring it back
+    if (terminate())
+        return;
+    // Nothing else would bring it back.
+    mainWindow_->setWindowState(mainWindow_->windowState() & ~Qt::WindowMinimized);
+    mainWindow_->show();
+    mainWindow_->raise();
+    mainWindow_->activateWindow();
 }
 
 } // namespace interface

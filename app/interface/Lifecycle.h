@@ -25,11 +25,14 @@ private:
     bool mayTerminate();
     /// Asks, and ends the event loop if the answer is that now is fine.
     bool terminate();
+    void quit();
     void lastWindowClosed();
 
     AppDelegate& delegate_;
     QWidget* mainWindow_;
     bool asking_ = false;
+    /// What the session manager was answered; the quit it sends then is not asked again.
+    bool sessionMayEnd_ = false;
 };
 
 } // namespace interface

@@ -4,6 +4,7 @@
 #include "platform/store/ManagedObjectModel.h"
 
 #include <algorithm>
+#include <system_error>
 
 namespace platform::store {
 
@@ -80,8 +81,16 @@ PersistentStoreCoordinator::PersistentStoreCoordinator(std::shared_ptr<const Man
 
 std::optional<Error> PersistentStoreCoordinator::addStore(const std::filesystem::path& file)
 {
-    file_ = file;
-    return files::exists(file_) ? open() : save({});
+    std::error_code error;
+    const auto status = std::filesystem::symlink_status(file, error);
+    if (status.type() == std::filesystem::file_type::not_found) {
+        file_ = file;
+        return save({});
+    }
+    // A save must not put a file in the place of a link.
+    const auto target = std::filesystem::is_symlink(status) ? std::filesystem::canonical(file, error) : file;
+    file_ = target.empty() ? file : target;
+    return open();
 }
 
 std::optional<Error> PersistentStoreCoordinator::save(const ObjectGraph& objects)

@@ -242,6 +242,63 @@ TEST_F(QuittingTest, TheEndOfTheSessionAsksTheDelegate)
     EXPECT_EQ(storedObjects(), 1U); // saved; the session ends the program when all have answered
 }
 
+TEST_F(QuittingTest, TheQuitThatFollowsTheEndOfTheSessionIsNotAskedAgain)
+{
+    launchWithDelegate();
+    change(kLarge);
+    auto* session = qApp->findChild<QSessionManager*>();
+    ASSERT_TRUE(session);
+    const FullDisk disk(kSmallDisk);
+    int status = kGoesOn;
+    const auto alerts = alertsOf(
+        [&] {
+            status = exitStatusOf([session] {
+                Q_EMIT qApp->commitDataRequest(*session);
+                QApplication::quit();
+            });
+        },
+        {"Cancel", "Cancel"});
+    EXPECT_THAT(alerts, ElementsAre(saveError(), quitAlert()));
+    EXPECT_EQ(status, 0);
+}
+
+TEST_F(QuittingTest, ASessionThatMayNotEndIsFollowedByAnotherQuestion)
+{
+    launchWithDelegate();
+    ASSERT_NE(delegate().managedObjectContext(), nullptr);
+    const auto editor = delegate().managedObjectContext()->registerEditor([] { return false; });
+    auto* session = qApp->findChild<QSessionManager*>();
+    EXPECT_EQ(exitStatusOf([session] {
+                  Q_EMIT qApp->commitDataRequest(*session);
+                  QApplication::quit();
+              }),
+              kGoesOn);
+    const std::string line = "AppDelegate:applicationShouldTerminate: unable to commit editing to terminate\n";
+    EXPECT_THAT(logText(), testing::EndsWith(line + line));
+}
+
+TEST_F(QuittingTest, TheSystemIsToldThatAQuitWasCancelled)
+{
+    launchWithDelegate();
+    ASSERT_NE(delegate().managedObjectContext(), nullptr);
+    EXPECT_FALSE(QApplication::quitOnLastWindowClosed()) << "the delegate decides, not Qt";
+    const auto editor = delegate().managedObjectContext()->registerEditor([] { return false; });
+    QEvent quit(QEvent::Quit);
+    QApplication::sendEvent(qApp, &quit);
+    EXPECT_FALSE(quit.isAccepted());
+}
+
+TEST_F(QuittingTest, AMinimisedMainWindowComesBackOpen)
+{
+    launchWithDelegate();
+    ASSERT_NE(delegate().managedObjectContext(), nullptr);
+    const auto editor = delegate().managedObjectContext()->registerEditor([] { return false; });
+    find("cwinMainWindow")->showMinimized();
+    EXPECT_EQ(exitStatusOf([this] { closeAllWindows(); }), kGoesOn);
+    EXPECT_TRUE(find("cwinMainWindow")->isVisible());
+    EXPECT_FALSE(find("cwinMainWindow")->isMinimized());
+}
+
 TEST_F(QuittingTest, QuitIsNotAskedTwiceAtATime)
 {
     launchWithDelegate();

@@ -470,6 +470,19 @@ TEST_F(FilesTest, ACopyCutShortLeavesTheTargetAlone)
     EXPECT_THAT(namesIn(folder_.path()), UnorderedElementsAre("CSParameterOrder.plist", "copy"));
 }
 
+TEST_F(FilesTest, MissingIsOnlyWhatIsCertainlyNotThere)
+{
+    test::write(folder_ / "file", "x");
+    fs::create_symlink(folder_ / "loop", folder_ / "loop");
+    fs::create_symlink(folder_ / "nowhere", folder_ / "dangling");
+    EXPECT_FALSE(files::isMissing(folder_ / "file"));
+    EXPECT_TRUE(files::isMissing(folder_ / "other"));
+    EXPECT_TRUE(files::isMissing(folder_ / "file/below"));
+    EXPECT_TRUE(files::isMissing(folder_ / "dangling"));
+    EXPECT_FALSE(files::isMissing(folder_ / "loop")) << "nobody can say";
+    EXPECT_FALSE(files::exists(folder_ / "loop"));
+}
+
 // Names
 
 TEST_F(FilesTest, APartialNameIsInTheSameFolderNoLongerAndAlwaysTheSame)

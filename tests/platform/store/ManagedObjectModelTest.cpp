@@ -20,7 +20,8 @@ TEST(ManagedObjectModelTest, AcceptsValuesOfTheAttributesType)
     EXPECT_FALSE(model->hasEntity("note"));
 
     const std::pair<const char*, plist::Value> values[] = {
-        {"title", "text"}, {"count", platform::plist::Integer(3)}, {"weight", plist::Real(0.5)}, {"done", true}, {"picture", plist::Data{"\x01"}},
+        {"title", "text"}, {"count", platform::plist::Integer(3)}, {"weight", plist::Real(0.5)},
+        {"done", true},    {"picture", plist::Data{"\x01"}},
     };
     for (const auto& [attribute, ignored] : values) {
         for (const auto& [fitting, value] : values)

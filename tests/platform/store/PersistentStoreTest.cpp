@@ -37,7 +37,12 @@ protected:
 };
 
 const ObjectGraph kObjects = {
-    {1, {"Note", {{"title", "Tom & <Jérôme>"}, {"count", platform::plist::Integer(-7)}, {"weight", plist::Real(0.1)}, {"done", true}}}},
+    {1,
+     {"Note",
+      {{"title", "Tom & <Jérôme>"},
+       {"count", platform::plist::Integer(-7)},
+       {"weight", plist::Real(0.1)},
+       {"done", true}}}},
     {2, {"Marker", {}}},
     {3, {"Note", {{"picture", plist::Data{std::string("\0\xff", 2)}}}}},
 };
@@ -62,6 +67,31 @@ TEST_F(PersistentStoreTest, ASecondCoordinatorFindsWhatTheFirstSaved)
     ASSERT_FALSE(second.addStore(file_));
     EXPECT_EQ(second.objects(), kObjects);
     EXPECT_EQ(second.newObjectId(), 4);
+}
+
+TEST_F(PersistentStoreTest, AStoreThatIsALinkStaysOne)
+{
+    const Path target = file_.parent_path() / "elsewhere.xml";
+    std::filesystem::create_symlink(target, file_);
+    EXPECT_EQ(open(), kStoreUnreadable) << "what a dangling link names may be on a disk that is away";
+    EXPECT_FALSE(std::filesystem::exists(target));
+
+    write(target, "<plist><dict><key>objects</key><array/></dict></plist>");
+    PersistentStoreCoordinator coordinator(model());
+    ASSERT_FALSE(coordinator.addStore(file_));
+    ASSERT_FALSE(coordinator.save(kObjects));
+    EXPECT_TRUE(std::filesystem::is_symlink(file_));
+    EXPECT_THAT(read(target), HasSubstr("Tom &amp;"));
+}
+
+TEST_F(PersistentStoreTest, AStoreThatCannotBeExaminedIsNotReplaced)
+{
+    const Path folder = file_.parent_path() / "loop";
+    std::filesystem::create_symlink(folder, folder); // every look at it fails, and not because nothing is there
+    PersistentStoreCoordinator coordinator(model());
+    const auto error = coordinator.addStore(folder / "store");
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->code, kStoreUnreadable);
 }
 
 TEST_F(PersistentStoreTest, TheFileIsXmlForPeople)
