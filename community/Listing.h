@@ -24,7 +24,7 @@ struct Column {
     bool operator==(const Column&) const = default;
 };
 
-/// The comments, then whatever else the server sent, in the order in which the keys first come. Not what only the
+/// The comments, then whatever else the server sent, entry by entry as the keys of each come. Not what only the
 /// server understands: identifier and location. At most 24 columns.
 std::vector<Column> columnsOf(const std::vector<platform::Record>& entries);
 

@@ -97,7 +97,8 @@ class Json {
 public:
     virtual ~Json() = default;
     /// The objects of an array, in order, as records of texts: a text as it stands, a number in its digits, anything
-    /// else as compact JSON. Elements that are no objects are passed over; what is no array holds none.
+    /// else as compact JSON; a null is as good as absent. Keys come in alphabetical order. Elements that are no objects
+    /// are passed over; what is no array holds none.
     virtual std::vector<Record> objectsOf(std::string_view json) const = 0;
 };
 

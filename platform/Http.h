@@ -1,6 +1,7 @@
 #pragma once
 // HTTP as the community library needs it: requests that block until the reply is there, and downloads into a file that
-// run beside everything else. Addresses are sent byte for byte; a blank or control character in one fails the request.
+// run beside everything else. Addresses are sent byte for byte; a blank or control character in one fails the request,
+// and what follows a `#` stays here, as in every address.
 //
 // Both follow redirects as browsers do, ten at most and to http and https only, and end after 60 seconds without
 // progress. Nothing is sent twice.

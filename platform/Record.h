@@ -19,6 +19,8 @@ public:
 
     Record() = default;
     Record(std::initializer_list<Field> fields) : fields_(fields) {}
+    /// No key may come twice.
+    explicit Record(std::vector<Field> fields) : fields_(std::move(fields)) {}
 
     /// The text under `key`; empty when the key is missing or holds a number.
     const std::string& text(std::string_view key) const;

@@ -40,6 +40,30 @@ void follow(Binding* binding, Property<T>& property, std::function<void(const T&
     binding->keep(property.onChange(std::move(show)));
 }
 
+/// The text as it was typed; `toPlainText` would make plain blanks of those that do not break.
+std::string typedText(const QPlainTextEdit* edit)
+{
+    QString text = edit->document()->toRawText();
+    for (QChar& c : text) {
+        if (c == QChar::ParagraphSeparator || c == QChar::LineSeparator)
+            c = QLatin1Char('\n');
+    }
+    return fromQt(text);
+}
+
+/// Whether a text has a word so long that looking for places to break it would take seconds.
+bool hasEndlessWord(std::string_view text)
+{
+    constexpr std::size_t kEndless = 5000;
+    std::size_t length = 0;
+    for (const char c : text) {
+        length = c == ' ' || c == '\n' ? 0 : length + 1;
+        if (length > kEndless)
+            return true;
+    }
+    return false;
+}
+
 class WindowBinding final : public Binding {
 public:
     WindowBinding(QWidget* widget, const std::shared_ptr<Window>& window)
@@ -94,11 +118,13 @@ void bind(const std::shared_ptr<TextField>& field, QPlainTextEdit* edit)
     auto* binding = new Binding(edit, field);
     follow<std::string>(binding, field->stringValue, [edit](const std::string& text) {
         const QSignalBlocker quiet(edit); // the edit may read other line ends; what was set is what counts
-        if (fromQt(edit->toPlainText()) != text)
+        if (typedText(edit) != text) {
+            edit->setLineWrapMode(hasEndlessWord(text) ? QPlainTextEdit::NoWrap : QPlainTextEdit::WidgetWidth);
             edit->setPlainText(toQt(text));
+        }
     });
     QObject::connect(edit, &QPlainTextEdit::textChanged, binding,
-                     [control = field.get(), edit] { control->stringValue.set(fromQt(edit->toPlainText())); });
+                     [control = field.get(), edit] { control->stringValue.set(typedText(edit)); });
 }
 
 void bind(const std::shared_ptr<Button>& button, QAbstractButton* widget)

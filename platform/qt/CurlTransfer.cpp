@@ -12,7 +12,9 @@ constexpr int kMostRedirects = 10;
 /// A host that names this machine, however it is written in an address.
 bool isLoopback(std::string_view host)
 {
-    return host == "localhost" || host.ends_with(".localhost") || host.starts_with("127.") || host == "[::1]";
+    const bool isIpv4 = host.find_first_not_of("0123456789.") == std::string_view::npos;
+    return host == "localhost" || host.ends_with(".localhost") || (isIpv4 && host.starts_with("127.")) ||
+           host == "[::1]";
 }
 
 /// In lower case; empty when the address has none.
@@ -54,6 +56,8 @@ void CurlTransfer::setUp()
     CURL* curl = handle();
     allowHttpOnly(curl);
     curl_easy_setopt(curl, CURLOPT_PATH_AS_IS, 1L);
+    // A redirect must not make us send an authorization that nobody gave.
+    curl_easy_setopt(curl, CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
     curl_easy_setopt(curl, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     curl_easy_setopt(curl, CURLOPT_FRESH_CONNECT, 1L);
     curl_easy_setopt(curl, CURLOPT_FORBID_REUSE, 1L);
@@ -71,7 +75,9 @@ void CurlTransfer::setUp()
 void CurlTransfer::setUpHop()
 {
     CURL* curl = handle();
-    curl_easy_setopt(curl, CURLOPT_URL, request_.address.c_str());
+    // A NUL would cut the address short and ask for something else; an address that is no address fails.
+    const bool isWhole = request_.address.find('\0') == std::string::npos;
+    curl_easy_setopt(curl, CURLOPT_URL, isWhole ? request_.address.c_str() : "");
     // A null pointer leaves the choice to the environment's variables.
     curl_easy_setopt(curl, CURLOPT_PROXY, isLoopback(hostOf(request_.address)) ? "" : nullptr);
     curl_easy_setopt(curl, CURLOPT_HTTPHEADER, nullptr);
@@ -143,7 +149,8 @@ std::int64_t CurlTransfer::expected() const
 {
     curl_off_t size = 0;
     curl_easy_getinfo(handle(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &size);
-    return size > 0 ? static_cast<std::int64_t>(size) : 0;
+    const bool isBelievable = size > 0 && static_cast<std::uint64_t>(size) <= limit_;
+    return isBelievable ? static_cast<std::int64_t>(size) : 0;
 }
 
 std::size_t CurlTransfer::takeHeader(char* bytes, std::size_t, std::size_t count, void* self)

@@ -10,6 +10,10 @@ namespace platform::qt {
 
 namespace {
 
+/// What is longer than a line is wrapped, and what would fill the screen is cut.
+constexpr qsizetype kOneLine = 80;
+constexpr qsizetype kLongest = 1000;
+
 /// The item view whose viewport the widget is, or null.
 QAbstractItemView* viewOf(QWidget* widget)
 {
@@ -28,7 +32,8 @@ QString toolTipAt(QWidget* widget, const QPoint& position)
 
 void showPlainToolTip(const QPoint& globalPosition, const QString& text, QWidget* widget)
 {
-    const QString asWritten = QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(text.toHtmlEscaped());
+    const QString shown = text.size() <= kLongest ? text : text.left(kLongest) + QChar(0x2026);
+    const QString asWritten = QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(shown.toHtmlEscaped());
     QToolTip::showText(globalPosition, asWritten, widget);
 }
 
@@ -39,7 +44,7 @@ bool PlainToolTips::eventFilter(QObject* watched, QEvent* event)
         return false;
     const auto* help = static_cast<QHelpEvent*>(event);
     const QString text = toolTipAt(widget, help->pos());
-    if (!Qt::mightBeRichText(text))
+    if (text.size() <= kOneLine && !Qt::mightBeRichText(text))
         return false;
     showPlainToolTip(help->globalPos(), text, widget);
     return true;

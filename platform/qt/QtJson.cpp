@@ -69,10 +69,12 @@ std::string textOf(const QJsonValue& value)
 
 Record recordOf(const QJsonObject& object)
 {
-    Record record;
-    for (auto member = object.begin(); member != object.end(); ++member)
-        record.set(fromQt(member.key()), textOf(member.value()));
-    return record;
+    std::vector<Record::Field> fields;
+    for (auto member = object.begin(); member != object.end(); ++member) {
+        if (!member.value().isNull())
+            fields.emplace_back(fromQt(member.key()), textOf(member.value()));
+    }
+    return Record(std::move(fields));
 }
 
 } // namespace

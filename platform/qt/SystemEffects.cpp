@@ -13,6 +13,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QUrl>
 
 #include <cstdlib>
@@ -31,7 +32,8 @@ QMessageBox::Icon iconFor(Alert::Style style)
     return QMessageBox::Warning;
 }
 
-/// A text that is higher than the screen, such as a server's error page, would take the buttons with it.
+/// A text that is higher than the screen, such as a server's error page, would take the buttons with it, and a line
+/// that cannot be broken would be cut.
 void letLongTextScroll(QMessageBox& box)
 {
     constexpr int kWidth = 520;
@@ -39,13 +41,19 @@ void letLongTextScroll(QMessageBox& box)
     auto* text = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
     const int highest = box.screen()->availableGeometry().height() / 2;
     const int place = grid && text ? grid->indexOf(text) : -1;
-    if (place < 0 || text->heightForWidth(kWidth) <= highest)
+    if (place < 0)
+        return;
+    const int height = text->heightForWidth(kWidth);
+    const int width = text->minimumSizeHint().width();
+    if (height <= highest && width <= kWidth)
         return;
     int row = 0, column = 0, rows = 0, columns = 0;
     grid->getItemPosition(place, &row, &column, &rows, &columns);
     auto* scroll = new QScrollArea;
     scroll->setWidgetResizable(true);
-    scroll->setMinimumSize(kWidth, highest);
+    scroll->setFrameShape(QFrame::NoFrame);
+    const int bar = scroll->horizontalScrollBar()->sizeHint().height();
+    scroll->setMinimumSize(kWidth, std::min(highest, height + bar));
     grid->removeWidget(text);
     scroll->setWidget(text);
     grid->addWidget(scroll, row, column, rows, columns);

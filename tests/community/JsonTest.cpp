@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QElapsedTimer>
+
 namespace platform::qt {
 
 namespace {
@@ -36,9 +38,28 @@ TEST(Json, KeepsTextsAsTheyStand)
 TEST(Json, ShowsAnythingElseAsCompactJson)
 {
     EXPECT_EQ(textOf("true"), "true");
-    EXPECT_EQ(textOf("null"), "null");
+    EXPECT_EQ(textOf("[null]"), "[null]");
     EXPECT_EQ(textOf("[ 1, \"a\", {} ]"), "[1,\"a\",{}]");
     EXPECT_EQ(textOf("{ \"b\" : 1, \"a\" : [ ] }"), "{\"a\":[],\"b\":1}");
+}
+
+TEST(Json, ANullIsAsGoodAsAbsent)
+{
+    const auto records = QtJson().objectsOf(R"([{"userComments": null, "patchID": 1}])");
+    ASSERT_EQ(records.size(), 1u);
+    ASSERT_EQ(records[0].fields().size(), 1u);
+    EXPECT_EQ(records[0].fields()[0].first, "patchID");
+}
+
+TEST(Json, AnObjectOfManyKeysIsNoWait)
+{
+    std::string json = "[{";
+    for (int key = 0; key < 100'000; ++key)
+        json += (key ? ",\"k" : "\"k") + std::to_string(key) + "\":1";
+    QElapsedTimer time;
+    time.start();
+    EXPECT_EQ(QtJson().objectsOf(json + "}]").at(0).fields().size(), 100'000u);
+    EXPECT_LT(time.elapsed(), 5000); // what is quadratic takes a minute
 }
 
 TEST(Json, PassesOverElementsThatAreNoObjects)
