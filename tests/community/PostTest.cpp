@@ -70,6 +70,24 @@ TEST_F(Post, FailsWithoutAWordOnAnAddressWithABlank)
     EXPECT_TRUE(peer_.requests().empty());
 }
 
+TEST_F(Post, FailsOnAnAddressThatANulWouldCutShort)
+{
+    using namespace std::string_literals;
+    EXPECT_EQ(post("kv_downloadreg.php?patchID=a\0b"s), std::nullopt);
+    EXPECT_TRUE(peer_.requests().empty());
+}
+
+TEST_F(Post, NoRedirectMakesItSendAnAuthorization)
+{
+    std::string target = peer_.url();
+    target.insert(std::string("http://").size(), "user:secret@");
+    peer_.play(support::redirect(302, target + "there"));
+    peer_.play(support::reply("there"));
+    EXPECT_EQ(post("here"), std::nullopt);
+    for (const std::string& request : peer_.requests())
+        EXPECT_EQ(request.find("Authorization"), std::string::npos);
+}
+
 TEST_F(Post, SendsABodyWithOneContentType)
 {
     peer_.play(support::reply("stored"));

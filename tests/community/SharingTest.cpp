@@ -12,9 +12,12 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QLabel>
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 #include <QTreeView>
 
@@ -141,6 +144,31 @@ TEST_F(Sharing, LongReplyIsShownWholeOnAnAlertThatFitsOnTheScreen)
     EXPECT_EQ(alerts_.shown(), std::vector{(ShownAlert{"Upload notification", page, 1})});
     EXPECT_GT(height, 100);
     EXPECT_TRUE(isButtonOnScreen);
+}
+
+TEST_F(Sharing, ReplyWithoutABlankCanBeReadToItsEnd)
+{
+    bool isScrolled = false;
+    alerts_.whileOpen = [&] {
+        const auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        const auto* text = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
+        const auto* area = box->findChild<QScrollArea*>();
+        isScrolled = area && text && area->isAncestorOf(text) && area->horizontalScrollBar()->maximum() > 0 &&
+                     text->width() >= text->minimumSizeHint().width();
+    };
+    const std::string reply(300, 'x');
+    peer_.play(support::reply(reply));
+    program_->controller.kvCommunityUploadBtn();
+    EXPECT_EQ(alerts_.shown(), std::vector{(ShownAlert{"Upload notification", reply, 1})});
+    EXPECT_TRUE(isScrolled);
+}
+
+TEST_F(Sharing, CommentsGoOutAsTheyWereTyped)
+{
+    peer_.play(support::reply("thanks"));
+    program_->type("cwinUploadComments", "bien\u00a0!\nx");
+    program_->controller.kvCommunityUploadBtn();
+    EXPECT_TRUE(peer_.requestLines().back().ends_with("&comments=bien%C2%A0!%0Ax")) << peer_.requestLines().back();
 }
 
 TEST_F(Sharing, BrowsingListsTheEntriesInTheServersOrder)

@@ -170,6 +170,8 @@ QString uploaded(Tour& tour)
     tour.answerAlert();
     tour.click("kvCommunityUploadBtn");
     tour.expect(tour.textOfAlert() == QLatin1String("Upload notification"), QStringLiteral("the server answers"));
+    tour.expect(tour.informativeTextOfAlert().contains(QLatin1String("now shared")),
+                QStringLiteral("the server took the upload"));
     return tour.textOfAlert() + QStringLiteral(": ") + tour.informativeTextOfAlert().simplified();
 }
 
@@ -177,18 +179,21 @@ QString browse(Tour& tour)
 {
     tour.click("kv_btn_cloudLibraryDownload");
     tour.lookAt("cwinDownloadWindow");
-    const int rows = tour.find<QAbstractItemView>("cwinPlistAvailable")->model()->rowCount();
-    tour.expect(rows > 0, QStringLiteral("the upload is listed"));
-    return QStringLiteral("%1 shared mappings").arg(rows);
+    const auto* shared = tour.find<QAbstractItemView>("cwinPlistAvailable")->model();
+    tour.expect(shared->index(0, 0).data().toString() == QLatin1String("Bands in order, gains on page 2"),
+                QStringLiteral("the upload is listed first"));
+    return QStringLiteral("%1 shared mappings").arg(shared->rowCount());
 }
 
 QString download(Tour& tour)
 {
+    tour.clickRow("cwinPlistAvailable", QStringLiteral("Teo Marrable"), 3);
     tour.answerAlert();
     tour.click("kvCommunityLoadSelectedDownload");
     tour.waitForAlert();
     tour.expect(tour.textOfAlert() == QLatin1String("OK Done"), QStringLiteral("the download is loaded"));
-    return tour.textOfAlert() + QStringLiteral(", ") + tour.text("labKOScreen_Title");
+    tour.expect(tour.text(kLabels[0]) == QLatin1String("Low Gain"), QStringLiteral("pot 1 is as it was shared"));
+    return tour.textOfAlert() + QStringLiteral(", pot 1 is ") + tour.text(kLabels[0]);
 }
 
 QString help(Tour& tour)
