@@ -52,6 +52,7 @@ void Tour::start(std::vector<Step> steps)
 void Tour::next()
 {
     if (current_ == steps_.size()) {
+        QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
         topLevel("cwinMainWindow")->close();
         return;
     }
