@@ -8,16 +8,15 @@
 #include <openssl/rand.h>
 #include <sqlite3.h>
 
+#include <cstdint>
+#include <cstring>
 #include <initializer_list>
 #include <stdexcept>
 
 namespace {
 
-namespace files = platform::files;
-
 constexpr int kHashRounds = 100'000;
 constexpr std::size_t kHashSize = 32;
-constexpr std::size_t kNameBytes = 16;
 
 constexpr char kTables[] = R"(
     CREATE TABLE IF NOT EXISTS account (
@@ -53,8 +52,8 @@ public:
     }
     std::string column(int index) const
     {
-        const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement_, index));
-        return {bytes ? bytes : "", static_cast<std::size_t>(sqlite3_column_bytes(statement_, index))};
+        return {static_cast<const char*>(sqlite3_column_blob(statement_, index)),
+                static_cast<std::size_t>(sqlite3_column_bytes(statement_, index))};
     }
 
 private:
@@ -76,25 +75,11 @@ std::string randomBytes(std::size_t count)
     return bytes;
 }
 
-std::string randomName()
-{
-    std::string name;
-    for (const char byte : randomBytes(kNameBytes)) {
-        name += "0123456789abcdef"[(byte >> 4) & 0xf];
-        name += "0123456789abcdef"[byte & 0xf];
-    }
-    return name + ".plist";
-}
-
 std::string randomPin()
 {
-    std::string pin;
-    while (pin.size() < 6) {
-        const auto byte = static_cast<unsigned char>(randomBytes(1)[0]);
-        if (byte < 250) // every digit as often
-            pin += static_cast<char>('0' + byte % 10);
-    }
-    return pin;
+    std::uint64_t number = 0;
+    std::memcpy(&number, randomBytes(sizeof number).data(), sizeof number);
+    return std::to_string(1'000'000 + number % 1'000'000).substr(1);
 }
 
 std::string hashOf(const std::string& pin, const std::string& salt)
@@ -115,26 +100,16 @@ bool isMapping(std::string_view bytes)
     return order && order->asArray();
 }
 
-/// A name as `randomName` makes them, and so no path.
-bool isFileName(std::string_view name)
-{
-    return name.size() == 2 * kNameBytes + 6 && name.ends_with(".plist") &&
-           name.find_first_not_of("0123456789abcdef") == 2 * kNameBytes;
-}
-
 } // namespace
-
-void Library::Close::operator()(sqlite3* database) const
-{
-    sqlite3_close(database);
-}
 
 Library::Library(std::filesystem::path folder) : folder_(std::move(folder))
 {
     std::filesystem::create_directories(folder_ / "files");
     sqlite3* database = nullptr;
-    const int result = sqlite3_open((folder_ / "library.sqlite").c_str(), &database);
-    database_.reset(database);
+    const int result = sqlite3_open_v2((folder_ / "library.sqlite").c_str(), &database,
+                                       SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX, nullptr);
+    database_.reset(database, sqlite3_close);
+    sqlite3_busy_timeout(database, 5000); // milliseconds
     if (result != SQLITE_OK || sqlite3_exec(database, kTables, nullptr, nullptr, nullptr) != SQLITE_OK)
         throw std::runtime_error(sqlite3_errmsg(database));
 }
@@ -144,7 +119,6 @@ std::optional<std::string> Library::createAccount(const std::string& userName, c
     const std::string pin = randomPin();
     const std::string salt = randomBytes(16);
     const std::string hash = hashOf(pin, salt);
-    const std::lock_guard lock(mutex_);
     Statement insert(database_.get(),
                      "INSERT INTO account VALUES (?, ?, CAST(? AS BLOB), CAST(? AS BLOB)) "
                      "ON CONFLICT DO NOTHING RETURNING userName",
@@ -154,23 +128,16 @@ std::optional<std::string> Library::createAccount(const std::string& userName, c
 
 bool Library::hasAccount(const std::string& userName)
 {
-    const std::lock_guard lock(mutex_);
     return Statement(database_.get(), "SELECT 1 FROM account WHERE userName = ?", {userName}).step();
 }
 
 bool Library::isPinOf(const std::string& userName, const std::string& pin)
 {
-    std::string salt;
-    std::string hash(kHashSize, '\0');
-    {
-        const std::lock_guard lock(mutex_);
-        Statement select(database_.get(), "SELECT salt, hash FROM account WHERE userName = ?", {userName});
-        if (!select.step())
-            return false;
-        salt = select.column(0);
-        hash = select.column(1);
-    }
-    return hash.size() == kHashSize && CRYPTO_memcmp(hashOf(pin, salt).data(), hash.data(), kHashSize) == 0;
+    Statement select(database_.get(), "SELECT salt, hash FROM account WHERE userName = ?", {userName});
+    if (!select.step())
+        return false;
+    const std::string hash = select.column(1);
+    return hash.size() == kHashSize && CRYPTO_memcmp(hashOf(pin, select.column(0)).data(), hash.data(), kHashSize) == 0;
 }
 
 bool Library::share(const std::string& userName, const std::string& plugin, const std::string& comments,
@@ -178,10 +145,11 @@ bool Library::share(const std::string& userName, const std::string& plugin, cons
 {
     if (file.size() > kLargestFile || !isMapping(file))
         return false;
-    const std::string name = randomName();
-    if (!files::writeAtomically(folder_ / "files" / name, file))
+    Statement random(database_.get(), "SELECT lower(hex(randomblob(16))) || '.plist'", {});
+    random.step();
+    const std::string name = random.column(0);
+    if (!platform::files::writeAtomically(folder_ / "files" / name, file))
         throw std::runtime_error("cannot write " + name);
-    const std::lock_guard lock(mutex_);
     Statement(database_.get(), "INSERT INTO mapping (plugin, userName, comments, fileName) VALUES (?, ?, ?, ?)",
               {plugin, userName, comments, name})
         .step();
@@ -190,7 +158,6 @@ bool Library::share(const std::string& userName, const std::string& plugin, cons
 
 std::string Library::listing(const std::string& plugin)
 {
-    const std::lock_guard lock(mutex_);
     Statement select(database_.get(),
                      "SELECT json_group_array(json_object('patchID', patchID, 'fileLocation', 'files/' || fileName, "
                      "'userComments', comments, 'uploader', userName, 'uploadDate', date(uploaded), 'downloads', "
@@ -202,7 +169,6 @@ std::string Library::listing(const std::string& plugin)
 
 bool Library::countDownload(const std::string& patchId)
 {
-    const std::lock_guard lock(mutex_);
     return Statement(database_.get(),
                      "UPDATE mapping SET downloads = downloads + 1 WHERE patchID = ? RETURNING patchID", {patchId})
         .step();
@@ -210,23 +176,29 @@ bool Library::countDownload(const std::string& patchId)
 
 std::optional<std::string> Library::file(const std::string& name)
 {
-    return isFileName(name) ? files::read(folder_ / "files" / name, kLargestFile) : std::nullopt;
+    // A name that is listed is one of our own making, and so no path.
+    if (!Statement(database_.get(), "SELECT 1 FROM mapping WHERE fileName = ?", {name}).step())
+        return std::nullopt;
+    return platform::files::read(folder_ / "files" / name, kLargestFile);
 }
 
 void Library::seed(const std::filesystem::path& folder)
 {
     if (Statement(database_.get(), "SELECT 1 FROM mapping", {}).step())
         return;
-    const auto list = files::read(folder / "mappings.json");
+    const auto list = platform::files::read(folder / "mappings.json");
     if (!list)
         throw std::runtime_error("cannot read " + (folder / "mappings.json").native());
+    // All or nothing, so that a seeding that was cut off is done anew the next time.
+    Statement(database_.get(), "BEGIN IMMEDIATE", {}).step();
     Statement entries(database_.get(),
                       "SELECT value ->> 'user', value ->> 'plugin', value ->> 'comments', value ->> 'file' "
                       "FROM json_each(?)",
                       {*list});
     while (entries.step()) {
-        const auto bytes = files::read(folder / entries.column(3), kLargestFile);
+        const auto bytes = platform::files::read(folder / entries.column(3), kLargestFile);
         if (!bytes || !share(entries.column(0), entries.column(1), entries.column(2), *bytes))
             throw std::runtime_error("no mapping: " + (folder / entries.column(3)).native());
     }
+    Statement(database_.get(), "COMMIT", {}).step();
 }

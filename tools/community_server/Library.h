@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <filesystem>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,7 +23,7 @@ public:
     bool hasAccount(const std::string& userName);
     bool isPinOf(const std::string& userName, const std::string& pin);
 
-    /// Stores a mapping. False when the bytes are no mapping.
+    /// Stores a mapping. False when the bytes are no mapping or more than kLargestFile.
     bool share(const std::string& userName, const std::string& plugin, const std::string& comments,
                std::string_view file);
     /// The mappings shared for a plug-in as a JSON array, newest first.
@@ -38,11 +37,6 @@ public:
     void seed(const std::filesystem::path& folder);
 
 private:
-    struct Close {
-        void operator()(sqlite3* database) const;
-    };
-
     std::filesystem::path folder_;
-    std::unique_ptr<sqlite3, Close> database_;
-    std::mutex mutex_;
+    std::shared_ptr<sqlite3> database_;
 };

@@ -5,10 +5,16 @@
 
 #include <httplib.h>
 
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <map>
 #include <string>
 #include <thread>
 
@@ -19,52 +25,42 @@ using httplib::Response;
 
 constexpr std::size_t kLongestName = 200;
 constexpr std::size_t kLongestComments = 4000;
-constexpr std::size_t kFormOverhead = 4096;
-
-struct Options {
-    std::string host = "127.0.0.1";
-    int port = 8765;
-    std::string data = "community-data";
-    std::string seed;
-};
+constexpr char kTooLarge[] = "The file is too large, so it was not shared. A mapping has at most 1 MiB.";
 
 constexpr char kUsage[] = "Usage: community_server [--host ADDRESS] [--port NUMBER] [--data FOLDER] [--seed FOLDER]\n"
+                          "                        [--with-parent PID]\n"
                           "Port 0 takes a free one; the address is printed when the server listens.\n";
+
+using Options = std::map<std::string, std::string>;
 
 bool read(int argc, char** argv, Options& options)
 {
     for (int i = 1; i + 1 < argc; i += 2) {
-        const std::string name = argv[i];
-        const std::string value = argv[i + 1];
-        if (name == "--host")
-            options.host = value;
-        else if (name == "--port")
-            options.port = std::atoi(value.c_str());
-        else if (name == "--data")
-            options.data = value;
-        else if (name == "--seed")
-            options.seed = value;
-        else
+        const auto option = options.find(argv[i]);
+        if (option == options.end())
             return false;
+        option->second = argv[i + 1];
     }
-    return argc % 2 == 1 && options.port >= 0 && options.port <= 65535;
+    return argc % 2 == 1;
+}
+
+/// A value of the request's query. The clients leave a plus as it is, and httplib would make a space of it.
+std::string valueOf(const Request& request, const std::string& name)
+{
+    const std::string& target = request.target;
+    for (std::size_t start = target.find('?'); start != std::string::npos; start = target.find('&', start + 1))
+        if (target.compare(start + 1, name.size() + 1, name + "=") == 0) {
+            const std::size_t value = start + name.size() + 2;
+            return httplib::detail::decode_url(target.substr(value, target.find('&', value) - value), false);
+        }
+    return {};
 }
 
 /// A text that can be stored and sent out again.
-bool isText(const std::string& text, std::size_t longest)
+bool isText(const std::string& text, std::size_t shortest, std::size_t longest)
 {
-    return text.size() <= longest && platform::isUtf8(text) && text.find('\0') == std::string::npos;
-}
-
-bool isName(const std::string& text)
-{
-    return !text.empty() && isText(text, kLongestName);
-}
-
-/// Names that clients send when there is none.
-bool isReserved(const std::string& userName)
-{
-    return userName == "NOONEHERE" || userName == "(null)";
+    return text.size() >= shortest && text.size() <= longest && platform::isUtf8(text) &&
+           text.find('\0') == std::string::npos;
 }
 
 void say(Response& response, const std::string& text)
@@ -74,9 +70,10 @@ void say(Response& response, const std::string& text)
 
 std::string createAccount(Library& library, const std::string& userName, const std::string& email)
 {
-    if (!isName(userName) || isReserved(userName))
+    // The last two are what clients send when there is no name.
+    if (!isText(userName, 1, kLongestName) || userName == "NOONEHERE" || userName == "(null)")
         return "Please choose another user name.";
-    if (!isName(email) || email.find('@') == std::string::npos)
+    if (!isText(email, 1, kLongestName) || email.find('@') == std::string::npos)
         return "Please give an e-mail address.";
     const auto pin = library.createAccount(userName, email);
     if (!pin)
@@ -86,43 +83,60 @@ std::string createAccount(Library& library, const std::string& userName, const s
 
 std::string takeUpload(Library& library, const Request& request)
 {
-    const std::string userName = request.get_param_value("user");
-    const std::string plugin = request.get_param_value("plugin");
-    const std::string comments = request.get_param_value("comments");
-    if (isReserved(userName) || !library.hasAccount(userName))
+    const std::string userName = valueOf(request, "user");
+    const std::string plugin = valueOf(request, "plugin");
+    const std::string comments = valueOf(request, "comments");
+    if (!library.hasAccount(userName))
         return "Please log in before you share a mapping.";
-    if (!isName(plugin) || !isText(comments, kLongestComments))
+    if (!isText(plugin, 1, kLongestName) || !isText(comments, 0, kLongestComments))
         return "The name of the plug-in or the comments cannot be stored.";
     if (!request.has_file("userfile"))
         return "There was no file in the upload.";
-    if (!library.share(userName, plugin, comments, request.get_file_value("userfile").content))
+    const std::string file = request.get_file_value("userfile").content;
+    if (file.size() > Library::kLargestFile)
+        return kTooLarge;
+    if (!library.share(userName, plugin, comments, file))
         return "The file is no mapping, so it was not shared. Save the mapping first.";
     return "Thank you, " + userName + "! Your mapping for " + plugin + " is now shared.";
 }
 
 void route(httplib::Server& server, Library& library)
 {
-    server.Post("/checkuser.php", [&](const Request& request, Response& response) {
-        const bool isValid = library.isPinOf(request.get_param_value("userName"), request.get_param_value("pinCode"));
-        say(response, isValid ? "\nOK\n" : "\nNO\n");
+    const auto answer = [&](const char* path, auto answerTo) {
+        server.Post(path, [=](const Request& request, Response& response) { say(response, answerTo(request)); });
+    };
+    answer("/checkuser.php", [&](const Request& request) {
+        return library.isPinOf(valueOf(request, "userName"), valueOf(request, "pinCode")) ? "\nOK\n" : "\nNO\n";
     });
-    server.Post("/checkuserexists.php", [&](const Request& request, Response& response) {
-        say(response,
-            createAccount(library, request.get_param_value("userName"), request.get_param_value("emailAddr")));
+    answer("/checkuserexists.php", [&](const Request& request) {
+        return createAccount(library, valueOf(request, "userName"), valueOf(request, "emailAddr"));
     });
-    server.Post("/kv_upload.php",
-                [&](const Request& request, Response& response) { say(response, takeUpload(library, request)); });
+    answer("/kv_upload.php", [&](const Request& request) { return takeUpload(library, request); });
+    answer("/kv_downloadreg.php", [&](const Request& request) {
+        return library.countDownload(valueOf(request, "patchID")) ? "\nOK\n" : "\nNO\n";
+    });
     server.Post("/kv_listplists.php", [&](const Request& request, Response& response) {
-        response.set_content(library.listing(request.get_param_value("plugin")), "application/json");
-    });
-    server.Post("/kv_downloadreg.php", [&](const Request& request, Response& response) {
-        say(response, library.countDownload(request.get_param_value("patchID")) ? "\nOK\n" : "\nNO\n");
+        response.set_content(library.listing(valueOf(request, "plugin")), "application/json");
     });
     server.Get("/files/([0-9a-f]+\\.plist)", [&](const Request& request, Response& response) {
         if (const auto bytes = library.file(request.matches[1].str()))
             response.set_content(*bytes, "application/octet-stream");
         else
             response.status = 404;
+    });
+}
+
+void answerProblems(httplib::Server& server)
+{
+    // The clients show the body, so an empty one would be an alert that says nothing.
+    server.set_error_handler([](const Request&, Response& response) {
+        switch (response.status) {
+        case 400: return say(response, "The request was not understood.");
+        case 404: return say(response, "The library has nothing at this address.");
+        case 413: return say(response, kTooLarge);
+        case 414: return say(response, "The text is too long. Please shorten it.");
+        default: return say(response, "The library could not do that. Please try again later.");
+        }
     });
     server.set_exception_handler([](const Request& request, Response& response, std::exception_ptr problem) {
         try {
@@ -131,7 +145,6 @@ void route(httplib::Server& server, Library& library)
             std::fprintf(stderr, "community_server: %s: %s\n", request.path.c_str(), error.what());
         }
         response.status = 500;
-        say(response, "The library could not do that. Please try again later.");
     });
 }
 
@@ -142,17 +155,19 @@ int serve(httplib::Server& server, const Options& options)
         const int yes = 1;
         ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
     });
-    server.set_payload_max_length(Library::kLargestFile + kFormOverhead);
-    int port = options.port;
-    if (port == 0)
-        port = server.bind_to_any_port(options.host);
-    else if (!server.bind_to_port(options.host, port))
-        port = -1;
+    // Shorter than the library's own, since a connection left open keeps a thread, and the server from ending.
+    server.set_keep_alive_timeout(1);
+    server.set_payload_max_length(Library::kLargestFile + 4096); // with the form around the file
+    const std::string& host = options.at("--host");
+    const int asked = std::atoi(options.at("--port").c_str());
+    const bool isBound = asked > 0 && asked <= 65535 && server.bind_to_port(host, asked);
+    const int port = asked == 0 ? server.bind_to_any_port(host) : isBound ? asked : -1;
     if (port < 0) {
-        std::fprintf(stderr, "community_server: cannot listen on %s, port %d\n", options.host.c_str(), options.port);
+        std::fprintf(stderr, "community_server: cannot listen on %s, port %s\n", host.c_str(),
+                     options.at("--port").c_str());
         return 1;
     }
-    std::printf("http://%s:%d/\n", options.host.c_str(), port);
+    std::printf("http://%s:%d/\n", host.c_str(), port);
     std::fflush(stdout);
     return server.listen_after_bind() ? 0 : 1;
 }
@@ -161,29 +176,47 @@ int serve(httplib::Server& server, const Options& options)
 
 int main(int argc, char* argv[])
 {
-    Options options;
+    Options options{{"--host", "127.0.0.1"},
+                    {"--port", "8765"},
+                    {"--data", "community-data"},
+                    {"--seed", ""},
+                    {"--with-parent", ""}};
     if (!read(argc, argv, options)) {
         std::fputs(kUsage, stderr);
         return 2;
     }
+    umask(077); // the folder holds e-mail addresses and the hashes of PINs
     // Blocked before any thread starts, so that only the one that waits for them gets them.
     sigset_t ends;
     sigemptyset(&ends);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         sigaddset(&ends, signal);
     pthread_sigmask(SIG_BLOCK, &ends, nullptr);
+    // The parent may have ended before it was asked to tell.
+    const std::string& parent = options["--with-parent"];
+    if (!parent.empty() && (prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || std::to_string(getppid()) != parent))
+        return 1;
     try {
-        Library library(options.data);
-        if (!options.seed.empty())
-            library.seed(options.seed);
+        Library library(options["--data"]);
+        if (!options["--seed"].empty())
+            library.seed(options["--seed"]);
         httplib::Server server;
         route(server, library);
-        std::thread([&server, ends] {
+        answerProblems(server);
+        std::atomic<bool> hasServed = false;
+        std::thread ender([&] {
             int signal = 0;
             sigwait(&ends, &signal);
+            // A stop before the server runs would be lost.
+            while (!server.is_running() && !hasServed)
+                ::usleep(1000);
             server.stop();
-        }).detach();
-        return serve(server, options);
+        });
+        const int status = serve(server, options);
+        hasServed = true;
+        pthread_kill(ender.native_handle(), SIGTERM); // for when no signal came
+        ender.join();
+        return status;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "community_server: %s\n", error.what());
         return 1;
