@@ -90,6 +90,21 @@ std::optional<Data> dataFrom(std::string_view text)
 constexpr std::size_t kPieceBytes = std::size_t{2} << 20;
 constexpr std::size_t kMaxBlockBytes = 2 * kPieceBytes;
 
+// Older versions of expat join a high surrogate with whatever unit follows it, which would change a text.
+bool surrogatesArePaired(std::string_view utf16)
+{
+    const bool bigEndian = utf16.front() == '\0' || utf16.front() == '\xFE';
+    bool afterHigh = false;
+    for (std::size_t i = bigEndian ? 0 : 1; i < utf16.size(); i += 2) {
+        const int kind = static_cast<unsigned char>(utf16[i]) & 0xFC;
+        if (afterHigh != (kind == 0xDC)) {
+            return false;
+        }
+        afterHigh = kind == 0xD8;
+    }
+    return !afterHigh;
+}
+
 // Builds the values from expat's events.
 class XmlReader {
 public:
@@ -97,6 +112,9 @@ public:
     {
         // UTF-16 shows in its first two bytes; some editors leave the declaration of another encoding.
         const bool utf16 = bytes.substr(0, 2).find_first_of(std::string_view("\0\xFE\xFF", 3)) != bytes.npos;
+        if (utf16 && !surrogatesArePaired(bytes)) {
+            return std::nullopt;
+        }
         const XML_Memory_Handling_Suite memory = {
             [](std::size_t size) { return size > kMaxBlockBytes ? nullptr : std::malloc(size); },
             [](void* block, std::size_t size) { return size > kMaxBlockBytes ? nullptr : std::realloc(block, size); },
