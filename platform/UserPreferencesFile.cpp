@@ -1,5 +1,6 @@
 #include "platform/UserPreferences.h"
 
+#include "platform/Directory.h"
 #include "platform/Files.h"
 #include "platform/PropertyList.h"
 
@@ -46,6 +47,7 @@ std::optional<std::string> UserPreferences::text(std::string_view key) const
 
 void UserPreferences::setTexts(const std::vector<Entry>& entries)
 {
+    files::createDirectories(folder().parent_path());
     ::mkdir(folder().c_str(), 0700);
     const auto file = folder() / (bundleIdentifier_ + ".plist");
     plist::Document document = readDocument(file);

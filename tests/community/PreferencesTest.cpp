@@ -89,6 +89,16 @@ TEST_F(PreferencesFile, MakesItsFolder)
     EXPECT_EQ(modeOf(home_.path() / "new"), 0700u);
 }
 
+TEST_F(PreferencesFile, MakesTheFoldersAboveItToo)
+{
+    const fs::path config = home_.path() / "not/there/yet";
+    ::setenv("XDG_CONFIG_HOME", config.c_str(), 1);
+    UserPreferences("org.example.kv-test").setTexts({{"uName", "Ada"}});
+    EXPECT_EQ(UserPreferences("org.example.kv-test").text("uName"), "Ada");
+    EXPECT_EQ(modeOf(config), 0700u);
+    EXPECT_EQ(modeOf(config / "org.example.kv-test.plist"), 0600u);
+}
+
 TEST_F(PreferencesFile, LiesInTheHomeFolderWithoutAConfigurationFolder)
 {
     ::setenv("XDG_CONFIG_HOME", "relative", 1);
