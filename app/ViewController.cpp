@@ -2,6 +2,10 @@
 
 #include <utility>
 
+ViewController::ViewController(platform::Platform& platform)
+    : platform_(platform), history_(platform.undoManagers.make())
+{}
+
 void ViewController::viewDidLoad()
 {
     btnRunCheck();

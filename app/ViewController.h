@@ -6,6 +6,7 @@
 //   Shell                  app/ViewController.cpp
 //   Plug-in library        plugins/ViewControllerPlugins.cpp
 //   Mapping document       mapping/ViewControllerMapping.cpp
+//   History                mapping/ViewControllerHistory.cpp
 //   Control panel          panel/ViewControllerPanel.cpp
 //   Pages                  panel/ViewControllerPages.cpp
 //   Assignment             panel/ViewControllerAssignment.cpp
@@ -14,6 +15,9 @@
 //   Community sharing      community/ViewControllerSharing.cpp
 
 #include "app/Outlets.h"
+#include "mapping/EditingSnapshot.h"
+#include "mapping/MappedPots.h"
+#include "mapping/MappingStore.h"
 #include "platform/Effects.h"
 #include "platform/Http.h"
 #include "platform/ViewControllerBase.h"
@@ -28,7 +32,7 @@ class ViewController final : public platform::ViewControllerBase, public Outlets
 public:
     using Sender = platform::Sender;
 
-    explicit ViewController(platform::Platform& platform) : platform_(platform) {}
+    explicit ViewController(platform::Platform& platform);
 
     // Shell
 
@@ -70,6 +74,21 @@ public:
     /// Puts the backup "original" or "prev" in place of the file and loads it.
     void recallOriginalMapping(const std::string& suffix);
 
+    // History. Every edit of the mapping is one step with a name; loading another plug-in begins anew. Memory only.
+
+    void undo(Sender = nullptr);
+    void redo(Sender = nullptr);
+    const platform::UndoManager& history() const { return *history_; }
+    /// How many pots a save would write differently from what the file held when it was last read or written.
+    std::size_t changedPots() const;
+    /// Whether a save would change the file: its pots, or its mode.
+    bool hasUnsavedChanges() const;
+    const mapping::MappedPots& mappedPots() const { return mappedPots_; }
+    /// How the backup "original" or "prev" differs from the mapping being edited; none when there is no such backup.
+    std::optional<mapping::BackupComparison> compareWithBackup(const std::string& suffix) const;
+    /// Sent once after each operation that refreshed the panel or changed what is unsaved.
+    platform::Signal<> editingChanged;
+
     // Control panel
 
     /// Makes `page` (from 1) the shown page and refreshes pot labels, read-outs and chart.
@@ -77,6 +96,8 @@ public:
     /// Fills labels `prefix`1, 2, ... from the entries at positions `first` to `last`, counted from 0.
     void writeKnobLabelAndRowEndAndLabelPre(std::int32_t first, std::int32_t last, const std::string& prefix);
     void updateHelperDisplay(const std::string& text);
+    /// Shows a page (from 1); one that does not exist is not shown.
+    void showPage(std::int32_t page);
 
     // Pages
 
@@ -114,6 +135,8 @@ public:
     void clickControl(std::int32_t control);
     /// Mode 1 exchanges two slots; any other copies row `from` of the parameter list into slot `to`.
     void moveParameterPositionAndToMovePageMode(std::int32_t from, std::int32_t to, std::int32_t movePageMode);
+    /// Exchanges what two pots (0 to 7) of the shown page hold. The parameter list's selection stays.
+    void exchangeControls(std::int32_t one, std::int32_t other);
 
     // Chart
 
@@ -159,6 +182,15 @@ public:
     platform::Property<platform::DownloadProgress>& downloadProgress() { return platform_.http.downloadProgress; }
 
 private:
+    class Operation;
+
+    mapping::EditingSnapshot snapshot() const;
+    void finishEdit(const std::string& name, const mapping::EditingSnapshot& before, const std::string& pathBefore);
+    void goThrough(const mapping::EditingChange& change, bool forward);
+    /// The subtitle and the help line of the mode.
+    void showMode();
+    /// What the mapping and its mode are now is what the file holds.
+    void noteSaved();
     /// A plug-in has been loaded, so there is a mapping to show, edit and save.
     bool isMappingLoaded() const;
     /// A mapping is loaded and its plug-in is still the selected row.
@@ -171,4 +203,11 @@ private:
     std::string downloadedPath() const;
 
     platform::Platform& platform_;
+    std::unique_ptr<platform::UndoManager> history_;
+    /// The mapping as its file holds it, and the mode that the file was read with or that was saved.
+    std::vector<platform::Record> savedEntries_;
+    std::int32_t savedMode_ = 0;
+    mapping::MappedPots mappedPots_;
+    std::uint64_t mappedRevision_ = 0;
+    int operationDepth_ = 0;
 };

@@ -1,8 +1,8 @@
-#include "app/ViewController.h"
 #include "community/BaseUrl.h"
 #include "community/CommunityState.h"
 #include "community/Listing.h"
 #include "community/Requests.h"
+#include "mapping/ViewControllerOperation.h"
 #include "platform/Files.h"
 #include "plugins/PluginScan.h"
 
@@ -85,9 +85,12 @@ void ViewController::downloadDidFinish(Sender)
 {
     platform_.log.write("downloadDidFinish");
     // The path is that of the plug-in selected now, even if the download began with another one; that is meant.
-    readPlistFileCheckMode(downloadedPath(), 1);
-    populateKnobLabels(1);
-    arrayControllerPlistSelected()->setSelectionIndex(0);
+    {
+        const Operation edit(*this, "Load Shared Mapping");
+        readPlistFileCheckMode(downloadedPath(), 1);
+        populateKnobLabels(1);
+        arrayControllerPlistSelected()->setSelectionIndex(0);
+    }
     alertUserAndSub("OK Done", "Loaded cloud file into interface memory, please remember to save if you wish to make "
                                "this your new default mapping");
 }

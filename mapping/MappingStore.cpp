@@ -1,5 +1,6 @@
 #include "mapping/MappingStore.h"
 
+#include "mapping/EditingSnapshot.h"
 #include "platform/Files.h"
 #include "platform/PropertyList.h"
 
@@ -30,18 +31,18 @@ std::optional<DictionaryFile> readDictionary(const Path& file)
     return DictionaryFile{std::move(*document)};
 }
 
-/// Deletes the file, then writes the dictionary where there is one. Bytes that would not be read back, which takes a
-/// file of half a million elements, must not take the place of one that was: then the file stays.
-void replaceFile(const Path& file, const std::optional<DictionaryFile>& content)
+/// Deletes the file, then writes the dictionary where there is one; answers whether it was written. Bytes that would
+/// not be read back, which takes a file of half a million elements, must not take the place of one that was: then the
+/// file stays.
+bool replaceFile(const Path& file, const std::optional<DictionaryFile>& content)
 {
     const auto mode = files::permissions(file);
     const std::string bytes = content ? plist::write(content->document) : std::string();
     if (content && (bytes.size() > kLargestFile || !plist::parse(bytes)))
-        return;
+        return false;
     if (files::exists(file))
         files::remove(file);
-    if (content)
-        files::writeAtomically(file, bytes, mode);
+    return content && files::writeAtomically(file, bytes, mode);
 }
 
 } // namespace
@@ -67,7 +68,7 @@ void markFile(const Path& file)
     replaceFile(file, content);
 }
 
-void saveMapping(const Path& file, const std::vector<platform::Record>& entries, std::int32_t mode)
+bool saveMapping(const Path& file, const std::vector<platform::Record>& entries, std::int32_t mode)
 {
     auto content = readDictionary(file);
     if (content)
@@ -81,7 +82,7 @@ void saveMapping(const Path& file, const std::vector<platform::Record>& entries,
         files::remove(previous);
     files::copy(file, previous);
 
-    replaceFile(file, content);
+    return replaceFile(file, content);
 }
 
 bool recallBackup(const Path& file, std::string_view suffix)
@@ -93,6 +94,16 @@ bool recallBackup(const Path& file, std::string_view suffix)
         files::remove(file);
     files::copy(backup, file);
     return true;
+}
+
+std::optional<BackupComparison> compareBackup(const Path& file, std::string_view suffix,
+                                              const std::vector<platform::Record>& entries)
+{
+    const Path backup = backupPath(file, suffix);
+    const auto madeAt = files::modificationTime(backup);
+    if (!madeAt)
+        return std::nullopt;
+    return BackupComparison{*madeAt, differingSlots(readMapping(backup, std::nullopt).entries, entries)};
 }
 
 } // namespace mapping

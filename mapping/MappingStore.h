@@ -6,7 +6,9 @@
 #include "mapping/MappingFile.h"
 
 #include <cstdint>
+#include <ctime>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,11 +27,21 @@ LoadedMapping readMapping(const Path& file, std::optional<std::int32_t> keptMode
 /// deleted and nothing takes its place; that is meant.
 void markFile(const Path& file);
 
-/// Makes the backups and writes the mapping into the file. A file that cannot be read as a dictionary is deleted after
-/// the backups were made and nothing takes its place; that is meant.
-void saveMapping(const Path& file, const std::vector<platform::Record>& entries, std::int32_t mode);
+/// Makes the backups and writes the mapping into the file; answers whether the file now holds it. A file that cannot be
+/// read as a dictionary is deleted after the backups were made and nothing takes its place; that is meant.
+bool saveMapping(const Path& file, const std::vector<platform::Record>& entries, std::int32_t mode);
 
 /// Puts a backup in place of the file; the backup stays. False, and nothing changed, when there is no such backup.
 bool recallBackup(const Path& file, std::string_view suffix);
+
+/// A backup beside the mapping being edited.
+struct BackupComparison {
+    std::time_t madeAt = 0;
+    std::size_t differingPots = 0;
+};
+
+/// None when there is no such backup.
+std::optional<BackupComparison> compareBackup(const Path& file, std::string_view suffix,
+                                              const std::vector<platform::Record>& entries);
 
 } // namespace mapping

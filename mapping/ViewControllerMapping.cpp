@@ -1,6 +1,6 @@
-#include "app/ViewController.h"
 #include "mapping/EditingState.h"
 #include "mapping/MappingStore.h"
+#include "mapping/ViewControllerOperation.h"
 
 #include <optional>
 #include <utility>
@@ -22,6 +22,7 @@ void ViewController::korvelizePlistFile(const std::string& path)
 
 void ViewController::readPlistFileCheckMode(const std::string& path, std::int32_t checkMode)
 {
+    const Operation edit(*this, "Load Mapping");
     const bool modeFromFile = checkMode == 1;
     auto loaded = mapping::readMapping(path, modeFromFile ? std::nullopt : std::optional(mapping::plugin_Mode));
     arrayControllerPlistSelected()->setContent({});
@@ -45,7 +46,10 @@ void ViewController::exportToPlist()
     if (!isMappingLoaded())
         return;
     const std::string path = labPluginPlistLocation()->stringValue.get();
-    mapping::saveMapping(path, mapping::plistBuild, mapping::plugin_Mode);
+    if (mapping::saveMapping(path, mapping::plistBuild, mapping::plugin_Mode)) {
+        const Operation operation(*this);
+        noteSaved();
+    }
     alertUserAndSub("New Mapping has been saved",
                     "Please remember to close and re-open plugin within Logic so that changes are updated\n\n\n"
                     "Backup of previous plist file has been saved here:\n\n" +
@@ -66,12 +70,16 @@ void ViewController::recallOriginalMapping(const std::string& suffix)
 {
     if (!isPluginBeingEdited())
         return;
-    if (!mapping::recallBackup(labPluginPlistLocation()->stringValue.get(), suffix)) {
+    const std::string path = labPluginPlistLocation()->stringValue.get();
+    if (!mapping::recallBackup(path, suffix)) {
         alertUserAndSub("Recall file does not exist",
                         "Please Note: Original, and Previous backup files will only exist once a mapping has been "
                         "saved, simply reselect plugin on left menu to reload the default file again.");
         return;
     }
-    plugInSelected();
+    {
+        const Operation edit(*this, suffix == "original" ? "Recall Original" : "Recall Previous");
+        plugInSelected();
+    }
     alertUserAndSub("Recalled mapping has been applied", "Now saved as this plugins default");
 }

@@ -55,4 +55,13 @@ void setContent(platform::Record& entry, const SlotContent& content)
     entry.set(mapping::kParameter, content.name);
 }
 
+void exchangeContents(Entries& entries, std::int32_t one, std::int32_t other)
+{
+    platform::Record& first = entries.at(static_cast<std::size_t>(one));
+    platform::Record& second = entries.at(static_cast<std::size_t>(other));
+    const SlotContent former = contentOf(second);
+    setContent(second, contentOf(first));
+    setContent(first, former);
+}
+
 } // namespace panel

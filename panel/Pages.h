@@ -44,4 +44,7 @@ SlotContent contentOf(const platform::Record& entry);
 /// Puts a parameter into a slot; the slot keeps its own page and position.
 void setContent(platform::Record& entry, const SlotContent& content);
 
+/// Exchanges the parameters of two slots (positions from 0).
+void exchangeContents(Entries& entries, std::int32_t one, std::int32_t other);
+
 } // namespace panel

@@ -1,6 +1,6 @@
-#include "app/ViewController.h"
 #include "mapping/EditingState.h"
 #include "mapping/ParameterOrder.h"
+#include "mapping/ViewControllerOperation.h"
 #include "panel/Pages.h"
 
 void ViewController::kvRotBtn1_Pressed(Sender)
@@ -46,9 +46,21 @@ void ViewController::kvRotBtn8_Pressed(Sender)
 void ViewController::clickControl(std::int32_t control)
 {
     const std::int32_t source = arrayControllerPlistSelected()->selectionIndex();
-    if (!isMappingLoaded() || source == platform::ArrayController::kNoSelection)
+    const platform::Record* parameter = arrayControllerPlistSelected()->arrangedObject(source);
+    if (!isMappingLoaded() || !parameter)
         return;
+    const Operation edit(*this, mapping::isEmptyEntry(*parameter) ? "Clear Pot" : "Assign Parameter");
     moveParameterPositionAndToMovePageMode(source, panel::slotFor(mapping::curPage, control), 0);
+}
+
+void ViewController::exchangeControls(std::int32_t one, std::int32_t other)
+{
+    if (!isMappingLoaded())
+        return;
+    const Operation edit(*this, "Exchange Pots");
+    panel::exchangeContents(mapping::plistBuild, panel::slotFor(mapping::curPage, one),
+                            panel::slotFor(mapping::curPage, other));
+    populateKnobLabels(mapping::curPage);
 }
 
 void ViewController::moveParameterPositionAndToMovePageMode(std::int32_t from, std::int32_t to,
@@ -57,16 +69,17 @@ void ViewController::moveParameterPositionAndToMovePageMode(std::int32_t from, s
     const auto slot = [](std::int32_t position) -> platform::Record& {
         return mapping::plistBuild.at(static_cast<std::size_t>(position));
     };
+    const Operation edit(*this, movePageMode == 1 ? "Exchange Pots" : "Assign Parameter");
     const auto list = arrayControllerPlistSelected();
     const bool exchange = movePageMode == 1;
     const platform::Record* parameter = exchange ? &slot(from) : list->arrangedObject(from);
     if (!parameter)
         return;
     const panel::SlotContent source = panel::contentOf(*parameter);
-    const panel::SlotContent former = panel::contentOf(slot(to));
-    panel::setContent(slot(to), source);
     if (exchange)
-        panel::setContent(slot(from), former);
+        panel::exchangeContents(mapping::plistBuild, from, to);
+    else
+        panel::setContent(slot(to), source);
     populateKnobLabels(mapping::curPage);
     // Also in a page move, once for every parameter moved; that is meant.
     if (source.name != mapping::kEmptyName)

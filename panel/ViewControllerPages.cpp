@@ -1,6 +1,6 @@
-#include "app/ViewController.h"
 #include "mapping/EditingState.h"
 #include "mapping/ParameterOrder.h"
+#include "mapping/ViewControllerOperation.h"
 #include "panel/Pages.h"
 
 #include <algorithm>
@@ -72,6 +72,7 @@ void ViewController::addControlsPage()
 {
     if (!isMappingLoaded())
         return;
+    const Operation edit(*this, "Add Page");
     ++totalPages;
     panel::appendPage(plistBuild, totalPages);
     curPage = totalPages;
@@ -86,6 +87,7 @@ void ViewController::removeControlsPage()
         alertUserAndSub("Cannot delete first page", "Sorry!");
         return;
     }
+    const Operation edit(*this, "Delete Page");
     panel::removePage(plistBuild, curPage);
     --curPage;
     --totalPages;
@@ -96,6 +98,7 @@ void ViewController::clearAllPages()
 {
     if (!isMappingLoaded())
         return;
+    const Operation edit(*this, "Clear All Pages");
     panel::clearFirstPage(plistBuild);
     totalPages = 1;
     curPage = 1;
@@ -112,6 +115,7 @@ void ViewController::movePageAndPageTo(std::int32_t from, std::int32_t to)
     }
     if (to == from)
         return;
+    const Operation edit(*this, "Move Page");
     curPage = to;
     for (std::int32_t pot = 0; pot < mapping::kPotsPerPage; ++pot)
         moveParameterPositionAndToMovePageMode(panel::slotFor(from, pot), panel::slotFor(to, pot), 1);

@@ -1,8 +1,8 @@
-#include "app/ViewController.h"
 #include "chart/Chart.h"
 #include "chart/ChartState.h"
 #include "mapping/EditingState.h"
 #include "mapping/ParameterOrder.h"
+#include "mapping/ViewControllerOperation.h"
 #include "panel/Pages.h"
 #include "plugins/PluginScan.h"
 
@@ -10,6 +10,7 @@
 
 void ViewController::populateKnobLabels(std::int32_t page)
 {
+    const Operation operation(*this);
     const std::string plugin = myArrayController()->selectionText(plugins::kPlugin);
     const std::string path = myArrayController()->selectionText(plugins::kFileLocation);
     chart::bHTML = chart::header(plugin, path);
@@ -41,6 +42,12 @@ void ViewController::writeKnobLabelAndRowEndAndLabelPre(std::int32_t first, std:
 void ViewController::updateHelperDisplay(const std::string& text)
 {
     labelHelperDisplay()->stringValue.set(text);
+}
+
+void ViewController::showPage(std::int32_t page)
+{
+    if (isMappingLoaded() && page >= 1 && page <= mapping::totalPages)
+        populateKnobLabels(page);
 }
 
 std::shared_ptr<platform::TextField> ViewController::knobLabel(std::int32_t number) const

@@ -119,6 +119,14 @@ std::optional<std::filesystem::perms> permissions(const Path& path)
     return static_cast<std::filesystem::perms>(status.st_mode & 0777);
 }
 
+std::optional<std::time_t> modificationTime(const Path& path)
+{
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    return status.st_mtime;
+}
+
 PartialFile::PartialFile(Path destination, Path part, std::optional<std::filesystem::perms> mode)
     : destination_(std::move(destination)), part_(std::move(part)), mode_(mode)
 {

@@ -3,6 +3,7 @@
 // a failed write leaves nothing behind.
 
 #include <cstddef>
+#include <ctime>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -28,6 +29,9 @@ bool remove(const Path& path);
 
 /// Permission bits of a regular file, so that its successor can have them; none when there is no such file.
 std::optional<std::filesystem::perms> permissions(const Path& path);
+
+/// When a regular file was last written; none when there is no such file.
+std::optional<std::time_t> modificationTime(const Path& path);
 
 /// A file in the making beside its destination. Gets its name when it is whole; until then, and whenever a step fails,
 /// the destination is as it was, and the part goes with this object.

@@ -4,10 +4,16 @@
 
 namespace platform {
 
+const std::vector<Record::Field>& Record::fields() const
+{
+    static const std::vector<Field> kNone;
+    return fields_ ? *fields_ : kNone;
+}
+
 const Record::Value* Record::find(std::string_view key) const
 {
-    const auto field = std::find_if(fields_.begin(), fields_.end(), [&](const Field& f) { return f.first == key; });
-    return field == fields_.end() ? nullptr : &field->second;
+    const auto field = std::find_if(fields().begin(), fields().end(), [&](const Field& f) { return f.first == key; });
+    return field == fields().end() ? nullptr : &field->second;
 }
 
 const std::string& Record::text(std::string_view key) const
@@ -27,10 +33,13 @@ std::int32_t Record::number(std::string_view key) const
 
 void Record::set(std::string_view key, Value value)
 {
-    if (const Value* present = find(key))
-        const_cast<Value&>(*present) = std::move(value);
+    if (!fields_ || fields_.use_count() > 1) // others keep what they share
+        fields_ = std::make_shared<std::vector<Field>>(fields());
+    const auto field = std::find_if(fields_->begin(), fields_->end(), [&](const Field& f) { return f.first == key; });
+    if (field == fields_->end())
+        fields_->emplace_back(key, std::move(value));
     else
-        fields_.emplace_back(key, std::move(value));
+        field->second = std::move(value);
 }
 
 } // namespace platform

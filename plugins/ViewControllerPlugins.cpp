@@ -1,12 +1,13 @@
-#include "app/ViewController.h"
 #include "mapping/EditingState.h"
 #include "mapping/ParameterOrder.h"
+#include "mapping/ViewControllerOperation.h"
 #include "plugins/PluginScan.h"
 
 #include <utility>
 
 void ViewController::btnRunCheck(Sender)
 {
+    const Operation operation(*this);
     myArrayController()->setContent({});
     arrayControllerPlistSelected()->setContent({});
     arrayControllerPlistSelected()->filterText.set({});
@@ -32,6 +33,7 @@ void ViewController::tablePlistView(Sender) {}
 
 void ViewController::plugInSelected()
 {
+    const Operation edit(*this, "Reload Mapping");
     mapping::curPage = 1;
     arrayControllerPlistSelected()->setSelectionIndex(0);
     const std::string plugin = myArrayController()->selectionText(plugins::kPlugin);
@@ -41,18 +43,27 @@ void ViewController::plugInSelected()
     labPluginPlistLocation()->stringValue.set(path);
     korvelizePlistFile(path);
     readPlistFileCheckMode(path, 1);
+    noteSaved();
     populateKnobLabels(1);
     arrayControllerPlistSelected()->setSelectionIndex(0);
 }
 
 void ViewController::changePlugInModeAndReadPlist(std::int32_t mode, std::int32_t readPlist)
 {
+    const Operation edit(*this, "Change Mode");
     mapping::plugin_Mode = mode;
     kvPluginMode()->selectCell(mode != mapping::kModeInsertEffect ? 0 : 1);
-    if (readPlist == 1)
+    if (readPlist == 1) {
         readPlistFileCheckMode(myArrayController()->selectionText(plugins::kFileLocation), 0);
+        savedEntries_ = mapping::plistBuild; // the mode is not: the file is only read
+    }
     populateKnobLabels(1);
     arrayControllerPlistSelected()->setSelectionIndex(0);
+    showMode();
+}
+
+void ViewController::showMode()
+{
     const std::string plugin = myArrayController()->selectionText(plugins::kPlugin);
     // The help lines differ in their preposition; both are meant.
     if (mapping::plugin_Mode != mapping::kModeInsertEffect) {
@@ -68,6 +79,7 @@ void ViewController::kvPluginMode_Changed(std::shared_ptr<RadioMatrix> sender)
 {
     if (!isPluginBeingEdited())
         return;
+    const Operation edit(*this, "Change Mode");
     mapping::plugin_Mode = sender->selectedTag.get();
     updateHelperDisplay("Reading Parameters... Please Wait...");
     changePlugInModeAndReadPlist(mapping::plugin_Mode, 1);

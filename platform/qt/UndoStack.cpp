@@ -1,5 +1,7 @@
 #include "platform/qt/UndoStack.h"
 
+#include "platform/qt/Text.h"
+
 #include <utility>
 
 namespace platform::qt {
@@ -8,14 +10,19 @@ namespace {
 
 class Command final : public QUndoCommand {
 public:
-    Command(UndoManager::Change change, UndoManager::Change takeBack)
-        : change_(std::move(change)), takeBack_(std::move(takeBack))
+    Command(const QString& name, bool isMade, UndoManager::Change change, UndoManager::Change takeBack)
+        : QUndoCommand(name), isMade_(isMade), change_(std::move(change)), takeBack_(std::move(takeBack))
     {}
 
-    void redo() override { change_(); }
+    void redo() override
+    {
+        if (!std::exchange(isMade_, false))
+            change_();
+    }
     void undo() override { takeBack_(); }
 
 private:
+    bool isMade_; ///< when pushed, so that pushing, which calls redo, does not make the change twice
     UndoManager::Change change_;
     UndoManager::Change takeBack_;
 };
@@ -24,7 +31,22 @@ private:
 
 void UndoStack::perform(Change change, Change takeBack)
 {
-    stack_.push(new Command(std::move(change), std::move(takeBack))); // pushing makes the change
+    stack_.push(new Command({}, false, std::move(change), std::move(takeBack)));
+}
+
+void UndoStack::remember(const std::string& name, Change change, Change takeBack)
+{
+    stack_.push(new Command(toQt(name), true, std::move(change), std::move(takeBack)));
+}
+
+std::string UndoStack::undoName() const
+{
+    return fromQt(stack_.undoText());
+}
+
+std::string UndoStack::redoName() const
+{
+    return fromQt(stack_.redoText());
 }
 
 } // namespace platform::qt

@@ -10,10 +10,14 @@ namespace platform::qt {
 class UndoStack final : public UndoManager {
 public:
     void perform(Change change, Change takeBack) override;
+    void remember(const std::string& name, Change change, Change takeBack) override;
     bool canUndo() const override { return stack_.canUndo(); }
     bool canRedo() const override { return stack_.canRedo(); }
+    std::string undoName() const override;
+    std::string redoName() const override;
     void undo() override { stack_.undo(); }
     void redo() override { stack_.redo(); }
+    void forgetAll() override { stack_.clear(); }
 
 private:
     QUndoStack stack_;

@@ -8,6 +8,7 @@
 #include "mapping/ParameterOrder.h"
 #include "platform/ErrorAlerts.h"
 #include "platform/Http.h"
+#include "platform/qt/UndoStack.h"
 #include "tests/support/FreshState.h"
 #include "tests/support/OrderFiles.h"
 
@@ -134,9 +135,6 @@ private:
     struct EnglishTexts final : platform::Localization {
         std::string localizedString(const std::string& english) const override { return english; }
     };
-    struct NoUndo final : platform::UndoManagers {
-        std::unique_ptr<platform::UndoManager> make() override { return nullptr; }
-    };
 
     NotedAlerts notedAlerts_{alerts_};
     NotedFiles notedFiles_{opened_};
@@ -147,7 +145,7 @@ private:
     NoJson json_;
     platform::ErrorAlerts errors_{notedAlerts_};
     EnglishTexts localization_;
-    NoUndo undoManagers_;
+    platform::qt::UndoStacks undoManagers_;
     platform::Platform platform_{notedAlerts_, notedFiles_, folders_, log_,          http_,
                                  preferences_, json_,       errors_,  localization_, undoManagers_};
 

@@ -1,0 +1,60 @@
+#pragma once
+// The editing state at one moment, and what an edit changed of it: what undo and redo go back and forth between. A
+// change holds only the slots that differ, so that a long history of a large mapping stays small.
+
+#include "platform/Record.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace mapping {
+
+struct EditingSnapshot {
+    std::vector<platform::Record> entries;    ///< the whole mapping, with what lies behind the counted pages
+    std::vector<platform::Record> parameters; ///< the list offered for assignment
+    std::int32_t totalPages = 1;
+    std::int32_t curPage = 1;
+    std::int32_t mode = 0;
+};
+
+/// The records that stood at a position (from 0) before, and those that stand there after.
+struct Splice {
+    std::size_t position = 0;
+    std::vector<platform::Record> before;
+    std::vector<platform::Record> after;
+};
+
+/// The two numbers and the mode of a snapshot.
+struct EditingNumbers {
+    std::int32_t totalPages = 1;
+    std::int32_t curPage = 1;
+    std::int32_t mode = 0;
+};
+
+struct EditingChange {
+    std::vector<Splice> entries;
+    /// The whole lists; both empty where the list stayed as it was.
+    std::vector<platform::Record> parametersBefore;
+    std::vector<platform::Record> parametersAfter;
+    EditingNumbers before;
+    EditingNumbers after;
+
+    /// Nothing differs but, at most, the page shown.
+    bool isEmpty() const;
+};
+
+/// What turns one list into another, front to back. Lists of one length differ in runs of records, others in one
+/// splice between what they have in common at both ends.
+std::vector<Splice> differences(const std::vector<platform::Record>& before,
+                                const std::vector<platform::Record>& after);
+/// Puts the later records in place of the earlier ones, or the other way round.
+void makeAgain(const std::vector<Splice>& splices, std::vector<platform::Record>& records);
+void takeBack(const std::vector<Splice>& splices, std::vector<platform::Record>& records);
+
+EditingChange changeBetween(const EditingSnapshot& before, const EditingSnapshot& after);
+
+/// Number of slots in which two mappings would be written differently; a slot that only one of them has counts.
+std::size_t differingSlots(const std::vector<platform::Record>& one, const std::vector<platform::Record>& other);
+
+} // namespace mapping

@@ -1,0 +1,45 @@
+#pragma once
+// On which pots each parameter stands: kept current edit by edit, so that a press on a mapping of ten thousand slots
+// costs what it changed.
+
+#include "platform/Record.h"
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace mapping {
+
+class MappedPots {
+public:
+    /// The list offered for assignment. Its blank entry, and whatever else is empty, is no parameter.
+    void setParameters(const std::vector<platform::Record>& parameters);
+    /// The mapping; only slots of counted pages are pots.
+    void setEntries(const std::vector<platform::Record>& entries, std::int32_t totalPages);
+
+    /// Positions (from 0, ascending) of a parameter, of any record that has its number and name.
+    const std::vector<std::int32_t>& positionsOf(const platform::Record& parameter) const;
+    /// How many of the offered parameters stand on a pot, and how many are offered.
+    std::int32_t mappedCount() const { return mappedCount_; }
+    std::int32_t parameterCount() const { return parameterCount_; }
+
+private:
+    struct Use {
+        std::int32_t offered = 0; ///< rows of the list with this number and name
+        std::vector<std::int32_t> positions;
+    };
+
+    void place(const platform::Record& entry, std::int32_t position);
+    void remove(const platform::Record& entry, std::int32_t position);
+
+    std::unordered_map<std::string, Use> uses_;
+    std::vector<platform::Record> placed_;
+    std::int32_t mappedCount_ = 0;
+    std::int32_t parameterCount_ = 0;
+};
+
+/// "1·3, 4·8": page and pot of each position.
+std::string potsText(const std::vector<std::int32_t>& positions);
+
+} // namespace mapping

@@ -1,0 +1,105 @@
+#include "mapping/EditingState.h"
+#include "mapping/ParameterOrder.h"
+#include "mapping/ViewControllerOperation.h"
+
+#include <memory>
+#include <utility>
+
+ViewController::Operation::Operation(ViewController& controller) : controller_(controller)
+{
+    ++controller_.operationDepth_;
+}
+
+ViewController::Operation::Operation(ViewController& controller, const std::string& name) : Operation(controller)
+{
+    if (controller_.operationDepth_ > 1)
+        return; // part of a larger edit
+    name_ = name;
+    before_ = controller_.snapshot();
+    pathBefore_ = controller_.labPluginPlistLocation()->stringValue.get();
+}
+
+ViewController::Operation::~Operation()
+{
+    if (--controller_.operationDepth_ > 0)
+        return;
+    if (before_)
+        controller_.finishEdit(name_, *before_, pathBefore_);
+    const auto parameters = controller_.arrayControllerPlistSelected();
+    if (std::exchange(controller_.mappedRevision_, parameters->contentRevision()) != parameters->contentRevision())
+        controller_.mappedPots_.setParameters(parameters->content());
+    controller_.mappedPots_.setEntries(mapping::plistBuild, mapping::totalPages);
+    controller_.editingChanged.emit();
+}
+
+void ViewController::undo(Sender)
+{
+    history_->undo();
+}
+
+void ViewController::redo(Sender)
+{
+    history_->redo();
+}
+
+std::size_t ViewController::changedPots() const
+{
+    return mapping::differingSlots(savedEntries_, mapping::plistBuild);
+}
+
+bool ViewController::hasUnsavedChanges() const
+{
+    return mapping::plugin_Mode != savedMode_ || changedPots() > 0;
+}
+
+std::optional<mapping::BackupComparison> ViewController::compareWithBackup(const std::string& suffix) const
+{
+    return mapping::compareBackup(labPluginPlistLocation()->stringValue.get(), suffix, mapping::plistBuild);
+}
+
+mapping::EditingSnapshot ViewController::snapshot() const
+{
+    return {mapping::plistBuild, arrayControllerPlistSelected()->content(), mapping::totalPages, mapping::curPage,
+            mapping::plugin_Mode};
+}
+
+void ViewController::finishEdit(const std::string& name, const mapping::EditingSnapshot& before,
+                                const std::string& pathBefore)
+{
+    if (labPluginPlistLocation()->stringValue.get() != pathBefore) {
+        history_->forgetAll(); // another plug-in
+        return;
+    }
+    auto change = std::make_shared<const mapping::EditingChange>(mapping::changeBetween(before, snapshot()));
+    if (change->isEmpty())
+        return;
+    history_->remember(
+        platform_.localization.localizedString(name), [this, change] { goThrough(*change, true); },
+        [this, change] { goThrough(*change, false); });
+}
+
+void ViewController::goThrough(const mapping::EditingChange& change, bool forward)
+{
+    const Operation operation(*this);
+    const auto go = forward ? mapping::makeAgain : mapping::takeBack;
+    const mapping::EditingNumbers& numbers = forward ? change.after : change.before;
+    go(change.entries, mapping::plistBuild);
+    if (change.parametersBefore != change.parametersAfter) {
+        arrayControllerPlistSelected()->setContent(forward ? change.parametersAfter : change.parametersBefore);
+        arrayControllerPlistSelected()->setSelectionIndex(0);
+    }
+    mapping::totalPages = numbers.totalPages;
+    mapping::plugin_Mode = numbers.mode;
+    populateKnobLabels(numbers.curPage);
+    if (change.before.mode != change.after.mode) {
+        kvPluginMode()->selectCell(numbers.mode != mapping::kModeInsertEffect ? 0 : 1);
+        if (isPluginBeingEdited())
+            showMode();
+    }
+}
+
+void ViewController::noteSaved()
+{
+    savedEntries_ = mapping::plistBuild;
+    savedMode_ = mapping::plugin_Mode;
+}

@@ -1,0 +1,119 @@
+#include "mapping/MappedPots.h"
+
+#include "mapping/ParameterOrder.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace mapping {
+namespace {
+
+using Positions = std::vector<std::int32_t>;
+using Records = std::vector<platform::Record>;
+
+const platform::Record kCutoff = entryFromElement("3 Cutoff", 0, 0);
+const platform::Record kLevel = entryFromElement("4 Level", 0, 0);
+
+Records mapping(std::size_t slots, const std::map<std::size_t, std::string>& elements)
+{
+    Records entries(slots, emptyEntry(1, 0));
+    for (const auto& [position, element] : elements)
+        entries[position] = entryFromElement(element, 1, static_cast<std::int32_t>(position));
+    return entries;
+}
+
+TEST(MappedPots, TellsWhereAParameterStands)
+{
+    MappedPots pots;
+    pots.setParameters(parameterList({"3 Cutoff", "4 Level", "5 Pan"}));
+    pots.setEntries(mapping(32, {{2, "3 Cutoff"}, {31, "3 Cutoff"}, {9, "4 Level"}, {10, "77 Gone"}}), 4);
+    EXPECT_EQ(pots.positionsOf(kCutoff), (Positions{2, 31}));
+    EXPECT_EQ(pots.positionsOf(kLevel), Positions{9});
+    EXPECT_EQ(pots.positionsOf(entryFromElement("5 Pan", 0, 0)), Positions());
+    EXPECT_EQ(pots.positionsOf(entryFromElement("9 Level", 0, 0)), Positions());
+    EXPECT_EQ(pots.positionsOf(emptyEntry(0, 0)), Positions());
+    EXPECT_EQ(pots.mappedCount(), 2);
+    EXPECT_EQ(pots.parameterCount(), 3);
+}
+
+TEST(MappedPots, PassesOverWhatLiesBehindTheCountedPages)
+{
+    MappedPots pots;
+    pots.setParameters(parameterList({"3 Cutoff", "4 Level"}));
+    const Records entries = mapping(24, {{2, "3 Cutoff"}, {17, "4 Level"}, {18, "3 Cutoff"}});
+    pots.setEntries(entries, 1);
+    EXPECT_EQ(pots.positionsOf(kCutoff), Positions{2});
+    EXPECT_EQ(pots.positionsOf(kLevel), Positions());
+    EXPECT_EQ(pots.mappedCount(), 1);
+    pots.setEntries(entries, 3);
+    EXPECT_EQ(pots.positionsOf(kCutoff), (Positions{2, 18}));
+    EXPECT_EQ(pots.mappedCount(), 2);
+}
+
+TEST(MappedPots, CountsTheParametersOfTheListGiven)
+{
+    MappedPots pots;
+    pots.setEntries(mapping(8, {{0, "3 Cutoff"}, {1, "4 Level"}}), 1);
+    EXPECT_EQ(pots.mappedCount(), 0);
+    pots.setParameters(parameterList({"3 Cutoff", "4 Level", "3 Cutoff", "5 Pan"}));
+    EXPECT_EQ(pots.mappedCount(), 3); // a row that stands twice in the list counts twice
+    EXPECT_EQ(pots.parameterCount(), 4);
+    pots.setParameters(parameterList({}));
+    EXPECT_EQ(pots.mappedCount(), 0);
+    EXPECT_EQ(pots.parameterCount(), 0);
+    pots.setParameters(parameterList({"4 Level"}));
+    EXPECT_EQ(pots.mappedCount(), 1);
+}
+
+TEST(MappedPots, AgreesWithAFreshCountAfterAnyEdit)
+{
+    std::mt19937 random(11);
+    std::vector<std::string> catalogue;
+    for (int i = 0; i < 12; ++i)
+        catalogue.push_back(std::to_string(i) + " Knob " + std::to_string(i));
+    MappedPots pots;
+    pots.setParameters(parameterList(catalogue));
+    Records entries = mapping(16, {});
+    for (int step = 0; step < 2000; ++step) {
+        switch (random() % 8) {
+        case 0: entries.insert(entries.end(), 8, emptyEntry(1, 0)); break;
+        case 1:
+            if (entries.size() > 16)
+                entries.erase(entries.begin() + 8, entries.begin() + 16);
+            break;
+        default: {
+            auto& slot = entries[random() % entries.size()];
+            slot = random() % 3 == 0 ? emptyEntry(1, 0) : entryFromElement(catalogue[random() % 12], 1, 0);
+        }
+        }
+        const auto pages = static_cast<std::int32_t>(entries.size() / 8 - (random() % 5 == 0 ? 1 : 0));
+        pots.setEntries(entries, pages);
+        MappedPots fresh;
+        fresh.setParameters(parameterList(catalogue));
+        fresh.setEntries(entries, pages);
+        ASSERT_EQ(pots.mappedCount(), fresh.mappedCount());
+        for (const std::string& element : catalogue) {
+            const auto parameter = entryFromElement(element, 0, 0);
+            Positions expected;
+            for (std::int32_t position = 0; position < pages * 8; ++position)
+                if (elementFromEntry(entries[static_cast<std::size_t>(position)]) == element)
+                    expected.push_back(position);
+            ASSERT_EQ(pots.positionsOf(parameter), expected) << element;
+        }
+    }
+}
+
+TEST(PotsText, NamesPageAndPot)
+{
+    EXPECT_EQ(potsText({}), "");
+    EXPECT_EQ(potsText({0}), "1·1");
+    EXPECT_EQ(potsText({2, 31}), "1·3, 4·8");
+    EXPECT_EQ(potsText({9999}), "1250·8");
+}
+
+} // namespace
+} // namespace mapping
