@@ -88,7 +88,7 @@ std::optional<Data> dataFrom(std::string_view text)
 // expat gets the file in pieces. It holds a tag or a comment until it is complete, and every name of an attribute, so
 // a long one and too many must find no room.
 constexpr std::size_t kPieceBytes = std::size_t{2} << 20;
-constexpr std::size_t kMaxBlockBytes = 2 * kPieceBytes;
+constexpr std::size_t kMaxBlockBytes = 3 * kPieceBytes;
 
 // Older versions of expat join a high surrogate with whatever unit follows it, which would change a text.
 bool surrogatesArePaired(std::string_view utf16)
