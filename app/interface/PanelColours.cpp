@@ -12,7 +12,7 @@ PanelColours graphite()
     c.faceTop = 0x43484f;
     c.faceMiddle = 0x34383e;
     c.faceBottom = 0x26292e;
-    c.faceBrush = QColor(255, 255, 255, 9);
+    c.faceBrush = QColor(255, 255, 255, 6);
     c.edgeLight = 0x6d747d;
     c.edgeDark = 0x0d0e10;
     c.cheekLight = 0x7a4d30;
@@ -44,8 +44,13 @@ PanelColours graphite()
     c.focus = 0x7cc4ff;
     c.target = 0xffd08a;
     c.tile = 0x2b2f34;
-    c.tileEdge = 0x8b929a;
+    c.tileHover = 0x454b53;
+    c.tileShown = 0x3d434b;
+    c.tileFrame = 0x4a5058;
     c.tileText = 0xe4e8ec;
+    c.tileEdge = 0x9aa1a9;
+    c.cell = c.lit;
+    c.cellEdge = c.lit;
     return c;
 }
 
@@ -55,7 +60,7 @@ PanelColours aluminium()
     c.faceTop = 0xf4f5f7;
     c.faceMiddle = 0xdfe2e6;
     c.faceBottom = 0xc6cad0;
-    c.faceBrush = QColor(60, 66, 74, 10);
+    c.faceBrush = QColor(60, 66, 74, 6);
     c.edgeLight = 0xffffff;
     c.edgeDark = 0x8a9098;
     c.cheekLight = 0xa8714a;
@@ -77,8 +82,13 @@ PanelColours aluminium()
     c.focus = 0x0a52bd;
     c.target = 0x8a4600;
     c.tile = 0xf4f5f7;
-    c.tileEdge = 0x6d747d;
+    c.tileHover = 0xffffff;
+    c.tileShown = 0xdde1e6;
+    c.tileFrame = 0xa9afb7;
     c.tileText = 0x25292e;
+    c.tileEdge = 0x676d76;
+    c.cell = 0xc46a00;
+    c.cellEdge = 0x8a4600;
     return c;
 }
 

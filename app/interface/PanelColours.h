@@ -29,7 +29,10 @@ struct PanelColours {
     QColor focus;  ///< ring of what has the keyboard's focus, on the face
     QColor target; ///< ring of what something would be dropped on
 
-    QColor tile, tileEdge, tileText; ///< pages of the overview
+    // Pages of the overview.
+    QColor tile, tileHover, tileShown, tileFrame, tileText;
+    QColor tileEdge;       ///< round the cell of an empty pot
+    QColor cell, cellEdge; ///< of a pot that has a parameter
 };
 
 /// Which of the two a desktop with this palette gets.

@@ -145,11 +145,11 @@ void drawName(QPainter& painter, const PanelLayout& layout, const PanelColours& 
 
     painter.setFont(legendFont(font, layout.scale));
     const double line = QFontMetricsF(painter.font()).height() * 0.92;
-    const QRectF legend = room.adjusted(width + 9 * layout.scale, 0, 0, 0);
+    const QRectF legend = room.adjusted(width + 15 * layout.scale, 0, 0, 0);
     const double middle = room.center().y();
     painter.setPen(QPen(c.lit, 1.5 * layout.scale));
-    painter.drawLine(QPointF(legend.left() - 5 * layout.scale, middle - line * 0.85),
-                     QPointF(legend.left() - 5 * layout.scale, middle + line * 0.85));
+    painter.drawLine(QPointF(legend.left() - 8 * layout.scale, middle - line * 0.85),
+                     QPointF(legend.left() - 8 * layout.scale, middle + line * 0.85));
     drawEngraved(painter, QRectF(legend.left(), middle - line, legend.width(), line), Qt::AlignLeft | Qt::AlignVCenter,
                  kLegendAbove, c);
     drawEngraved(painter, QRectF(legend.left(), middle, legend.width(), line), Qt::AlignLeft | Qt::AlignVCenter,

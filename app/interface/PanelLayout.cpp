@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kSmallestPot = 80; // of the square, ring of ticks included; the cap is about 0.68 of it
 constexpr int kPreferredPot = 122;
-constexpr int kLargestPot = 140;
+constexpr int kLargestPot = 148;
 constexpr double kLargestScale = 1.4;
 
 constexpr double kCheek = 13;
@@ -95,7 +95,7 @@ PanelLayout layOutPanel(const QSize& size, const QFont& font)
 
     const QRectF content = layout.face.adjusted(kSide * s, kEdge * s, -kSide * s, -kEdge * s);
     const double nameWidth =
-        widthOf(makerFont(font, s), kMaker) + 10 * s + widthOf(legendFont(font, s), kLegendBelow) + 20 * s;
+        widthOf(makerFont(font, s), kMaker) + 15 * s + widthOf(legendFont(font, s), kLegendBelow) + 20 * s;
     const double top = displayHeight(font, s);
     layout.name = QRectF(content.left(), content.top(), nameWidth, top);
     layout.display = QRectF(content.left() + nameWidth, content.top(), content.width() - nameWidth, top);

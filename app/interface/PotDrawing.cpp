@@ -95,15 +95,16 @@ void drawRing(const Drawing& d, double pointer)
 
 void drawShadow(const Drawing& d)
 {
+    const QColor dark = faded(d.c.shadow, d.c.shadow.alpha() * (d.look.isEnabled ? 3 : 2) / 3);
     // A pressed cap lies nearer to the face.
     const double drop = d.at(d.look.isPressed ? 0.05 : 0.13);
     const QPointF centre = d.centre + QPointF(drop * 0.35, drop);
     const double reach = d.at(d.look.isPressed ? 0.74 : 0.86);
     QRadialGradient shade(centre, reach);
-    shade.setColorAt(0, d.c.shadow);
-    shade.setColorAt(0.72, d.c.shadow);
-    shade.setColorAt(0.86, faded(d.c.shadow, d.c.shadow.alpha() * 2 / 5));
-    shade.setColorAt(1, faded(d.c.shadow, 0));
+    shade.setColorAt(0, dark);
+    shade.setColorAt(0.72, dark);
+    shade.setColorAt(0.86, faded(dark, dark.alpha() * 2 / 5));
+    shade.setColorAt(1, faded(dark, 0));
     d.painter.setPen(Qt::NoPen);
     d.painter.setBrush(shade);
     d.painter.drawEllipse(centre, reach, reach);
@@ -240,8 +241,10 @@ void drawPot(QPainter& painter, const QRectF& square, const PotLook& look, const
     drawShadow(d);
     drawRing(d, pointer);
     drawNumber(d, font);
+    painter.setOpacity(look.isEnabled ? 1 : 0.6);
     drawSkirt(d, pointer);
     drawCap(d);
+    painter.setOpacity(1);
     drawPointer(d, pointer);
     drawMarks(d);
 }

@@ -1,0 +1,42 @@
+#pragma once
+// The pages of the mapping for the overview. Holds no names: it asks for them when a page is looked at.
+
+#include <QAbstractListModel>
+
+#include <functional>
+
+namespace interface {
+
+class PageModel final : public QAbstractListModel {
+    Q_OBJECT
+
+public:
+    enum Role {
+        /// A bit for each pot that has a parameter, pot 1 the lowest.
+        MappedPots = Qt::UserRole,
+        /// Whether the panel shows this page.
+        IsShown,
+    };
+    static constexpr int kPots = 8;
+
+    using QAbstractListModel::QAbstractListModel;
+
+    void setSource(std::function<QString(int page, int pot)> name);
+    /// Rows are pages; names may have changed everywhere.
+    void refresh(int pages, int shownPage);
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+
+private:
+    QString nameAt(int page, int pot) const;
+    unsigned mappedPots(int page) const;
+    QString spokenText(int page) const;
+    QString namesText(int page) const;
+
+    std::function<QString(int page, int pot)> name_;
+    int pages_ = 0;
+    int shown_ = 0;
+};
+
+} // namespace interface

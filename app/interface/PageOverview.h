@@ -1,0 +1,48 @@
+#pragma once
+// A strip of all pages: a tile each with the page's number and eight cells, filled where a parameter stands. The shown
+// page is marked. Names are asked for by tiles on screen only, so that it stays quick with thousands of pages.
+
+#include <QListView>
+
+#include <functional>
+
+namespace interface {
+
+class PageModel;
+
+class PageOverview final : public QListView {
+    Q_OBJECT
+
+public:
+    /// The name on a pot (1 to 8) of a page (from 1); "-" when it is empty.
+    using Source = std::function<QString(int page, int pot)>;
+
+    explicit PageOverview(QWidget* parent = nullptr);
+
+    void setSource(Source name);
+    /// Shows so many pages as they are now, one of them marked and in sight. 0 pages: a hint instead.
+    void refresh(int pages, int shownPage);
+
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+Q_SIGNALS:
+    /// The user wants to see another page, from 1.
+    void pageChosen(int page);
+
+protected:
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void dataChanged(const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    PageModel* model_;
+    bool isRefreshing_ = false;
+};
+
+} // namespace interface
