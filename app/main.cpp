@@ -4,6 +4,7 @@
 #include "app/ViewController.h"
 #include "app/interface/Interface.h"
 #include "app/interface/Lifecycle.h"
+#include "app/interface/WindowMemory.h"
 #include "platform/ErrorAlerts.h"
 #include "platform/StreamLog.h"
 #include "platform/UserPreferences.h"
@@ -38,6 +39,9 @@ int main(int argc, char* argv[])
     ViewController controller(platform);
     const interface::Interface loaded(controller);
     const interface::Lifecycle lifecycle(delegate, loaded);
+    // In a file of its own: what is stored at every quit must not touch the log-in.
+    platform::UserPreferences windowPreferences(KV_BUNDLE_IDENTIFIER ".window");
+    const interface::WindowMemory memory(windowPreferences, loaded);
 
     controller.viewDidLoad();
     loaded.mainWindow()->show();

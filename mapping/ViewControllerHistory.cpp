@@ -34,11 +34,13 @@ ViewController::Operation::~Operation()
 
 void ViewController::undo(Sender)
 {
+    const Operation operation(*this); // tells when the history, too, has gone back
     history_->undo();
 }
 
 void ViewController::redo(Sender)
 {
+    const Operation operation(*this);
     history_->redo();
 }
 

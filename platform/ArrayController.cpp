@@ -13,8 +13,8 @@ void ArrayController::setContent(std::vector<Record> content)
 {
     content_ = std::move(content);
     ++contentRevision_;
+    selectionIndex_ = kNoSelection; // before the arrangement, which may ask for the selection
     arrange();
-    selectionIndex_ = kNoSelection;
     arrangedChanged.emit();
     selectionChanged.emit();
 }

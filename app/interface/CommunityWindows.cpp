@@ -26,7 +26,8 @@ QWidget* makeWindow(const char* name, const QString& title)
     window->setWindowTitle(title);
     auto* close = new QShortcut(QKeySequence::Cancel, window);
     QObject::connect(close, &QShortcut::activated, window, &QWidget::close);
-    new QVBoxLayout(window);
+    auto* layout = new QVBoxLayout(window);
+    layout->setContentsMargins(12, 12, 12, 12);
     return window;
 }
 
@@ -34,6 +35,20 @@ void pressOnReturn(QPushButton* button, std::initializer_list<QLineEdit*> lines)
 {
     for (QLineEdit* line : lines)
         QObject::connect(line, &QLineEdit::returnPressed, button, &QPushButton::click);
+}
+
+QVBoxLayout* layoutOf(QWidget* window)
+{
+    return static_cast<QVBoxLayout*>(window->layout());
+}
+
+/// A button at the end of what it finishes, no wider than it need be.
+QHBoxLayout* atTheEnd(QPushButton* button)
+{
+    auto* row = new QHBoxLayout;
+    row->addStretch(1);
+    row->addWidget(button);
+    return row;
 }
 
 /// Says how far the running downloads are; keeps its place while none runs.
@@ -59,26 +74,28 @@ QWidget* makeAccountWindow()
     auto* userName = makeLine("cwinUserName");
     auto* pin = makeLine("cwinPinCode");
     pin->setEchoMode(QLineEdit::Password);
-    auto* attempt = makeButton("cwinLoginAttempt", QObject::tr("Log In"), QObject::tr("Log in with this PIN"));
+    auto* attempt =
+        makeButton("cwinLoginAttempt", QObject::tr("Log In"), QObject::tr("Log in with this PIN"), "log-in");
     pressOnReturn(attempt, {userName, pin});
     logInForm->addRow(QObject::tr("User name"), userName);
     logInForm->addRow(QObject::tr("PIN"), pin);
-    logInForm->addRow(attempt);
+    logInForm->addRow(atTheEnd(attempt));
 
     auto* create = new QGroupBox(QObject::tr("New account"));
     auto* createForm = new QFormLayout(create);
     auto* newUserName = makeLine("cwinUserNameNew");
     auto* email = makeLine("cwinEmailAddrNew");
     auto* request = makeButton("cwinNewUserCreate", QObject::tr("Create Account"),
-                               QObject::tr("Ask the community library for an account"));
+                               QObject::tr("Ask the community library for an account"), "new-account");
     pressOnReturn(request, {newUserName, email});
     createForm->addRow(QObject::tr("User name"), newUserName);
     createForm->addRow(QObject::tr("E-mail address"), email);
-    createForm->addRow(request);
+    createForm->addRow(atTheEnd(request));
 
     window->layout()->addWidget(logIn);
     window->layout()->addWidget(create);
-    window->resize(380, 300);
+    window->layout()->setSizeConstraint(QLayout::SetMinimumSize);
+    window->resize(400, window->sizeHint().height());
     return window;
 }
 
@@ -86,9 +103,10 @@ QWidget* makeUploadWindow()
 {
     QWidget* window = makeWindow("cwinUploadWindow", QObject::tr("Share Mapping"));
     window->layout()->addWidget(makeHeading(QObject::tr("Comments for the others")));
-    window->layout()->addWidget(makeTextBox("cwinUploadComments"));
-    window->layout()->addWidget(makeButton("kvCommunityUploadBtn", QObject::tr("Upload"),
-                                           QObject::tr("Send the mapping as last saved, with these comments")));
+    window->layout()->addWidget(makeTextBox("cwinUploadComments", QObject::tr("Comments for the others")));
+    auto* upload = makeButton("kvCommunityUploadBtn", QObject::tr("Upload"),
+                              QObject::tr("Send the mapping as last saved, with these comments"), "upload");
+    layoutOf(window)->addLayout(atTheEnd(upload));
     window->resize(420, 260);
     return window;
 }
@@ -96,16 +114,18 @@ QWidget* makeUploadWindow()
 QWidget* makeDownloadWindow()
 {
     QWidget* window = makeWindow("cwinDownloadWindow", QObject::tr("Shared Mappings"));
-    auto* comments = makeTextBox("cwinUploadedComments");
+    auto* comments = makeTextBox("cwinUploadedComments", QObject::tr("Comments"));
     comments->setReadOnly(true);
     comments->setMaximumHeight(120);
     window->layout()->addWidget(makeHeading(QObject::tr("Shared for this plugin")));
-    window->layout()->addWidget(makeList("cwinPlistAvailable"));
+    window->layout()->addWidget(makeList("cwinPlistAvailable", QObject::tr("Shared for this plugin")));
     window->layout()->addWidget(makeHeading(QObject::tr("Comments")));
     window->layout()->addWidget(comments);
-    window->layout()->addWidget(makeProgressBar());
-    window->layout()->addWidget(makeButton("kvCommunityLoadSelectedDownload", QObject::tr("Load"),
-                                           QObject::tr("Fetch the selected mapping and load it into the editor")));
+    auto* load = makeButton("kvCommunityLoadSelectedDownload", QObject::tr("Load"),
+                            QObject::tr("Fetch the selected mapping and load it into the editor"), "load");
+    QHBoxLayout* end = atTheEnd(load);
+    end->insertWidget(0, makeProgressBar(), 1);
+    layoutOf(window)->addLayout(end);
     window->resize(720, 460);
     return window;
 }

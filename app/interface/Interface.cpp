@@ -2,7 +2,12 @@
 
 #include "app/ViewController.h"
 #include "app/interface/CommunityWindows.h"
+#include "app/interface/DragData.h"
+#include "app/interface/EditingView.h"
+#include "app/interface/FrontPanel.h"
+#include "app/interface/Keyboard.h"
 #include "app/interface/MainWindow.h"
+#include "app/interface/PageOverview.h"
 #include "community/Listing.h"
 #include "mapping/ParameterOrder.h"
 #include "platform/qt/Bindings.h"
@@ -20,6 +25,8 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+
+#include <algorithm>
 
 namespace interface {
 
@@ -117,35 +124,30 @@ const ActionEntry kActions[] = {
     {"kvCommunityUploadBtn", &ViewController::kvCommunityUploadBtn},
     {"kvCommunityLoadSelectedDownload", &ViewController::kvCommunityLoadSelectedDownload},
     {"kvHelpMe", &ViewController::kvHelpMe},
+    {"undo", &ViewController::undo},
+    {"undoButton", &ViewController::undo},
+    {"redo", &ViewController::redo},
+    {"redoButton", &ViewController::redo},
     {"kvMovePage_First", &ViewController::kvMovePage_First},
     {"kvMovePage_Last", &ViewController::kvMovePage_Last},
     {"kvMovePage_Prev", &ViewController::kvMovePage_Prev},
     {"kvMovePage_Next", &ViewController::kvMovePage_Next},
 };
 
-// What needs a mapping, and what needs its plug-in to be the selected row too.
-const char* const kNeedMapping[] = {
-    "firstPageButtonPressed",
-    "prevPageButtonPressed",
-    "nextPageButtonPressed",
-    "lastPageButtonPressed",
-    "kvMovePage_First",
-    "kvMovePage_Prev",
-    "kvMovePage_Next",
-    "kvMovePage_Last",
-    "newPageButtonPressed",
-    "deletePageButtonPressed",
-    "clearAllPagesButtonPressed",
-    "kvExportToPlist",
-};
-const char* const kNeedPlugin[] = {
-    "kvRecallOriginalMapping",
-    "kvRecallPreviousMapping",
-    "kvCreateChart",
-    "kvPluginMode",
+// Menu items that press a button which has a name of its own.
+const std::pair<const char*, const char*> kItemsOfButtons[] = {
+    {"kvRotBtn1_Pressed", "kvRotaryBtn1"},         {"kvRotBtn2_Pressed", "kvRotaryBtn2"},
+    {"kvRotBtn3_Pressed", "kvRotaryBtn3"},         {"kvRotBtn4_Pressed", "kvRotaryBtn4"},
+    {"kvRotBtn5_Pressed", "kvRotaryBtn5"},         {"kvRotBtn6_Pressed", "kvRotaryBtn6"},
+    {"kvRotBtn7_Pressed", "kvRotaryBtn7"},         {"kvRotBtn8_Pressed", "kvRotaryBtn8"},
+    {"kvCommunityLibrary", "kv_btn_cloudLibrary"}, {"kvCommunityLibraryDownload", "kv_btn_cloudLibraryDownload"},
+    {"modeInstrument", "kvPluginMode_1"},          {"modeInsertEffect", "kvPluginMode_0"},
+    {"unmappedOnlyItem", "unmappedOnly"},
 };
 
 constexpr int kCommentsWidth = 320;
+/// No cell shows more.
+constexpr std::size_t kMostPotsTold = 40;
 
 void bindTextField(const std::shared_ptr<TextField>& field, QWidget* widget)
 {
@@ -189,7 +191,11 @@ Interface::Interface(ViewController& controller) : controller_(controller), logg
     connectModeSwitch();
     connectLists();
     connectActions();
-    followEditing();
+    connectPanel();
+    tellShortcuts();
+    editing_ = std::make_unique<EditingView>(controller_, *this);
+    connections_.push_back(controller_.downloadProgress().onChange(
+        [bar = find<QProgressBar>("downloadProgress")](const auto& progress) { showProgress(bar, progress); }));
 }
 
 Interface::~Interface()
@@ -270,13 +276,18 @@ void Interface::connectLists()
     pluginView->header()->resizeSection(1, 150);
 
     const auto parameters = std::make_shared<platform::ArrayController>();
-    parameters->setArrangement(qt::matchingAny({mapping::kParamNum, mapping::kParameter}));
     controller_.setArrayControllerPlistSelected(parameters);
     controller_.setTablePlistOfSelectedPlugin(
         connectList("tablePlistOfSelectedPlugin", "arrayControllerPlistSelected", parameters,
-                    {{QObject::tr("Number"), mapping::kParamNum}, {QObject::tr("Parameter"), mapping::kParameter}}, {},
-                    &ViewController::tablePlistView));
-    find<qt::RecordListView>("tablePlistOfSelectedPlugin")->header()->resizeSection(0, 80);
+                    {{QObject::tr("Number"), mapping::kParamNum},
+                     {QObject::tr("Parameter"), mapping::kParameter},
+                     {QObject::tr("On pots"), {}, [this](const auto& record) { return potsOf(record); }}},
+                    {}, &ViewController::tablePlistView));
+    auto* parameterView = find<qt::RecordListView>("tablePlistOfSelectedPlugin");
+    parameterView->header()->resizeSection(0, 80);
+    parameterView->header()->resizeSection(1, 300);
+    static_cast<qt::RecordTableModel*>(parameterView->model())->setDragType(QString::fromLatin1(kParameterDrag));
+    parameterView->setDragEnabled(true);
     qt::bindFilter(parameters, find<QLineEdit>("parameterSearch"));
 
     const auto shared = std::make_shared<platform::ArrayController>();
@@ -290,6 +301,16 @@ void Interface::connectLists()
         shared->arrangedChanged.connect([sharedView] { sharedView->header()->resizeSection(0, kCommentsWidth); }));
 }
 
+QString Interface::potsOf(const platform::Record& parameter) const
+{
+    if (mapping::isEmptyEntry(parameter))
+        return QObject::tr("clears a pot");
+    auto positions = controller_.mappedPots().positionsOf(parameter);
+    const bool isCut = positions.size() > kMostPotsTold;
+    positions.resize(std::min(positions.size(), kMostPotsTold));
+    return qt::toQt(mapping::potsText(positions)) + (isCut ? QStringLiteral(", \u2026") : QString());
+}
+
 void Interface::connectActions()
 {
     for (const auto& entry : kActions) {
@@ -299,35 +320,54 @@ void Interface::connectActions()
         if (auto* item = find<QAction>(entry.name))
             QObject::connect(item, &QAction::triggered, item, send);
     }
+    connections_.push_back(controller_.kv_btn_cloudLibrary()->enabled.onChange(
+        [item = find<QAction>("kvCommunityLibrary")](bool enabled) { item->setEnabled(enabled); }));
+    find<QAction>("kvCommunityLibrary")->setEnabled(controller_.kv_btn_cloudLibrary()->enabled.get());
+    for (const auto& [itemName, buttonName] : kItemsOfButtons) {
+        auto* item = find<QAction>(itemName);
+        auto* button = find<QAbstractButton>(buttonName);
+        QObject::connect(item, &QAction::triggered, button, &QAbstractButton::click);
+        if (button->isCheckable())
+            QObject::connect(button, &QAbstractButton::toggled, item, &QAction::setChecked);
+    }
+    auto* search = find<QLineEdit>("parameterSearch");
+    QObject::connect(find<QAction>("findParameter"), &QAction::triggered, search, [search] {
+        search->setFocus(Qt::ShortcutFocusReason);
+        search->selectAll();
+    });
 }
 
-void Interface::followEditing()
+void Interface::connectPanel()
 {
-    connections_.push_back(
-        controller_.labPluginPlistLocation()->stringValue.onChange([this](const std::string&) { enableEditing(); }));
-    connections_.push_back(controller_.myArrayController()->selectionChanged.connect([this] { enableEditing(); }));
-    connections_.push_back(controller_.downloadProgress().onChange(
-        [bar = find<QProgressBar>("downloadProgress")](const auto& progress) { showProgress(bar, progress); }));
-    enableEditing();
+    auto* panel = find<FrontPanel>("frontPanel");
+    // The dragged row is the selected one, so a drop is a press.
+    QObject::connect(panel, &FrontPanel::parameterDropped, panel,
+                     [this](int pot) { controller_.clickControl(pot - 1); });
+    QObject::connect(panel, &FrontPanel::potDropped, panel,
+                     [this](int from, int onto) { controller_.exchangeControls(from - 1, onto - 1); });
+    auto* overview = find<PageOverview>("pageOverview");
+    QObject::connect(overview, &PageOverview::pageChosen, overview, [this](int page) { controller_.showPage(page); });
+    connectPotKeys(*this);
 }
 
-void Interface::enableEditing()
+void Interface::tellShortcuts()
 {
-    const bool hasMapping = !controller_.labPluginPlistLocation()->stringValue.get().empty();
-    const bool hasPlugin = hasMapping && controller_.myArrayController()->selection() != nullptr;
-    const auto enable = [this](const char* name, bool enabled) {
-        find<QWidget>(name)->setEnabled(enabled);
-        if (auto* item = find<QAction>(name))
-            item->setEnabled(enabled);
-    };
-    for (const char* name : kNeedMapping)
-        enable(name, hasMapping);
-    for (const char* name : kNeedPlugin)
-        enable(name, hasPlugin);
-    for (const auto& pot : {controller_.kvRotaryBtn1(), controller_.kvRotaryBtn2(), controller_.kvRotaryBtn3(),
-                            controller_.kvRotaryBtn4(), controller_.kvRotaryBtn5(), controller_.kvRotaryBtn6(),
-                            controller_.kvRotaryBtn7(), controller_.kvRotaryBtn8()})
-        pot->enabled.set(hasPlugin);
+    for (const QAction* item : mainWindow()->findChildren<QAction*>()) {
+        if (item->shortcut().isEmpty())
+            continue;
+        const char* name = nullptr;
+        for (const auto& [itemName, buttonName] : kItemsOfButtons) {
+            if (item->objectName() == QLatin1String(itemName))
+                name = buttonName;
+        }
+        if (auto* button = find<QAbstractButton>(name ? name : qPrintable(item->objectName())))
+            button->setToolTip(withShortcut(button->toolTip(), *item));
+    }
+}
+
+QString Interface::withShortcut(const QString& toolTip, const QAction& item)
+{
+    return QStringLiteral("%1 (%2)").arg(toolTip, item.shortcut().toString(QKeySequence::NativeText));
 }
 
 } // namespace interface

@@ -9,9 +9,16 @@
 #include <memory>
 #include <vector>
 
+class QAction;
 class ViewController;
 
+namespace platform {
+class Record;
+}
+
 namespace interface {
+
+class EditingView;
 
 class Interface {
 public:
@@ -22,6 +29,8 @@ public:
     ~Interface();
 
     QWidget* mainWindow() const { return windows_.front().get(); }
+    /// A tool tip with the shortcut of the menu item that does the same.
+    static QString withShortcut(const QString& toolTip, const QAction& item);
     /// The object of that name and type in any of the windows, or null.
     template <typename T>
     T* find(const char* name) const
@@ -44,14 +53,17 @@ private:
     void connectModeSwitch();
     void connectLists();
     void connectActions();
-    void followEditing();
-    void enableEditing();
+    void connectPanel();
+    void tellShortcuts();
+    /// What the list says of where a parameter stands.
+    QString potsOf(const platform::Record& parameter) const;
 
     ViewController& controller_;
     std::vector<std::unique_ptr<QWidget>> windows_;
     /// The label that the controller refers to without owning it.
     std::shared_ptr<platform::TextField> loggedInAs_;
     std::vector<platform::Connection> connections_;
+    std::unique_ptr<EditingView> editing_; // goes first: it follows the others
 };
 
 } // namespace interface

@@ -1,15 +1,18 @@
 #include "app/interface/MainWindow.h"
 
 #include "app/interface/FrontPanel.h"
+#include "app/interface/Menus.h"
+#include "app/interface/PageOverview.h"
+#include "app/interface/SearchField.h"
 #include "app/interface/Widgets.h"
 #include "platform/qt/ElidedLabel.h"
 #include "platform/qt/RecordListView.h"
+#include "platform/qt/Typing.h"
 
-#include <QAction>
-#include <QGroupBox>
+#include <QApplication>
+#include <QCheckBox>
 #include <QHBoxLayout>
-#include <QLineEdit>
-#include <QMenuBar>
+#include <QKeyEvent>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSplitter>
@@ -20,16 +23,6 @@ namespace interface {
 
 namespace {
 
-QWidget* column(std::initializer_list<QWidget*> widgets)
-{
-    auto* holder = new QWidget;
-    auto* layout = new QVBoxLayout(holder);
-    layout->setContentsMargins(0, 0, 0, 0);
-    for (QWidget* widget : widgets)
-        layout->addWidget(widget);
-    return holder;
-}
-
 QHBoxLayout* row(std::initializer_list<QWidget*> widgets)
 {
     auto* layout = new QHBoxLayout;
@@ -38,60 +31,122 @@ QHBoxLayout* row(std::initializer_list<QWidget*> widgets)
     return layout;
 }
 
-QGroupBox* group(const QString& title, std::initializer_list<QWidget*> widgets)
+/// Adds buttons to a row with little room between them, so that they read as one group.
+void addGroup(QHBoxLayout* layout, std::initializer_list<QWidget*> widgets)
 {
-    auto* box = new QGroupBox(title);
-    box->setLayout(row(widgets));
-    return box;
+    QHBoxLayout* group = row(widgets);
+    group->setSpacing(4);
+    layout->addLayout(group);
 }
 
 QWidget* makeModeSwitch()
 {
     auto* matrix = new QWidget;
     matrix->setObjectName(QStringLiteral("kvPluginMode"));
+    matrix->setAccessibleName(QObject::tr("Editing mode"));
     auto* layout = new QHBoxLayout(matrix);
     layout->setContentsMargins(0, 0, 0, 0);
-    const std::pair<const char*, QString> cells[] = {
-        {"kvPluginMode_1", QObject::tr("Instrument")},
-        {"kvPluginMode_0", QObject::tr("Insert/Effect")},
+    const std::tuple<const char*, QString, QString> cells[] = {
+        {"kvPluginMode_1", QObject::tr("Instrument"), QObject::tr("Edit the plug-in as an instrument")},
+        {"kvPluginMode_0", QObject::tr("Insert/Effect"), QObject::tr("Edit the plug-in as an insert or effect")},
     };
-    for (const auto& [name, title] : cells) {
+    for (const auto& [name, title, toolTip] : cells) {
         auto* cell = new QRadioButton(title);
         cell->setObjectName(QString::fromLatin1(name));
+        cell->setToolTip(toolTip);
         layout->addWidget(cell);
     }
     return matrix;
 }
 
-QLayout* makeTitleRow()
+QLayout* makeTitle()
 {
     auto* title = makeHeading(QStringLiteral("kvOrvantaLogic Tool"));
     QFont large = title->font();
-    large.setPointSizeF(large.pointSizeF() * 1.4);
+    large.setPointSizeF(large.pointSizeF() * 1.25);
     title->setFont(large);
-    auto* layout = new QHBoxLayout;
-    layout->setSpacing(12);
+    auto* layout = new QVBoxLayout;
+    layout->setSpacing(0);
     layout->addWidget(title);
-    layout->addWidget(makeLabel("mainTitle_Sub"), 1);
-    layout->addWidget(makeModeSwitch());
+    layout->addWidget(makeLabel("mainTitle_Sub"));
     return layout;
+}
+
+QLayout* makeHeader()
+{
+    auto* layout = new QHBoxLayout;
+    layout->setSpacing(14);
+    layout->addLayout(makeTitle(), 1);
+    layout->addWidget(makeModeSwitch());
+    layout->addWidget(makeSeparator());
+    addGroup(layout,
+             {makeSymbolButton("undoButton", QObject::tr("Undo"), QObject::tr("Take back the last edit"), "undo"),
+              makeSymbolButton("redoButton", QObject::tr("Redo"), QObject::tr("Make it again"), "redo")});
+    layout->addWidget(makeSeparator());
+    addGroup(layout, {makeButton("kvExportToPlist", QObject::tr("Save Mapping"),
+                                 QObject::tr("Write the mapping into the plug-in's file and keep backups"), "save"),
+                      makeButton("kvRecallOriginalMapping", QObject::tr("Recall Original"),
+                                 QObject::tr("Put back the file as it was before the first save"), "recall-original"),
+                      makeButton("kvRecallPreviousMapping", QObject::tr("Recall Previous"),
+                                 QObject::tr("Put back the file as it was before the last save"), "recall-previous"),
+                      makeButton("kvCreateChart", QObject::tr("Chart"),
+                                 QObject::tr("Write the mapping as an HTML chart and open it"), "chart")});
+    layout->addWidget(makeSeparator());
+    layout->addWidget(makeButton("kvHelpMe", QObject::tr("Help"), QObject::tr("Brief instructions on use"), "help"));
+    return layout;
+}
+
+QWidget* makePluginColumn()
+{
+    auto* heading = makeHeading(QObject::tr("Plugins"));
+    auto* list = makeList("pluginTableView", heading->text());
+    list->leaveTypingToTheWindow();
+    QHBoxLayout* top = row({heading});
+    top->addStretch(1);
+    top->addWidget(makeButton("btnRunCheck", QObject::tr("Scan for plugins"),
+                              QObject::tr("Look for plug-ins with a parameter order again"), "scan"));
+    auto* column = new QWidget;
+    auto* layout = new QVBoxLayout(column);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addLayout(top);
+    layout->addWidget(list, 1);
+    return column;
+}
+
+QWidget* makeParameterColumn()
+{
+    auto* heading = makeHeading(QObject::tr("Plugin Parameters"));
+    auto* list = makeList("tablePlistOfSelectedPlugin", heading->text());
+    list->leaveTypingToTheWindow();
+    auto* search = new SearchField;
+    search->setObjectName(QStringLiteral("parameterSearch"));
+    search->setPlaceholderText(QObject::tr("Search parameters"));
+    search->setAccessibleName(QObject::tr("Search parameters"));
+    search->setList(list);
+    auto* unmapped = new QCheckBox(QObject::tr("Not mapped yet"));
+    unmapped->setObjectName(QStringLiteral("unmappedOnly"));
+    unmapped->setToolTip(QObject::tr("Show only parameters that stand on no pot"));
+    QHBoxLayout* top = row({heading});
+    auto* readOut = makeLabel("mappedReadOut");
+    readOut->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    top->addWidget(readOut, 1);
+    QHBoxLayout* narrowing = row({search, unmapped});
+    narrowing->setStretch(0, 1);
+    auto* column = new QWidget;
+    auto* layout = new QVBoxLayout(column);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addLayout(top);
+    layout->addLayout(narrowing);
+    layout->addWidget(list, 1);
+    return column;
 }
 
 QWidget* makeLists()
 {
-    auto* scan = makeButton("btnRunCheck", QObject::tr("Scan for plugins"),
-                            QObject::tr("Look for plug-ins with a parameter order again"));
-    auto* pluginColumn = column({makeHeading(QObject::tr("Plugins")), makeList("pluginTableView"), scan});
-
-    auto* search = makeLine("parameterSearch");
-    search->setPlaceholderText(QObject::tr("Search parameters"));
-    search->setClearButtonEnabled(true);
-    auto* parameterColumn =
-        column({makeHeading(QObject::tr("Plugin Parameters")), search, makeList("tablePlistOfSelectedPlugin")});
-
     auto* lists = new QSplitter(Qt::Horizontal);
-    lists->addWidget(pluginColumn);
-    lists->addWidget(parameterColumn);
+    lists->setObjectName(QStringLiteral("listsSplitter"));
+    lists->addWidget(makePluginColumn());
+    lists->addWidget(makeParameterColumn());
     lists->setChildrenCollapsible(false);
     lists->setStretchFactor(0, 3);
     lists->setStretchFactor(1, 4);
@@ -101,64 +156,61 @@ QWidget* makeLists()
 QLayout* makePageControls()
 {
     auto* layout = new QHBoxLayout;
-    layout->addWidget(
-        group(QObject::tr("Show page"),
-              {makeButton("firstPageButtonPressed", QObject::tr("First"), QObject::tr("Show the first page")),
-               makeButton("prevPageButtonPressed", QObject::tr("Previous"), QObject::tr("Show the page before")),
-               makeButton("nextPageButtonPressed", QObject::tr("Next"), QObject::tr("Show the page after")),
-               makeButton("lastPageButtonPressed", QObject::tr("Last"), QObject::tr("Show the last page"))}));
-    layout->addWidget(group(
-        QObject::tr("Move page to"),
-        {makeButton("kvMovePage_First", QObject::tr("First"), QObject::tr("Exchange this page with the first one")),
-         makeButton("kvMovePage_Prev", QObject::tr("Previous"), QObject::tr("Exchange this page with the one before")),
-         makeButton("kvMovePage_Next", QObject::tr("Next"), QObject::tr("Exchange this page with the one after")),
-         makeButton("kvMovePage_Last", QObject::tr("Last"), QObject::tr("Exchange this page with the last one"))}));
+    layout->setSpacing(10);
+    addGroup(layout, {makeCaption(QObject::tr("Show page")),
+                      makeSymbolButton("firstPageButtonPressed", QObject::tr("Show first page"),
+                                       QObject::tr("Show the first page"), "page-first"),
+                      makeSymbolButton("prevPageButtonPressed", QObject::tr("Show previous page"),
+                                       QObject::tr("Show the page before"), "page-previous"),
+                      makeSymbolButton("nextPageButtonPressed", QObject::tr("Show next page"),
+                                       QObject::tr("Show the page after"), "page-next"),
+                      makeSymbolButton("lastPageButtonPressed", QObject::tr("Show last page"),
+                                       QObject::tr("Show the last page"), "page-last")});
+    layout->addWidget(makeSeparator());
+    addGroup(layout, {makeCaption(QObject::tr("Move page to")),
+                      makeButton("kvMovePage_First", QObject::tr("First"),
+                                 QObject::tr("Exchange this page with the first one"), "move-first"),
+                      makeButton("kvMovePage_Prev", QObject::tr("Previous"),
+                                 QObject::tr("Exchange this page with the one before"), "move-previous"),
+                      makeButton("kvMovePage_Next", QObject::tr("Next"),
+                                 QObject::tr("Exchange this page with the one after"), "move-next"),
+                      makeButton("kvMovePage_Last", QObject::tr("Last"),
+                                 QObject::tr("Exchange this page with the last one"), "move-last")});
+    layout->addWidget(makeSeparator());
+    layout->addWidget(makeButton("newPageButtonPressed", QObject::tr("New Page"),
+                                 QObject::tr("Add an empty page at the end"), "page-new"));
     layout->addStretch(1);
-    layout->addWidget(
-        group(QObject::tr("Edit pages"),
-              {makeButton("newPageButtonPressed", QObject::tr("New"), QObject::tr("Add an empty page at the end")),
-               makeButton("deletePageButtonPressed", QObject::tr("Delete"), QObject::tr("Delete the page shown")),
-               makeButton("clearAllPagesButtonPressed", QObject::tr("Clear All"),
-                          QObject::tr("Empty the first page and make it the only one"))}));
-    return layout;
-}
-
-QLayout* makeFileControls()
-{
-    auto* signedIn = makeLabel("labLoggedInAs");
-    signedIn->setMinimumWidth(170);
-    auto* layout = new QHBoxLayout;
-    layout->addWidget(group(QObject::tr("Mapping"),
-                            {makeButton("kvExportToPlist", QObject::tr("Save Mapping"),
-                                        QObject::tr("Write the mapping into the plug-in's file and keep backups")),
-                             makeButton("kvRecallOriginalMapping", QObject::tr("Recall Original"),
-                                        QObject::tr("Put back the file as it was before the first save")),
-                             makeButton("kvRecallPreviousMapping", QObject::tr("Recall Previous"),
-                                        QObject::tr("Put back the file as it was before the last save")),
-                             makeButton("kvCreateChart", QObject::tr("Chart"),
-                                        QObject::tr("Write the mapping as an HTML chart and open it"))}));
-    auto* community =
-        group(QObject::tr("Community"),
-              {makeButton("kvLoginToCloudAccount", QObject::tr("Account"), QObject::tr("Log in or ask for an account")),
-               makeButton("kv_btn_cloudLibrary", QObject::tr("Share"), QObject::tr("Upload the saved mapping")),
-               makeButton("kv_btn_cloudLibraryDownload", QObject::tr("Browse"),
-                          QObject::tr("See what others shared for this plug-in")),
-               signedIn});
-    layout->addWidget(community, 1);
-    layout->addWidget(makeButton("kvHelpMe", QObject::tr("Help"), QObject::tr("Brief instructions on use")), 0,
-                      Qt::AlignBottom);
+    // What takes something away stands apart.
+    addGroup(layout, {makeButton("deletePageButtonPressed", QObject::tr("Delete Page"),
+                                 QObject::tr("Delete the page shown"), "page-delete"),
+                      makeButton("clearAllPagesButtonPressed", QObject::tr("Clear All"),
+                                 QObject::tr("Empty the first page and make it the only one"), "clear-all")});
     return layout;
 }
 
 QLayout* makeStatusRow()
 {
     auto* layout = new QHBoxLayout;
-    layout->setSpacing(16);
-    layout->addWidget(makeLabel("labelHelperDisplay"), 2);
+    layout->setSpacing(14);
+    layout->addWidget(makeLabel("labelHelperDisplay"), 3);
     layout->addWidget(makeLabel("pageLimitWarning"), 0);
+    auto* unsaved = makeLabel("unsavedReadOut");
+    QFont bold = unsaved->font();
+    bold.setBold(true);
+    unsaved->setFont(bold);
+    layout->addWidget(unsaved, 2);
     auto* path = makeLabel("labPluginPlistLocation", Qt::ElideMiddle);
-    path->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    layout->addWidget(path, 3);
+    layout->addWidget(path, 4);
+    layout->addWidget(makeSeparator());
+    auto* signedIn = makeLabel("labLoggedInAs");
+    signedIn->setMinimumWidth(120);
+    layout->addWidget(signedIn, 1);
+    addGroup(layout,
+             {makeButton("kvLoginToCloudAccount", QObject::tr("Account"),
+                         QObject::tr("Log in to the community library or ask for an account"), "account"),
+              makeButton("kv_btn_cloudLibrary", QObject::tr("Share"), QObject::tr("Upload the saved mapping"), "share"),
+              makeButton("kv_btn_cloudLibraryDownload", QObject::tr("Browse"),
+                         QObject::tr("See what others shared for this plug-in"), "browse")});
     return layout;
 }
 
@@ -167,11 +219,23 @@ QWidget* makeLowerView()
     auto* lower = new QWidget;
     auto* layout = new QVBoxLayout(lower);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(new FrontPanel);
+    auto* panel = new FrontPanel;
+    panel->setObjectName(QStringLiteral("frontPanel"));
+    layout->addWidget(panel, 1);
+    layout->addWidget(new PageOverview(lower));
     layout->addLayout(makePageControls());
-    layout->addLayout(makeFileControls());
-    layout->addLayout(makeStatusRow());
     return lower;
+}
+
+QWidget* makeViews()
+{
+    auto* views = new QSplitter(Qt::Vertical);
+    views->setObjectName(QStringLiteral("viewsSplitter"));
+    views->addWidget(makeLists());
+    views->addWidget(makeLowerView());
+    views->setChildrenCollapsible(false);
+    views->setStretchFactor(0, 1);
+    return views;
 }
 
 } // namespace
@@ -181,35 +245,27 @@ MainWindow::MainWindow()
     setObjectName(QStringLiteral("cwinMainWindow"));
     setWindowTitle(QStringLiteral("kvOrvantaLogic Tool"));
 
+    makeMenus(*this);
     auto* content = new QWidget;
     auto* layout = new QVBoxLayout(content);
-    layout->setSpacing(10);
-    layout->addLayout(makeTitleRow());
-    layout->addWidget(makeLists(), 1);
-    layout->addWidget(makeLowerView());
+    layout->setContentsMargins(10, 8, 10, 8);
+    layout->setSpacing(8);
+    layout->addLayout(makeHeader());
+    layout->addWidget(makeViews(), 1);
+    layout->addLayout(makeStatusRow());
     setCentralWidget(content);
-    makeMenus();
-    resize(1180, 780);
+    resize(1240, 770);
 }
 
-void MainWindow::makeMenus()
+void MainWindow::keyPressEvent(QKeyEvent* event)
 {
-    const auto add = [](QMenu* menu, const char* name, const QString& title, const QKeySequence& shortcut) {
-        QAction* action = menu->addAction(title);
-        action->setObjectName(QString::fromLatin1(name));
-        action->setShortcut(shortcut);
-        return action;
-    };
-    QMenu* file = menuBar()->addMenu(tr("&File"));
-    add(file, "btnRunCheck", tr("Scan for plugins"), QKeySequence::Refresh);
-    add(file, "kvExportToPlist", tr("Save Mapping"), QKeySequence::Save);
-    add(file, "kvCreateChart", tr("Chart"), QKeySequence::Print);
-    add(file, "saveAction", tr("Save Application Data"), {});
-    file->addSeparator();
-    QAction* quit = add(file, "terminate", tr("Quit"), QKeySequence::Quit);
-    quit->setMenuRole(QAction::QuitRole);
-    QMenu* help = menuBar()->addMenu(tr("&Help"));
-    add(help, "kvHelpMe", tr("Brief instructions on use"), QKeySequence::HelpContents);
+    auto* search = findChild<SearchField*>();
+    if (!platform::qt::isTyping(*event) || search->hasFocus()) {
+        QMainWindow::keyPressEvent(event);
+        return;
+    }
+    search->setFocus(Qt::ShortcutFocusReason);
+    QApplication::sendEvent(search, event);
 }
 
 } // namespace interface

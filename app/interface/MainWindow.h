@@ -1,6 +1,7 @@
 #pragma once
 // Layout of the main window: the plug-in list at the left, the parameter list with its search beside it, and in the
-// lower view the front panel with everything that works on the mapping. Makes widgets only; wiring is done elsewhere.
+// lower view the front panel, the strip of all pages and what works on them. Makes widgets only; wiring is done
+// elsewhere.
 
 #include <QMainWindow>
 
@@ -12,8 +13,9 @@ class MainWindow final : public QMainWindow {
 public:
     MainWindow();
 
-private:
-    void makeMenus();
+protected:
+    /// What is typed and nobody else wants goes into the search.
+    void keyPressEvent(QKeyEvent* event) override;
 };
 
 } // namespace interface

@@ -2,7 +2,9 @@
 
 #include "platform/qt/ElidedLabel.h"
 #include "platform/qt/RecordListView.h"
+#include "platform/qt/SymbolIcon.h"
 
+#include <QFrame>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -20,11 +22,21 @@ T* named(T* widget, const char* name)
 
 } // namespace
 
-QPushButton* makeButton(const char* name, const QString& title, const QString& toolTip)
+QPushButton* makeButton(const char* name, const QString& title, const QString& toolTip, const char* symbol)
 {
     auto* button = named(new QPushButton(title), name);
     button->setToolTip(toolTip);
     button->setAutoDefault(false);
+    if (symbol)
+        button->setIcon(platform::qt::symbolIcon(QString::fromLatin1(symbol)));
+    return button;
+}
+
+QPushButton* makeSymbolButton(const char* name, const QString& title, const QString& toolTip, const char* symbol)
+{
+    QPushButton* button = makeButton(name, {}, toolTip, symbol);
+    button->setAccessibleName(title);
+    button->setFixedWidth(button->sizeHint().height() + 8);
     return button;
 }
 
@@ -35,9 +47,11 @@ platform::qt::ElidedLabel* makeLabel(const char* name, Qt::TextElideMode mode)
     return label;
 }
 
-platform::qt::RecordListView* makeList(const char* name)
+platform::qt::RecordListView* makeList(const char* name, const QString& accessibleName)
 {
-    return named(new platform::qt::RecordListView, name);
+    auto* list = named(new platform::qt::RecordListView, name);
+    list->setAccessibleName(accessibleName);
+    return list;
 }
 
 QLineEdit* makeLine(const char* name)
@@ -45,10 +59,11 @@ QLineEdit* makeLine(const char* name)
     return named(new QLineEdit, name);
 }
 
-QPlainTextEdit* makeTextBox(const char* name)
+QPlainTextEdit* makeTextBox(const char* name, const QString& accessibleName)
 {
     auto* box = named(new QPlainTextEdit, name);
     box->setTabChangesFocus(true);
+    box->setAccessibleName(accessibleName);
     return box;
 }
 
@@ -59,6 +74,23 @@ QLabel* makeHeading(const QString& text)
     font.setBold(true);
     heading->setFont(font);
     return heading;
+}
+
+QLabel* makeCaption(const QString& text)
+{
+    auto* caption = new QLabel(text);
+    QFont font = caption->font();
+    font.setPointSizeF(font.pointSizeF() * 0.9);
+    caption->setFont(font);
+    return caption;
+}
+
+QWidget* makeSeparator()
+{
+    auto* line = new QFrame;
+    line->setFrameShape(QFrame::VLine);
+    line->setFrameShadow(QFrame::Sunken);
+    return line;
 }
 
 } // namespace interface

@@ -3,11 +3,13 @@
 
 #include <QString>
 
+#include <initializer_list>
+
+class QHBoxLayout;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
-class QTreeView;
 class QWidget;
 
 namespace platform::qt {
@@ -17,12 +19,19 @@ class RecordListView;
 
 namespace interface {
 
-QPushButton* makeButton(const char* name, const QString& title, const QString& toolTip);
+/// A button with a word on it and, where it helps to find it, a symbol of our own.
+QPushButton* makeButton(const char* name, const QString& title, const QString& toolTip, const char* symbol = nullptr);
+/// A button whose symbol says enough; the title is what a screen reader says.
+QPushButton* makeSymbolButton(const char* name, const QString& title, const QString& toolTip, const char* symbol);
 platform::qt::ElidedLabel* makeLabel(const char* name, Qt::TextElideMode mode = Qt::ElideRight);
-platform::qt::RecordListView* makeList(const char* name);
+platform::qt::RecordListView* makeList(const char* name, const QString& accessibleName);
 QLineEdit* makeLine(const char* name);
-QPlainTextEdit* makeTextBox(const char* name);
+QPlainTextEdit* makeTextBox(const char* name, const QString& accessibleName);
 /// A heading over a list or a group; not an outlet.
 QLabel* makeHeading(const QString& text);
+/// The same in smaller letters, before the buttons that it names.
+QLabel* makeCaption(const QString& text);
+/// A line between groups of buttons.
+QWidget* makeSeparator();
 
 } // namespace interface

@@ -1,7 +1,12 @@
 #include "platform/qt/RecordListView.h"
 
+#include "platform/qt/Typing.h"
+
+#include <QDrag>
 #include <QHeaderView>
+#include <QMimeData>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScopedValueRollback>
 #include <QStyledItemDelegate>
 
@@ -27,7 +32,13 @@ public:
         return line;
     }
 
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        return QStyledItemDelegate::sizeHint(option, index) + QSize(0, kAirBetweenRows);
+    }
+
 private:
+    static constexpr int kAirBetweenRows = 5;
     static constexpr qsizetype kMostDrawn = 512;
 };
 
@@ -58,6 +69,41 @@ void RecordListView::follow(std::shared_ptr<ArrayController> controller, std::sh
     showSelection();
 }
 
+void RecordListView::setHint(const QString& hint)
+{
+    if (hint == hint_)
+        return;
+    hint_ = hint;
+    setAccessibleDescription(hint);
+    viewport()->update();
+}
+
+void RecordListView::paintEvent(QPaintEvent* event)
+{
+    QTreeView::paintEvent(event);
+    if (hint_.isEmpty())
+        return;
+    const int margin = fontMetrics().height();
+    const QModelIndex last = model()->index(model()->rowCount() - 1, 0);
+    const int top = last.isValid() ? visualRect(last).bottom() : 0;
+    const QRect room = viewport()->rect().adjusted(margin, top + margin / 2, -margin, -margin / 2);
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::Text));
+    painter.drawText(room, Qt::AlignCenter | Qt::TextWordWrap, hint_);
+}
+
+void RecordListView::startDrag(Qt::DropActions actions)
+{
+    const QModelIndexList rows = selectionModel()->selectedRows();
+    QMimeData* row = rows.isEmpty() ? nullptr : model()->mimeData(rows);
+    if (!row)
+        return;
+    auto* drag = new QDrag(this);
+    drag->setMimeData(row);
+    drag->setPixmap(viewport()->grab(visualRect(rows.front().siblingAtColumn(1))));
+    drag->exec(actions, Qt::CopyAction);
+}
+
 void RecordListView::mousePressEvent(QMouseEvent* event)
 {
     rowBeforePress_ = selectedRow();
@@ -86,6 +132,10 @@ QModelIndex RecordListView::moveCursor(CursorAction action, Qt::KeyboardModifier
 
 void RecordListView::keyPressEvent(QKeyEvent* event)
 {
+    if (leavesTyping_ && isTyping(*event)) {
+        event->ignore();
+        return;
+    }
     QTreeView::keyPressEvent(event);
     // The cursor was there already, so Qt moved nothing and selected nothing.
     const bool moves = event->key() == Qt::Key_Down || event->key() == Qt::Key_Up || event->key() == Qt::Key_Home ||

@@ -20,7 +20,15 @@ public:
     /// Ties the selection of this view, whose model shows the controller's rows, to the controller's.
     void follow(std::shared_ptr<ArrayController> controller, std::shared_ptr<TableView> table);
 
+    /// What to do next, written into the room that the rows leave; empty: nothing.
+    void setHint(const QString& hint);
+    QString hint() const { return hint_; }
+    /// Leaves what is typed to the window, instead of looking for a row that begins so.
+    void leaveTypingToTheWindow() { leavesTyping_ = true; }
+
 protected:
+    void paintEvent(QPaintEvent* event) override;
+    void startDrag(Qt::DropActions actions) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
@@ -35,6 +43,8 @@ private:
     std::shared_ptr<TableView> table_;
     bool showingSelection_ = false;
     std::int32_t rowBeforePress_ = ArrayController::kNoSelection;
+    QString hint_;
+    bool leavesTyping_ = false;
     Connection selection_;
 };
 

@@ -3,6 +3,8 @@
 #include "platform/qt/RecordSort.h"
 #include "platform/qt/Text.h"
 
+#include <QMimeData>
+
 #include <algorithm>
 #include <utility>
 
@@ -54,9 +56,10 @@ QVariant RecordTableModel::data(const QModelIndex& index, int role) const
     const Record* record = controller_->arrangedObject(index.row());
     if (!record || (role != Qt::DisplayRole && role != Qt::ToolTipRole))
         return {};
-    const std::string& ownKey = columns_.at(static_cast<std::size_t>(index.column())).key;
-    const bool ofRow = role == Qt::ToolTipRole && !toolTipKey_.empty();
-    return toQt(record->text(ofRow ? toolTipKey_ : ownKey));
+    const RecordColumn& column = columns_.at(static_cast<std::size_t>(index.column()));
+    if (role == Qt::ToolTipRole && !toolTipKey_.empty())
+        return toQt(record->text(toolTipKey_));
+    return column.textOf ? column.textOf(*record) : toQt(record->text(column.key));
 }
 
 QVariant RecordTableModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -72,9 +75,40 @@ void RecordTableModel::sort(int column, Qt::SortOrder order)
         return;
     std::vector<std::string> keys;
     for (const RecordColumn& each : columns_)
-        keys.push_back(each.key);
+        keys.push_back(each.key); // no list that sorts has a column without one
     std::rotate(keys.begin(), keys.begin() + column, keys.begin() + column + 1);
     controller_->setArrangement(sortedBy(std::move(keys), order));
+}
+
+void RecordTableModel::refreshColumn(int column)
+{
+    if (rows_ > 0)
+        Q_EMIT dataChanged(index(0, column), index(rows_ - 1, column), {Qt::DisplayRole, Qt::ToolTipRole});
+}
+
+void RecordTableModel::setDragType(const QString& mimeType)
+{
+    dragType_ = mimeType;
+}
+
+Qt::ItemFlags RecordTableModel::flags(const QModelIndex& index) const
+{
+    const Qt::ItemFlags flags = QAbstractTableModel::flags(index);
+    return dragType_.isEmpty() || !index.isValid() ? flags : flags | Qt::ItemIsDragEnabled;
+}
+
+QStringList RecordTableModel::mimeTypes() const
+{
+    return dragType_.isEmpty() ? QStringList() : QStringList(dragType_);
+}
+
+QMimeData* RecordTableModel::mimeData(const QModelIndexList& indexes) const
+{
+    if (dragType_.isEmpty() || indexes.isEmpty())
+        return nullptr;
+    auto* data = new QMimeData;
+    data->setData(dragType_, QByteArray::number(indexes.front().row()));
+    return data;
 }
 
 } // namespace platform::qt

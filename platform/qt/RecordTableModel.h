@@ -1,5 +1,5 @@
 #pragma once
-// The rows of an array controller for an item view: one column per record key.
+// The rows of an array controller for an item view: one column per record key, or of a text made of the record.
 
 #include "platform/ArrayController.h"
 
@@ -15,6 +15,8 @@ namespace platform::qt {
 struct RecordColumn {
     QString title;
     std::string key;
+    /// What a cell shows; without it the text under the key.
+    std::function<QString(const Record&)> textOf = {};
 };
 
 class RecordTableModel final : public QAbstractTableModel {
@@ -28,12 +30,20 @@ public:
     /// Columns that follow the content: asked for now and whenever the content is another one.
     void setColumns(std::function<std::vector<RecordColumn>(const std::vector<Record>&)> columnsOf);
 
+    /// The column's texts are others than before though the records are not.
+    void refreshColumn(int column);
+    /// Lets rows be dragged; what is dragged is the row's number as text, under this type.
+    void setDragType(const QString& mimeType);
+
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     /// Sorts by the column first, then by the others from the left; as a person sorts (case and digits).
     void sort(int column, Qt::SortOrder order) override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+    QStringList mimeTypes() const override;
+    QMimeData* mimeData(const QModelIndexList& indexes) const override;
 
 private:
     void update();
@@ -43,6 +53,7 @@ private:
     std::function<std::vector<RecordColumn>(const std::vector<Record>&)> columnsOf_;
     std::uint64_t columnsRevision_ = 0;
     std::string toolTipKey_;
+    QString dragType_;
     std::int32_t rows_ = 0;
     Connection arranged_;
 };

@@ -2,9 +2,12 @@
 
 #include <QAbstractItemModel>
 #include <QAbstractItemView>
+#include <QApplication>
 #include <QFile>
 #include <QLineEdit>
+#include <QPalette>
 #include <QRegularExpression>
+#include <QStyle>
 #include <QUrl>
 
 namespace tour {
@@ -16,8 +19,41 @@ const char* const kPots[] = {"kvRotaryBtn1", "kvRotaryBtn2", "kvRotaryBtn3", "kv
 const char* const kLabels[] = {"kvControl1", "kvControl2", "kvControl3", "kvControl4",
                                "kvControl5", "kvControl6", "kvControl7", "kvControl8"};
 
+/// The system's folders moved away while it lives, so that a scan finds nothing.
+class EmptyLibrary {
+public:
+    EmptyLibrary()
+    {
+        qputenv("HOME", "/nonexistent");
+        qputenv("KV_LOCAL_LIBRARY", "/nonexistent");
+    }
+    EmptyLibrary(const EmptyLibrary&) = delete;
+    EmptyLibrary& operator=(const EmptyLibrary&) = delete;
+    ~EmptyLibrary()
+    {
+        qputenv("HOME", home_);
+        qputenv("KV_LOCAL_LIBRARY", library_);
+    }
+
+private:
+    QByteArray home_ = qgetenv("HOME");
+    QByteArray library_ = qgetenv("KV_LOCAL_LIBRARY");
+};
+
+QString emptyStart(Tour& tour)
+{
+    const EmptyLibrary moved;
+    tour.click("btnRunCheck");
+    tour.expect(tour.find<QAbstractItemView>("pluginTableView")->model()->rowCount() == 0,
+                QStringLiteral("nothing is found"));
+    const QString hint = tour.find<QWidget>("pluginTableView")->accessibleDescription();
+    tour.expect(!hint.isEmpty(), QStringLiteral("the empty list says what to do"));
+    return hint.simplified();
+}
+
 QString start(Tour& tour)
 {
+    tour.click("btnRunCheck");
     const int rows = tour.find<QAbstractItemView>("pluginTableView")->model()->rowCount();
     tour.expect(rows > 0, QStringLiteral("the scan lists plug-ins"));
     return QStringLiteral("the scan lists %1 plug-ins").arg(rows);
@@ -62,6 +98,31 @@ QString addPage(Tour& tour)
     tour.clickRow("tablePlistOfSelectedPlugin", QStringLiteral("Output Gain"), 1);
     tour.click(kPots[0]);
     return tour.text("lab_PageCurrentlyDisplayed") + QStringLiteral(", pot 1 is ") + tour.text(kLabels[0]);
+}
+
+QString unmapped(Tour& tour)
+{
+    tour.click("unmappedOnly");
+    const int rows = tour.find<QAbstractItemView>("tablePlistOfSelectedPlugin")->model()->rowCount();
+    const QString seen = tour.text("mappedReadOut") + QStringLiteral(", ") + tour.text("unsavedReadOut");
+    tour.expect(tour.find<QWidget>("cwinMainWindow")->isWindowModified(), QStringLiteral("the window is marked"));
+    tour.click("unmappedOnly");
+    tour.expect(tour.find<QAbstractItemView>("tablePlistOfSelectedPlugin")->model()->rowCount() > rows,
+                QStringLiteral("the filter is off again"));
+    return seen;
+}
+
+QString undo(Tour& tour)
+{
+    const QString before = tour.text("lab_PageCurrentlyDisplayed");
+    tour.click("undoButton");
+    tour.click("undoButton");
+    tour.expect(tour.text("lab_PageCurrentlyDisplayed") != before, QStringLiteral("the new page is taken back"));
+    const QString undone = tour.text("lab_PageCurrentlyDisplayed");
+    tour.click("redoButton");
+    tour.click("redoButton");
+    tour.expect(tour.text("lab_PageCurrentlyDisplayed") == before, QStringLiteral("and made again"));
+    return before + QStringLiteral(" and back to ") + undone + QStringLiteral(", then forth again");
 }
 
 QString movePage(Tour& tour)
@@ -119,6 +180,38 @@ QString saveSynthesizer(Tour& tour)
     tour.click("kvExportToPlist");
     tour.expect(tour.textOfAlert() == QLatin1String("New Mapping has been saved"), QStringLiteral("the save is told"));
     return QStringLiteral("pots 1 to 8 of page 40 assigned and saved");
+}
+
+QPalette darkPalette()
+{
+    QPalette dark(QColor(0x35, 0x37, 0x3a), QColor(0x2b, 0x2d, 0x30));
+    dark.setColor(QPalette::Base, QColor(0x1e, 0x1f, 0x22));
+    dark.setColor(QPalette::AlternateBase, QColor(0x25, 0x26, 0x29));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
+        dark.setColor(role, QColor(0xe6, 0xe6, 0xe8));
+    dark.setColor(QPalette::PlaceholderText, QColor(0xa0, 0xa2, 0xa6));
+    dark.setColor(QPalette::ToolTipBase, QColor(0x1e, 0x1f, 0x22));
+    dark.setColor(QPalette::Highlight, QColor(0x2f, 0x65, 0xa8));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        dark.setColor(QPalette::Disabled, role, QColor(0x86, 0x88, 0x8c));
+    return dark;
+}
+
+QString dark(Tour& tour)
+{
+    QApplication::setPalette(darkPalette());
+    QApplication::processEvents();
+    const QColor window = tour.find<QWidget>("cwinMainWindow")->palette().color(QPalette::Window);
+    tour.expect(window.lightness() < 80, QStringLiteral("the window follows"));
+    return QStringLiteral("as on a dark desktop");
+}
+
+QString light(Tour& tour)
+{
+    QApplication::setPalette(QApplication::style()->standardPalette());
+    tour.clickRow("pluginTableView", QStringLiteral("Longwether Matrix"));
+    return tour.text("labKOScreen_Title") + QStringLiteral(", ") + tour.text("labTotalPagesIndicator");
 }
 
 QString markup(Tour& tour)
@@ -216,17 +309,22 @@ QString selectAgain(Tour& tour)
 std::vector<Step> allSteps()
 {
     return {
+        {QStringLiteral("empty-start"), emptyStart},
         {QStringLiteral("start"), start},
         {QStringLiteral("select"), select},
         {QStringLiteral("search"), search},
         {QStringLiteral("assign"), assign},
         {QStringLiteral("add-page"), addPage},
+        {QStringLiteral("unsaved"), unmapped},
+        {QStringLiteral("undo"), undo},
         {QStringLiteral("move-page"), movePage},
         {QStringLiteral("save"), save},
         {QStringLiteral("recall"), recall},
         {QStringLiteral("chart"), chart},
         {QStringLiteral("synthesizer"), synthesizer},
         {QStringLiteral("save-synthesizer"), saveSynthesizer},
+        {QStringLiteral("dark"), dark},
+        {QStringLiteral("large"), light},
         {QStringLiteral("names-as-they-are"), markup},
         {QStringLiteral("new-account"), newAccount},
         {QStringLiteral("log-in"), logIn},

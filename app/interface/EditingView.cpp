@@ -1,0 +1,258 @@
+#include "app/interface/EditingView.h"
+
+#include "app/ViewController.h"
+#include "app/interface/FrontPanel.h"
+#include "app/interface/Interface.h"
+#include "app/interface/PageOverview.h"
+#include "app/interface/SearchField.h"
+#include "mapping/EditingState.h"
+#include "mapping/ParameterOrder.h"
+#include "panel/Pages.h"
+#include "platform/qt/RecordListView.h"
+#include "platform/qt/RecordSort.h"
+#include "platform/qt/RecordTableModel.h"
+#include "platform/qt/Text.h"
+#include "plugins/PluginScan.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QCheckBox>
+#include <QDateTime>
+#include <QEvent>
+#include <QLabel>
+#include <QLocale>
+
+#include <algorithm>
+
+namespace interface {
+
+namespace qt = platform::qt;
+
+namespace {
+
+// What needs a mapping, and what needs its plug-in to be the selected row too: buttons, and the menu items of the same
+// names.
+const char* const kNeedMapping[] = {
+    "firstPageButtonPressed",
+    "prevPageButtonPressed",
+    "nextPageButtonPressed",
+    "lastPageButtonPressed",
+    "kvMovePage_First",
+    "kvMovePage_Prev",
+    "kvMovePage_Next",
+    "kvMovePage_Last",
+    "newPageButtonPressed",
+    "deletePageButtonPressed",
+    "clearAllPagesButtonPressed",
+    "kvExportToPlist",
+};
+const char* const kNeedPlugin[] = {
+    "kvRecallOriginalMapping", "kvRecallPreviousMapping", "kvCreateChart",     "kvPluginMode",      "modeInstrument",
+    "modeInsertEffect",        "kvRotBtn1_Pressed",       "kvRotBtn2_Pressed", "kvRotBtn3_Pressed", "kvRotBtn4_Pressed",
+    "kvRotBtn5_Pressed",       "kvRotBtn6_Pressed",       "kvRotBtn7_Pressed", "kvRotBtn8_Pressed",
+};
+
+constexpr int kMappedColumn = 2;
+/// After an edit the backups are compared again when no other edit has followed for so long.
+constexpr int kBackupPauseMs = 250;
+
+} // namespace
+
+EditingView::EditingView(ViewController& controller, const Interface& loaded)
+    : controller_(controller),
+      loaded_(loaded),
+      window_(loaded.mainWindow()),
+      panel_(loaded.find<FrontPanel>("frontPanel")),
+      overview_(loaded.find<PageOverview>("pageOverview")),
+      search_(loaded.find<SearchField>("parameterSearch")),
+      plugins_(loaded.find<qt::RecordListView>("pluginTableView")),
+      parameters_(loaded.find<qt::RecordListView>("tablePlistOfSelectedPlugin")),
+      shared_(loaded.find<qt::RecordListView>("cwinPlistAvailable")),
+      parameterModel_(static_cast<qt::RecordTableModel*>(parameters_->model())),
+      mapped_(loaded.find<QLabel>("mappedReadOut")),
+      unsaved_(loaded.find<QLabel>("unsavedReadOut")),
+      unmappedOnly_(loaded.find<QCheckBox>("unmappedOnly"))
+{
+    overview_->setSource([](int page, int pot) {
+        return qt::toQt(mapping::nameAt(mapping::plistBuild, panel::slotFor(page, pot - 1)));
+    });
+    for (const auto& [name, suffix] :
+         {std::pair{"kvRecallOriginalMapping", "original"}, std::pair{"kvRecallPreviousMapping", "prev"}}) {
+        auto* button = loaded.find<QAbstractButton>(name);
+        recalls_.push_back({button, suffix, button->toolTip()});
+        button->installEventFilter(this);
+    }
+    backupsChanged_.setSingleShot(true);
+    connect(&backupsChanged_, &QTimer::timeout, this, [this] {
+        for (const RecallButton& recall : recalls_)
+            describeBackup(recall);
+    });
+    connect(unmappedOnly_, &QCheckBox::toggled, this, &EditingView::showOnlyUnmapped);
+    showOnlyUnmapped(false);
+
+    connections_.push_back(controller_.editingChanged.connect([this] { refresh(); }));
+    connections_.push_back(controller_.labPluginPlistLocation()->stringValue.onChange(
+        [this](const std::string&) { enableWhatCanBeDone(); }));
+    connections_.push_back(
+        controller_.myArrayController()->selectionChanged.connect([this] { enableWhatCanBeDone(); }));
+    for (const auto& rows : {controller_.myArrayController(), controller_.arrayControllerPlistSelected(),
+                             controller_.arrayController_downloadList()})
+        connections_.push_back(rows->arrangedChanged.connect([this] { showHints(); }));
+    refresh();
+}
+
+bool EditingView::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::Enter || event->type() == QEvent::FocusIn) {
+        for (const RecallButton& recall : recalls_) {
+            if (recall.button == watched)
+                describeBackup(recall);
+        }
+    }
+    return false;
+}
+
+void EditingView::showOnlyUnmapped(bool only)
+{
+    auto matching = qt::matchingAny({mapping::kParamNum, mapping::kParameter});
+    const auto parameters = controller_.arrayControllerPlistSelected();
+    if (!only) {
+        parameters->setArrangement(std::move(matching));
+        return;
+    }
+    // The selected row stays although it was mapped just now: the next press goes on from it.
+    parameters->setArrangement([this, matching = std::move(matching)](const platform::ArrayController& list) {
+        auto rows = matching(list);
+        const auto isMapped = [&](std::size_t row) {
+            const platform::Record& parameter = list.content()[row];
+            return &parameter != list.selection() && !controller_.mappedPots().positionsOf(parameter).empty();
+        };
+        rows.erase(std::remove_if(rows.begin(), rows.end(), isMapped), rows.end());
+        return rows;
+    });
+}
+
+void EditingView::refresh()
+{
+    const bool hasMapping = !mapping::plistBuild.empty();
+    panel_->setShownPage(mapping::curPage, hasMapping ? mapping::totalPages : 0);
+    overview_->refresh(hasMapping ? mapping::totalPages : 0, mapping::curPage);
+    search_->giveUpUndo();
+    if (unmappedOnly_->isChecked())
+        controller_.arrayControllerPlistSelected()->rearrange();
+    enableWhatCanBeDone();
+    showTitle();
+    showHistory();
+    showMapped();
+    showHints();
+    backupsChanged_.start(kBackupPauseMs);
+}
+
+void EditingView::enableWhatCanBeDone()
+{
+    const bool hasMapping = !controller_.labPluginPlistLocation()->stringValue.get().empty();
+    const bool hasPlugin = hasMapping && controller_.myArrayController()->selection() != nullptr;
+    const auto enable = [this](const char* name, bool enabled) {
+        if (auto* widget = loaded_.find<QWidget>(name))
+            widget->setEnabled(enabled);
+        if (auto* item = loaded_.find<QAction>(name))
+            item->setEnabled(enabled);
+    };
+    for (const char* name : kNeedMapping)
+        enable(name, hasMapping);
+    for (const char* name : kNeedPlugin)
+        enable(name, hasPlugin);
+    for (const auto& pot : {controller_.kvRotaryBtn1(), controller_.kvRotaryBtn2(), controller_.kvRotaryBtn3(),
+                            controller_.kvRotaryBtn4(), controller_.kvRotaryBtn5(), controller_.kvRotaryBtn6(),
+                            controller_.kvRotaryBtn7(), controller_.kvRotaryBtn8()})
+        pot->enabled.set(hasPlugin);
+}
+
+void EditingView::showTitle()
+{
+    const bool isModified = !mapping::plistBuild.empty() && controller_.hasUnsavedChanges();
+    const auto pots = isModified ? controller_.changedPots() : 0;
+    QString unsaved;
+    if (pots > 0)
+        unsaved = tr("Unsaved pots: %1").arg(QLocale().toString(pots));
+    else if (isModified)
+        unsaved = tr("Unsaved mode");
+    unsaved_->setText(unsaved);
+    const QString program = QStringLiteral("kvOrvantaLogic Tool");
+    const QString plugin = qt::toQt(controller_.myArrayController()->selectionText(plugins::kPlugin));
+    window_->setWindowTitle(plugin.isEmpty() ? program + QStringLiteral("[*]")
+                                             : plugin + QStringLiteral("[*] \u2013 ") + program);
+    window_->setWindowModified(isModified);
+}
+
+void EditingView::showHistory()
+{
+    const auto show = [this](const char* item, const char* button, const QString& title, bool enabled) {
+        auto* action = loaded_.find<QAction>(item);
+        action->setText(title);
+        action->setEnabled(enabled);
+        auto* widget = loaded_.find<QAbstractButton>(button);
+        widget->setEnabled(enabled);
+        widget->setAccessibleName(title);
+        widget->setToolTip(Interface::withShortcut(title, *action));
+    };
+    const platform::UndoManager& history = controller_.history();
+    const QString undo = qt::toQt(history.undoName());
+    const QString redo = qt::toQt(history.redoName());
+    show("undo", "undoButton", undo.isEmpty() ? tr("Undo") : tr("Undo %1").arg(undo), history.canUndo());
+    show("redo", "redoButton", redo.isEmpty() ? tr("Redo") : tr("Redo %1").arg(redo), history.canRedo());
+}
+
+void EditingView::showMapped()
+{
+    const mapping::MappedPots& pots = controller_.mappedPots();
+    const QLocale locale;
+    mapped_->setText(
+        pots.parameterCount() == 0
+            ? QString()
+            : tr("%1 of %2 mapped").arg(locale.toString(pots.mappedCount()), locale.toString(pots.parameterCount())));
+    parameterModel_->refreshColumn(kMappedColumn);
+    const bool isInstrument = mapping::plugin_Mode != mapping::kModeInsertEffect;
+    loaded_.find<QAction>(isInstrument ? "modeInstrument" : "modeInsertEffect")->setChecked(true);
+}
+
+void EditingView::showHints()
+{
+    const auto found = controller_.myArrayController();
+    plugins_->setHint(found->content().empty()
+                          ? tr("No plug-ins were found.\n\nSave a 'default' setting of a plug-in in Logic, "
+                               "then press \u201cScan for plugins\u201d.")
+                          : QString());
+    const auto offered = controller_.arrayControllerPlistSelected();
+    const QString searched = qt::toQt(offered->filterText.get());
+    QString hint;
+    if (offered->content().empty())
+        hint = found->content().empty() ? QString() : tr("Choose a plug-in at the left to see its parameters.");
+    else if (offered->content().size() == 1)
+        hint = tr("The file of this plug-in lists no parameters.");
+    else if (offered->arrangedCount() == 1 && !searched.isEmpty())
+        hint = tr("No parameter found for \u201c%1\u201d.\n\nPress Escape in the search field to see all again.")
+                   .arg(searched.left(80));
+    else if (offered->arrangedCount() == 1)
+        hint = tr("Every parameter stands on a pot.");
+    parameters_->setHint(hint);
+    shared_->setHint(controller_.arrayController_downloadList()->content().empty()
+                         ? tr("No shared mappings for this plug-in.\n\nSave yours and press \u201cShare\u201d to be "
+                              "the first.")
+                         : QString());
+}
+
+void EditingView::describeBackup(const RecallButton& recall)
+{
+    const auto comparison = controller_.compareWithBackup(recall.suffix);
+    const QString backup =
+        comparison
+            ? tr("Backup of %1; pots that differ: %2")
+                  .arg(QLocale().toString(QDateTime::fromSecsSinceEpoch(comparison->madeAt), QLocale::ShortFormat),
+                       QLocale().toString(comparison->differingPots))
+            : tr("There is no such backup yet");
+    recall.button->setToolTip(recall.toolTip + QLatin1Char('\n') + backup);
+    recall.button->setAccessibleDescription(backup);
+}
+
+} // namespace interface

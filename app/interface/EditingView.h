@@ -1,0 +1,79 @@
+#pragma once
+// Shows in the main window what there is to know of the edit beside the fixed labels: what can be done now, what is
+// unsaved, what undo would take back, where parameters are mapped, all pages at a glance, and what to do next where a
+// list is empty. Follows the controller; changes nothing.
+
+#include "platform/Signal.h"
+
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <array>
+#include <string>
+#include <vector>
+
+class QAbstractButton;
+class QAction;
+class QCheckBox;
+class QLabel;
+class ViewController;
+
+namespace platform::qt {
+class RecordListView;
+class RecordTableModel;
+} // namespace platform::qt
+
+namespace interface {
+
+class FrontPanel;
+class Interface;
+class PageOverview;
+class SearchField;
+
+class EditingView final : public QObject {
+    Q_OBJECT
+
+public:
+    /// Both must outlive it. The lists have their models.
+    EditingView(ViewController& controller, const Interface& loaded);
+
+protected:
+    /// Looks at a backup when somebody comes to its recall button.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    struct RecallButton {
+        QAbstractButton* button;
+        const char* suffix;
+        QString toolTip; ///< without the backup
+    };
+
+    void showOnlyUnmapped(bool only);
+    void refresh();
+    void enableWhatCanBeDone();
+    void showTitle();
+    void showHistory();
+    void showMapped();
+    void showHints();
+    void describeBackup(const RecallButton& recall);
+
+    ViewController& controller_;
+    const Interface& loaded_;
+    QWidget* window_;
+    FrontPanel* panel_;
+    PageOverview* overview_;
+    SearchField* search_;
+    platform::qt::RecordListView* plugins_;
+    platform::qt::RecordListView* parameters_;
+    platform::qt::RecordListView* shared_;
+    platform::qt::RecordTableModel* parameterModel_;
+    QLabel* mapped_;
+    QLabel* unsaved_;
+    QCheckBox* unmappedOnly_;
+    std::vector<RecallButton> recalls_;
+    QTimer backupsChanged_;
+    std::vector<platform::Connection> connections_;
+};
+
+} // namespace interface

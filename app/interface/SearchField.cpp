@@ -1,0 +1,50 @@
+#include "app/interface/SearchField.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QKeyEvent>
+
+namespace interface {
+
+SearchField::SearchField(QWidget* parent) : QLineEdit(parent)
+{
+    setClearButtonEnabled(true);
+    connect(this, &QLineEdit::textEdited, this, [this] { wasTypedInto_ = true; });
+}
+
+bool SearchField::event(QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride && !wasTypedInto_) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) {
+            event->ignore();
+            return false;
+        }
+    }
+    return QLineEdit::event(event);
+}
+
+void SearchField::keyPressEvent(QKeyEvent* event)
+{
+    switch (event->key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        if (list_)
+            QApplication::sendEvent(list_, event);
+        return;
+    case Qt::Key_Escape:
+        if (!text().isEmpty())
+            clear();
+        else if (list_)
+            list_->setFocus(Qt::ShortcutFocusReason);
+        return;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (list_)
+            list_->setFocus(Qt::ShortcutFocusReason);
+        return;
+    default: QLineEdit::keyPressEvent(event);
+    }
+}
+
+} // namespace interface

@@ -1,0 +1,324 @@
+#include "tests/support/WindowTest.h"
+
+#include "app/interface/WindowMemory.h"
+#include "mapping/EditingState.h"
+#include "platform/qt/RecordListView.h"
+#include "platform/qt/Text.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QDateTime>
+#include <QMimeData>
+#include <QSplitter>
+#include <QTest>
+
+namespace test {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class EditingViewTest : public WindowTest {
+protected:
+    void load(int parameters = 24)
+    {
+        writeDictionary(builtIn("Synth"), orderFile(numbered(parameters)));
+        launch();
+        select("Synth");
+    }
+    bool isModified() const { return find<>("cwinMainWindow")->isWindowModified(); }
+    std::string itemText(const char* item) const { return find<QAction>(item)->text().toStdString(); }
+    bool itemIsEnabled(const char* item) const { return find<QAction>(item)->isEnabled(); }
+    std::string hint(const char* list) const { return find<platform::qt::RecordListView>(list)->hint().toStdString(); }
+    std::vector<std::string> onPots() const { return columnOf("tablePlistOfSelectedPlugin", 2); }
+    void choose(int row) { controller().arrayControllerPlistSelected()->setSelectionIndex(row); }
+};
+
+TEST_F(EditingViewTest, TheWindowIsMarkedWhileSomethingIsUnsaved)
+{
+    load();
+    EXPECT_FALSE(isModified());
+    EXPECT_EQ(text("unsavedReadOut"), "");
+    choose(9);
+    pressPot(1);
+    pressPot(2);
+    EXPECT_TRUE(isModified());
+    EXPECT_EQ(text("unsavedReadOut"), "Unsaved pots: 2");
+    click("undoButton");
+    EXPECT_EQ(text("unsavedReadOut"), "Unsaved pots: 1");
+    click("undoButton");
+    EXPECT_FALSE(isModified());
+    EXPECT_EQ(text("unsavedReadOut"), "");
+    click("redoButton");
+    EXPECT_TRUE(isModified());
+    alertsOf([this] { click("kvExportToPlist"); });
+    EXPECT_FALSE(isModified());
+    click("kvPluginMode_1");
+    EXPECT_TRUE(isModified());
+    EXPECT_EQ(text("unsavedReadOut"), "Unsaved mode");
+}
+
+TEST_F(EditingViewTest, TheTitleNamesThePlugin)
+{
+    launch();
+    EXPECT_EQ(find<>("cwinMainWindow")->windowTitle(), QStringLiteral("kvOrvantaLogic Tool[*]"));
+    load();
+    EXPECT_EQ(find<>("cwinMainWindow")->windowTitle(), QStringLiteral("Synth[*] \u2013 kvOrvantaLogic Tool"));
+}
+
+TEST_F(EditingViewTest, UndoAndRedoSayWhatTheyWouldDo)
+{
+    load();
+    EXPECT_EQ(itemText("undo"), "Undo");
+    EXPECT_EQ(itemText("redo"), "Redo");
+    EXPECT_FALSE(itemIsEnabled("undo") || isEnabled("undoButton"));
+    click("nextPageButtonPressed");
+    click("kvMovePage_First");
+    EXPECT_EQ(itemText("undo"), "Undo Move Page");
+    EXPECT_EQ(toolTip("undoButton"), "Undo Move Page (Ctrl+Z)");
+    EXPECT_TRUE(itemIsEnabled("undo") && isEnabled("undoButton"));
+    find<QAction>("undo")->trigger();
+    EXPECT_EQ(text("lab_PageCurrentlyDisplayed"), "Page 2 of 3");
+    EXPECT_EQ(itemText("undo"), "Undo");
+    EXPECT_EQ(itemText("redo"), "Redo Move Page");
+    EXPECT_TRUE(itemIsEnabled("redo") && isEnabled("redoButton"));
+    find<QAction>("redo")->trigger();
+    EXPECT_EQ(text("lab_PageCurrentlyDisplayed"), "Page 1 of 3");
+}
+
+TEST_F(EditingViewTest, TheListSaysOnWhichPotsAParameterStands)
+{
+    load(10);
+    EXPECT_THAT(onPots(),
+                ElementsAre("clears a pot", "1·1", "1·2", "1·3", "1·4", "1·5", "1·6", "1·7", "1·8", "2·1", "2·2"));
+    EXPECT_EQ(text("mappedReadOut"), "10 of 10 mapped");
+    choose(9);
+    pressPot(1); // Knob 9 in place of Knob 1
+    choose(0);
+    pressPot(2);
+    EXPECT_EQ(onPots().at(1), "");
+    EXPECT_EQ(onPots().at(2), "");
+    EXPECT_EQ(onPots().at(9), "1·1, 2·1");
+    EXPECT_EQ(text("mappedReadOut"), "8 of 10 mapped");
+    click("clearAllPagesButtonPressed");
+    EXPECT_EQ(text("mappedReadOut"), "0 of 10 mapped");
+    click("undoButton");
+    EXPECT_EQ(text("mappedReadOut"), "8 of 10 mapped");
+    click("btnRunCheck");
+    EXPECT_EQ(text("mappedReadOut"), "");
+}
+
+TEST_F(EditingViewTest, AParameterOnVeryManyPotsIsToldInShort)
+{
+    Texts order(400, "1 Same");
+    writeDictionary(builtIn("Synth"), orderFile(order));
+    launch();
+    select("Synth");
+    EXPECT_THAT(onPots().at(1), testing::StartsWith("1·1, 1·2, 1·3"));
+    EXPECT_THAT(onPots().at(1), testing::EndsWith("5·8, \u2026"));
+}
+
+TEST_F(EditingViewTest, TheFilterLeavesWhatIsNotMappedYet)
+{
+    load(10);
+    const auto parameters = [this] { return columnOf("tablePlistOfSelectedPlugin", 1); };
+    click("clearAllPagesButtonPressed"); // one page, empty
+    choose(3);
+    pressPot(1);
+    choose(1);
+    click("unmappedOnly");
+    EXPECT_THAT(parameters(), ElementsAre("-", "Knob 1", "Knob 2", "Knob 4", "Knob 5", "Knob 6", "Knob 7", "Knob 8",
+                                          "Knob 9", "Knob 10"));
+    EXPECT_TRUE(find<QAction>("unmappedOnlyItem")->isChecked());
+    // A run of presses lays one unmapped parameter after the other.
+    pressPot(2);
+    pressPot(3);
+    pressPot(4);
+    EXPECT_THAT(potLabels(), ElementsAre("Knob 3", "Knob 1", "Knob 2", "Knob 4", "-", "-", "-", "-"));
+    EXPECT_THAT(parameters(), ElementsAre("-", "Knob 5", "Knob 6", "Knob 7", "Knob 8", "Knob 9", "Knob 10"));
+    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 1);
+    typeInto("parameterSearch", "10");
+    EXPECT_THAT(parameters(), testing::Contains("Knob 10"));
+    EXPECT_THAT(parameters(), testing::Not(testing::Contains("Knob 9")));
+    find<QAction>("unmappedOnlyItem")->trigger();
+    EXPECT_FALSE(find<QCheckBox>("unmappedOnly")->isChecked());
+}
+
+TEST_F(EditingViewTest, TheLastUnmappedParameterStaysChosenUntilAnotherIs)
+{
+    load(2);
+    click("clearAllPagesButtonPressed");
+    click("unmappedOnly");
+    choose(1);
+    pressPot(1);
+    pressPot(2);
+    pressPot(3); // the last one again, and not the blank entry
+    EXPECT_THAT(potLabels(), ElementsAre("Knob 1", "Knob 2", "Knob 2", "-", "-", "-", "-", "-"));
+    choose(0);
+    click("nextPageButtonPressed");
+    EXPECT_THAT(columnOf("tablePlistOfSelectedPlugin", 1), ElementsAre("-"));
+    EXPECT_EQ(hint("tablePlistOfSelectedPlugin"), "Every parameter stands on a pot.");
+}
+
+TEST_F(EditingViewTest, TheFilterStaysForTheNextPlugin)
+{
+    load(10);
+    writeDictionary(builtIn("Other"), orderFile(numbered(3, "Fader")));
+    click("btnRunCheck");
+    select("Synth");
+    choose(5);
+    click("unmappedOnly");
+    select("Other");
+    EXPECT_THAT(columnOf("tablePlistOfSelectedPlugin", 1), ElementsAre("-"));
+    pressPot(1);
+    EXPECT_THAT(columnOf("tablePlistOfSelectedPlugin", 1), ElementsAre("-", "Fader 1"));
+}
+
+TEST_F(EditingViewTest, EmptyListsSayWhatToDoNext)
+{
+    launch();
+    EXPECT_THAT(hint("pluginTableView"), HasSubstr("No plug-ins were found."));
+    EXPECT_EQ(hint("tablePlistOfSelectedPlugin"), "");
+    EXPECT_THAT(hint("cwinPlistAvailable"), HasSubstr("No shared mappings for this plug-in."));
+    writeDictionary(builtIn("Synth"), orderFile(numbered(10)));
+    writeDictionary(builtIn("Nothing"), orderFile({}));
+    click("btnRunCheck");
+    EXPECT_EQ(hint("pluginTableView"), "");
+    EXPECT_EQ(hint("tablePlistOfSelectedPlugin"), "Choose a plug-in at the left to see its parameters.");
+    select("Synth");
+    EXPECT_EQ(hint("tablePlistOfSelectedPlugin"), "");
+    typeInto("parameterSearch", "zzz");
+    EXPECT_THAT(hint("tablePlistOfSelectedPlugin"), HasSubstr("No parameter found for \u201czzz\u201d."));
+    EXPECT_EQ(find<>("tablePlistOfSelectedPlugin")->accessibleDescription().toStdString(),
+              hint("tablePlistOfSelectedPlugin"));
+    select("Nothing");
+    EXPECT_EQ(hint("tablePlistOfSelectedPlugin"), "The file of this plug-in lists no parameters.");
+}
+
+TEST_F(EditingViewTest, RecallButtonsTellWhenTheirBackupWasMadeAndWhatDiffers)
+{
+    load();
+    const auto rest = [this](const char* button) {
+        QEvent enter(QEvent::Enter);
+        QApplication::sendEvent(find<>(button), &enter);
+        return toolTip(button);
+    };
+    EXPECT_THAT(rest("kvRecallOriginalMapping"), HasSubstr("There is no such backup yet"));
+    choose(9);
+    pressPot(1);
+    alertsOf([this] { click("kvExportToPlist"); });
+    pressPot(2);
+    pressPot(3);
+    const Path original = Path(builtIn("Synth")) += ".original";
+    std::filesystem::last_write_time(original, std::filesystem::file_time_type::clock::now() - std::chrono::hours(50));
+    const auto made = std::chrono::system_clock::now() - std::chrono::hours(50);
+    const QString when = QLocale().toString(QDateTime::fromSecsSinceEpoch(std::chrono::system_clock::to_time_t(made)),
+                                            QLocale::ShortFormat);
+    EXPECT_EQ(rest("kvRecallOriginalMapping"),
+              "Put back the file as it was before the first save (Ctrl+Shift+O)\nBackup of " + when.toStdString() +
+                  "; pots that differ: 3");
+    EXPECT_THAT(rest("kvRecallPreviousMapping"), HasSubstr("pots that differ: 3"));
+    click("undoButton");
+    // Also without anybody near, a little later.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return toolTip("kvRecallOriginalMapping").ends_with("differ: 2"); }, 2000));
+}
+
+TEST_F(EditingViewTest, TheMenuFollowsTheModeAndSwitchesIt)
+{
+    load();
+    EXPECT_TRUE(find<QAction>("modeInsertEffect")->isChecked());
+    find<QAction>("modeInstrument")->trigger();
+    EXPECT_EQ(mapping::plugin_Mode, 1);
+    EXPECT_EQ(text("mainTitle_Sub"), "Logic Pro Instrument Mapper");
+    click("undoButton");
+    EXPECT_TRUE(find<QAction>("modeInsertEffect")->isChecked());
+    EXPECT_EQ(text("mainTitle_Sub"), "Logic Pro Insert/Effect Mapper");
+    click("kvPluginMode_1");
+    EXPECT_TRUE(find<QAction>("modeInstrument")->isChecked());
+}
+
+TEST_F(EditingViewTest, MenuItemsAreEnabledWithTheirButtons)
+{
+    launch();
+    for (const char* item : {"kvExportToPlist", "kvRotBtn1_Pressed", "modeInstrument", "kvCommunityLibrary", "undo",
+                             "nextPageButtonPressed", "kvRecallPreviousMapping"})
+        EXPECT_FALSE(itemIsEnabled(item)) << item;
+    for (const char* item : {"btnRunCheck", "kvHelpMe", "kvLoginToCloudAccount", "findParameter", "terminate"})
+        EXPECT_TRUE(itemIsEnabled(item)) << item;
+    load();
+    for (const char* item : {"kvExportToPlist", "kvRotBtn8_Pressed", "modeInstrument", "nextPageButtonPressed"})
+        EXPECT_TRUE(itemIsEnabled(item)) << item;
+    controller().kv_btn_cloudLibrary()->enabled.set(true);
+    EXPECT_TRUE(itemIsEnabled("kvCommunityLibrary"));
+}
+
+TEST_F(EditingViewTest, RowsOfTheParameterListCanBeDragged)
+{
+    load();
+    auto* view = find<QAbstractItemView>("tablePlistOfSelectedPlugin");
+    EXPECT_TRUE(view->dragEnabled());
+    const std::unique_ptr<QMimeData> dragged(view->model()->mimeData({view->model()->index(7, 0)}));
+    ASSERT_TRUE(dragged);
+    EXPECT_EQ(dragged->formats(), QStringList(QStringLiteral("application/x-kv-parameter")));
+    EXPECT_EQ(dragged->data(QStringLiteral("application/x-kv-parameter")), "7");
+    EXPECT_FALSE(find<QAbstractItemView>("pluginTableView")->dragEnabled());
+}
+
+class WindowMemoryTest : public EditingViewTest {
+protected:
+    platform::UserPreferences memory_{"org.example.kv-test.window"};
+};
+
+TEST_F(WindowMemoryTest, SizeAndSplitsAreAsTheyWereLeft)
+{
+    launch();
+    QList<int> lists, views;
+    {
+        const interface::WindowMemory memory(memory_, loaded());
+        find<>("cwinMainWindow")->resize(1400, 900);
+        QApplication::processEvents();
+        find<QSplitter>("listsSplitter")->setSizes({600, 700});
+        find<QSplitter>("viewsSplitter")->setSizes({300, 400});
+        lists = find<QSplitter>("listsSplitter")->sizes();
+        views = find<QSplitter>("viewsSplitter")->sizes();
+    }
+    launch();
+    EXPECT_NE(find<QSplitter>("listsSplitter")->sizes(), lists);
+    const interface::WindowMemory memory(memory_, loaded());
+    QApplication::processEvents();
+    EXPECT_EQ(find<>("cwinMainWindow")->size(), QSize(1400, 900));
+    EXPECT_EQ(find<QSplitter>("listsSplitter")->sizes(), lists);
+    EXPECT_EQ(find<QSplitter>("viewsSplitter")->sizes(), views);
+}
+
+TEST_F(WindowMemoryTest, WhatIsNoPlaceOfAWindowIsPassedOver)
+{
+    memory_.setTexts({{"mainWindow", "no base64 \xff of this"}});
+    launch();
+    const QSize before = find<>("cwinMainWindow")->size();
+    const interface::WindowMemory memory(memory_, loaded());
+    EXPECT_EQ(find<>("cwinMainWindow")->size(), before);
+}
+
+TEST_F(WindowMemoryTest, WritesOnlyWhatIsNew)
+{
+    launch();
+    const Path file = home_ / "config/org.example.kv-test.window.plist";
+    {
+        const interface::WindowMemory memory(memory_, loaded());
+    }
+    EXPECT_FALSE(std::filesystem::exists(file));
+    {
+        const interface::WindowMemory memory(memory_, loaded());
+        find<>("cwinMainWindow")->resize(1300, 850);
+        QApplication::processEvents();
+    }
+    const auto written = std::filesystem::last_write_time(file);
+    std::filesystem::last_write_time(file, written - std::chrono::hours(1));
+    {
+        const interface::WindowMemory memory(memory_, loaded());
+    }
+    EXPECT_EQ(std::filesystem::last_write_time(file), written - std::chrono::hours(1));
+}
+
+} // namespace test
