@@ -84,6 +84,7 @@ QWidget* makeAccountWindow()
     auto* create = new QGroupBox(QObject::tr("New account"));
     auto* createForm = new QFormLayout(create);
     auto* newUserName = makeLine("cwinUserNameNew");
+    newUserName->setAccessibleName(QObject::tr("User name of the new account"));
     auto* email = makeLine("cwinEmailAddrNew");
     auto* request = makeButton("cwinNewUserCreate", QObject::tr("Create Account"),
                                QObject::tr("Ask the community library for an account"), "new-account");

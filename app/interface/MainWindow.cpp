@@ -39,6 +39,22 @@ void addGroup(QHBoxLayout* layout, std::initializer_list<QWidget*> widgets)
     layout->addLayout(group);
 }
 
+/// A splitter keeps its parts the wrong way round among its children, which is how a screen reader would tell them.
+void tellPartsInOrder(const QSplitter* splitter)
+{
+    for (int part = splitter->count() - 1; part >= 0; --part)
+        splitter->widget(part)->lower();
+}
+
+/// A button of a group whose caption is part of what it does.
+QPushButton* makeMoveButton(const char* name, const QString& title, const QString& accessibleName,
+                            const QString& toolTip, const char* symbol)
+{
+    QPushButton* button = makeButton(name, title, toolTip, symbol);
+    button->setAccessibleName(accessibleName);
+    return button;
+}
+
 QWidget* makeModeSwitch()
 {
     auto* matrix = new QWidget;
@@ -150,6 +166,7 @@ QWidget* makeLists()
     lists->setChildrenCollapsible(false);
     lists->setStretchFactor(0, 3);
     lists->setStretchFactor(1, 4);
+    tellPartsInOrder(lists);
     return lists;
 }
 
@@ -168,14 +185,14 @@ QLayout* makePageControls()
                                        QObject::tr("Show the last page"), "page-last")});
     layout->addWidget(makeSeparator());
     addGroup(layout, {makeCaption(QObject::tr("Move page to")),
-                      makeButton("kvMovePage_First", QObject::tr("First"),
-                                 QObject::tr("Exchange this page with the first one"), "move-first"),
-                      makeButton("kvMovePage_Prev", QObject::tr("Previous"),
-                                 QObject::tr("Exchange this page with the one before"), "move-previous"),
-                      makeButton("kvMovePage_Next", QObject::tr("Next"),
-                                 QObject::tr("Exchange this page with the one after"), "move-next"),
-                      makeButton("kvMovePage_Last", QObject::tr("Last"),
-                                 QObject::tr("Exchange this page with the last one"), "move-last")});
+                      makeMoveButton("kvMovePage_First", QObject::tr("First"), QObject::tr("Move page to first"),
+                                     QObject::tr("Exchange this page with the first one"), "move-first"),
+                      makeMoveButton("kvMovePage_Prev", QObject::tr("Previous"), QObject::tr("Move page to previous"),
+                                     QObject::tr("Exchange this page with the one before"), "move-previous"),
+                      makeMoveButton("kvMovePage_Next", QObject::tr("Next"), QObject::tr("Move page to next"),
+                                     QObject::tr("Exchange this page with the one after"), "move-next"),
+                      makeMoveButton("kvMovePage_Last", QObject::tr("Last"), QObject::tr("Move page to last"),
+                                     QObject::tr("Exchange this page with the last one"), "move-last")});
     layout->addWidget(makeSeparator());
     layout->addWidget(makeButton("newPageButtonPressed", QObject::tr("New Page"),
                                  QObject::tr("Add an empty page at the end"), "page-new"));
@@ -235,6 +252,7 @@ QWidget* makeViews()
     views->addWidget(makeLowerView());
     views->setChildrenCollapsible(false);
     views->setStretchFactor(0, 1);
+    tellPartsInOrder(views);
     return views;
 }
 

@@ -1,5 +1,6 @@
 #include "app/interface/SearchField.h"
 
+#include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QKeyEvent>
@@ -9,6 +10,8 @@ namespace interface {
 SearchField::SearchField(QWidget* parent) : QLineEdit(parent)
 {
     setClearButtonEnabled(true);
+    if (auto* clearButton = findChild<QAbstractButton*>())
+        clearButton->setAccessibleName(tr("Clear the search"));
     connect(this, &QLineEdit::textEdited, this, [this] { wasTypedInto_ = true; });
 }
 
