@@ -1,0 +1,272 @@
+#!/usr/bin/env python3
+"""The program as a screen reader meets it: named controls, read-outs that can be read, pots that can be pressed, and a
+sensible way through with the Tab key.
+
+Usage: accessibility_test.py PROGRAM COMMUNITY-PORT [unittest's arguments]"""
+
+import collections
+import http.server
+import re
+import sys
+import threading
+import unittest
+from pathlib import Path
+
+from screen import NoScreen, Screen, end, wait_for
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "demo"))
+import make_library  # noqa: E402
+
+CANNOT_RUN = 77
+PLUG_INS = {"Wendlebrook EQ", "Quillmoor Echo", "Ploverton Tuner", "Écho d’été 🌊"}
+
+# The drawn panel tells page and parameter with each pot.
+PANEL_IS_DRAWN = False
+# The strip of all pages says which it is of.
+OVERVIEW_IS_DRAWN = False
+
+
+class ProgramTest(unittest.TestCase):
+    """Each test runs the program anew on a few plug-ins of the demo library."""
+
+    def setUp(self):
+        make_library.LIBRARY = screen.folder / "library"
+        make_library.PLUG_INS = [plug_in for plug_in in every_plug_in if Path(plug_in[0]).name in PLUG_INS]
+        make_library.DECOYS = {}
+        make_library.main()
+        self.process = screen.run(program_path)
+        self.addCleanup(end, self.process)
+        self.program = reader.Program(self.process)
+        self.main = self.program.window("kvOrvantaLogic Tool")
+
+    def choose_plug_in(self, name):
+        self.main.find("tree", "Plugins").cell(name).choose()
+        self.wait(lambda: self.main.name.startswith(name), "the title does not tell the plug-in")
+
+    def choose_parameter(self, name):
+        self.main.find("tree", "Plugin Parameters").cell(name).choose()
+
+    def wait(self, what, otherwise):
+        self.assertTrue(wait_for(what, 5), otherwise)
+
+    def labels(self):
+        return [node.name for node in self.main.outline() if node.role == "label"]
+
+    def pot(self, number):
+        return next(node for node in self.main.outline()
+                    if node.role == "push button" and re.match(rf"Pot {number}\b", node.name))
+
+    def wait_for_undo(self):
+        def can_undo():
+            return any(node.role == "push button" and node.name == "Undo Assign Parameter" and "enabled" in node.states
+                       for node in self.main.outline())
+        self.wait(can_undo, "undo does not say what it takes back")
+
+    def check_controls(self, window):
+        """Every control of a window has a name, an action or a text where its role promises one, and no twin."""
+        controls = [node for node in window.outline() if node.role in reader.CONTROLS]
+        if not OVERVIEW_IS_DRAWN:
+            controls = [node for node in controls if node.role != "list"]
+        for node in controls:
+            self.assertNotEqual(node.name.strip(), "", f"a {node.role} of {window} has no name")
+            self.assertNotRegex(node.name, r"^(_q_|qt_|kv|btn|cwin|lab_)", f"{node} is named for the program's eyes")
+            if node.role in {"push button", "check box"} and "enabled" in node.states:
+                self.assertTrue({"Press", "Toggle"} & set(node.actions()), f"{node} cannot be pressed")
+        for node in window.outline():
+            if "focusable" in node.states and node.role != "label":  # the text of an alert can be copied
+                self.assertIn(node.role, reader.CONTROLS, f"{node} takes the focus without being a control")
+        twins = [each for each, count in collections.Counter((n.role, n.name) for n in controls).items() if count > 1]
+        self.assertEqual(twins, [], f"controls of {window} that cannot be told apart")
+
+
+class MainWindowTest(ProgramTest):
+    def test_every_control_has_a_name_of_its_own(self):
+        for plug_in in (None, "Quillmoor Echo", "Ploverton Tuner"):
+            with self.subTest(plug_in=plug_in):
+                if plug_in:
+                    self.choose_plug_in(plug_in)
+                self.check_controls(self.main)
+
+    def test_every_row_of_a_list_says_what_it_is(self):
+        self.choose_plug_in("Wendlebrook EQ")
+        for title in ("Plugins", "Plugin Parameters"):
+            cells = [node for node in self.main.find("tree", title).children() if node.role in reader.CELLS]
+            columns = 3
+            self.assertGreater(len(cells), 2 * columns)
+            for first, second in zip(cells[::columns], cells[1::columns]):
+                self.assertNotEqual(first.name, "", title)
+                self.assertNotEqual(second.name, "", title)
+
+    def test_parts_are_told_in_the_order_in_which_they_are_seen(self):
+        told = [node.name for node in self.main.outline()]
+        parts = ["kvOrvantaLogic Tool", "Editing mode", "Plugins", "Plugin Parameters", "Please Select a plugin",
+                 "Move page to", "Not Logged In"]
+        places = [told.index(part) for part in parts]
+        self.assertEqual(places, sorted(places), dict(zip(parts, places)))
+
+    def test_read_outs_can_be_read(self):
+        for label in ("Please Select a plugin", "Please Select a Plugin", "Not Logged In", "-"):
+            self.assertIn(label, self.labels())
+        self.choose_plug_in("Quillmoor Echo")
+        labels = self.labels()
+        path = screen.folder / "library/Library/Application Support/Logic/Plug-In Settings/Quillmoor Echo"
+        for label in ("Page 1 of 3", "3 Pages", "23 of 23 mapped", str(path / "CSParameterOrder.plist"),
+                      "Left Delay Time", "Logic Pro Insert/Effect Mapper", "Editing Quillmoor Echo in Insert/Effect Mode"):
+            self.assertIn(label, labels)
+
+    def test_a_page_step_is_told(self):
+        self.choose_plug_in("Quillmoor Echo")
+        self.assertIn("Left Delay Time", self.labels())
+        self.main.find("push button", "Show next page").press()
+        self.wait(lambda: "Page 2 of 3" in self.labels(), "the page read-out does not change")
+        self.assertIn("Right Delay Time", self.labels())
+        self.assertNotIn("Left Delay Time", self.labels())
+
+    def test_a_press_assigns(self):
+        self.choose_plug_in("Wendlebrook EQ")
+        self.choose_parameter("High Q")
+        self.pot(3).press()
+        self.wait(lambda: self.labels().count("High Q") == 1, "the label under the pot does not change")
+        self.assertIn("Unsaved pots: 1", self.labels())
+        self.assertTrue(self.main.name.startswith("Wendlebrook EQ"))
+        self.wait_for_undo()
+
+    @unittest.skipUnless(PANEL_IS_DRAWN, "the panel is a stand-in")
+    def test_pots_say_what_stands_on_them(self):
+        self.choose_plug_in("Quillmoor Echo")
+        self.assertEqual(self.pot(1).name, "Pot 1, Left Delay Time, page 1 of 3")
+        self.main.find("push button", "Show last page").press()
+        self.wait(lambda: self.pot(1).name == "Pot 1, Tempo Sync, page 3 of 3", "the pot keeps its name")
+        self.assertEqual(self.pot(8).name, "Pot 8, empty, page 3 of 3")
+        self.choose_parameter("Freeze")
+        self.pot(8).press()
+        self.wait(lambda: self.pot(8).name == "Pot 8, Freeze, page 3 of 3", "an assignment is not told")
+        self.choose_plug_in("Ploverton Tuner")
+        self.assertEqual(self.pot(3).name, "Pot 3, empty, page 1 of 1")
+
+    @unittest.skipUnless(OVERVIEW_IS_DRAWN, "the overview is a stand-in")
+    def test_the_overview_tells_its_pages(self):
+        self.choose_plug_in("Quillmoor Echo")
+        overview = next(node for node in self.main.outline() if node.role == "list")
+        self.assertNotEqual(overview.name, "")
+        pages = [node for node in overview.children() if node.role in reader.CELLS]
+        self.assertEqual(len(pages), 3)
+        for number, page in enumerate(pages, 1):
+            self.assertIn(str(number), page.name)
+
+    def test_tab_visits_every_control_once(self):
+        self.choose_plug_in("Quillmoor Echo")
+        self.choose_parameter("Freeze")
+        self.pot(1).press()
+        self.wait_for_undo()
+        controls = [node for node in self.main.outline() if {"focusable", "enabled", "showing"} <= node.states]
+        visited = self.visited_by_tab(controls)
+        names = [node.name for node in visited]
+        # Of the two cells of the mode one is on the way; arrow keys go to the other.
+        unvisited = [node for node in controls if node not in visited and node.role != "radio button"]
+        self.assertEqual(unvisited, [])
+        order = ["Instrument", "Undo Assign Parameter", "Save Mapping", "Help", "Plugins", "Search parameters", "Not mapped yet",
+                 "Plugin Parameters"]
+        order += [self.pot(number).name for number in range(1, 9)]
+        order += ["Show first page", "New Page", "Delete Page", "Clear All", "Account", "Browse"]
+        places = [names.index(name) for name in order]
+        self.assertEqual(places, sorted(places), names)
+
+    def visited_by_tab(self, controls):
+        """What gets the focus from the first control until it comes to one for the second time."""
+        self.main.find("label", "kvOrvantaLogic Tool").click()
+        controls[0].take_focus()
+        visited = []
+        focused = self.focused(controls, None)
+        while focused and focused not in visited:
+            visited.append(focused)
+            reader.press_key(reader.TAB)
+            focused = self.focused(controls, focused)
+        self.assertEqual(focused, visited[0], f"the way does not lead back to its begin: {visited}")
+        return visited
+
+    @staticmethod
+    def focused(controls, before):
+        def find():
+            return next((node for node in controls if node != before and "focused" in node.states), None)
+        return wait_for(find, 2)
+
+
+class CommunityServer(http.server.BaseHTTPRequestHandler):
+    """Lets everybody in and has one shared mapping."""
+
+    def do_POST(self):
+        replies = {"checkuser.php": "\nOK\n", "checkuserexists.php": "Done",
+                   "kv_listplists.php": '[{"patchID": 7, "fileLocation": "x", "userComments": "Drums first"}]'}
+        reply = next((text for name, text in replies.items() if f"/{name}" in self.path), "")
+        self.send_response(200)
+        self.send_header("Content-Length", str(len(reply)))
+        self.end_headers()
+        self.wfile.write(reply.encode())
+
+    def log_message(self, *_):
+        pass
+
+
+class CommunityWindowsTest(ProgramTest):
+    def setUp(self):
+        def listen():
+            try:
+                return http.server.ThreadingHTTPServer(("127.0.0.1", community_port), CommunityServer)
+            except OSError:
+                return None
+        server = wait_for(listen, 20)
+        self.assertTrue(server, f"another program has port {community_port}")
+        threading.Thread(target=server.serve_forever, args=[0.02], daemon=True).start()
+        self.addCleanup(server.server_close)
+        self.addCleanup(server.shutdown)
+        super().setUp()
+
+    def test_account_window(self):
+        self.main.find("push button", "Account").press()
+        window = self.program.window("Community Account")
+        self.check_controls(window)
+        window.find("text", "User name").type("wren")
+        window.find("password text", "PIN").type("2468")
+        window.find("push button", "Log In").press()
+        self.wait(lambda: "Logged in as wren" in self.labels(), "the log-in is not told")
+
+    def test_share_window(self):
+        # The server lets everybody in, the nobody of a first start too.
+        self.choose_plug_in("Wendlebrook EQ")
+        self.main.find("push button", "Share").press()
+        self.check_controls(self.program.window("Share Mapping"))
+
+    def test_browse_window(self):
+        self.choose_plug_in("Wendlebrook EQ")
+        self.main.find("push button", "Browse").press()
+        window = self.program.window("Shared Mappings")
+        self.check_controls(window)
+        self.assertEqual(window.find("tree", "Shared for this plugin").cell("Drums first").name, "Drums first")
+
+    def test_an_alert_is_read_whole(self):
+        self.main.find("push button", "Help").press()
+        alert = wait_for(lambda: next((w for w in self.program.windows() if w.role in {"alert", "dialog"}), None))
+        self.assertTrue(alert, "no alert is told")
+        self.check_controls(alert)
+        texts = [node.name for node in alert.outline() if node.role == "label"]
+        self.assertTrue(any(texts), texts)
+        alert.find("push button", "OK").press()
+        self.wait(lambda: alert not in self.program.windows(), "the alert stays")
+
+
+if __name__ == "__main__":
+    program_path, community_port = sys.argv[1], int(sys.argv[2])
+    every_plug_in = make_library.PLUG_INS
+    try:
+        screen = Screen()
+    except NoScreen as reason:
+        print(f"cannot run: {reason}")
+        sys.exit(CANNOT_RUN)
+    try:
+        import reader  # finds the bus through the environment
+        reader.start()
+        result = unittest.main(argv=sys.argv[:1] + sys.argv[3:], exit=False, warnings="ignore").result
+    finally:
+        screen.close()
+    sys.exit(not result.wasSuccessful())
