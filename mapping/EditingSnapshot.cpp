@@ -59,8 +59,9 @@ bool areWrittenAlike(const platform::Record& one, const platform::Record& other)
 
 bool EditingChange::isEmpty() const
 {
-    return entries.empty() && parametersBefore == parametersAfter && before.totalPages == after.totalPages &&
-           before.mode == after.mode;
+    const bool isOtherList =
+        parametersBefore != parametersAfter && !parametersBefore.empty() && !parametersAfter.empty();
+    return entries.empty() && !isOtherList && before.totalPages == after.totalPages && before.mode == after.mode;
 }
 
 std::vector<Splice> differences(const Records& before, const Records& after)

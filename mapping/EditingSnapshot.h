@@ -34,7 +34,8 @@ struct EditingNumbers {
 
 struct EditingChange {
     std::vector<Splice> entries;
-    /// The whole lists; both empty where the list stayed as it was.
+    /// The whole lists; both empty where the list stayed as it was. One alone is empty where a rescan, which is no edit,
+    /// had emptied the list until a plug-in was chosen.
     std::vector<platform::Record> parametersBefore;
     std::vector<platform::Record> parametersAfter;
     EditingNumbers before;

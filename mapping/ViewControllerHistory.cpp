@@ -86,8 +86,10 @@ void ViewController::goThrough(const mapping::EditingChange& change, bool forwar
     const auto go = forward ? mapping::makeAgain : mapping::takeBack;
     const mapping::EditingNumbers& numbers = forward ? change.after : change.before;
     go(change.entries, mapping::plistBuild);
-    if (change.parametersBefore != change.parametersAfter) {
-        arrayControllerPlistSelected()->setContent(forward ? change.parametersAfter : change.parametersBefore);
+    // While no plug-in is chosen none of its parameters are offered; once one is, they are not taken away.
+    const auto& parameters = forward ? change.parametersAfter : change.parametersBefore;
+    if (!parameters.empty() && isPluginBeingEdited()) {
+        arrayControllerPlistSelected()->setContent(parameters);
         arrayControllerPlistSelected()->setSelectionIndex(0);
     }
     mapping::totalPages = numbers.totalPages;

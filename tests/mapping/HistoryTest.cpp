@@ -246,6 +246,36 @@ TEST_F(HistoryTest, OutlivesARescanInWhichNothingIsSelected)
     EXPECT_EQ(order(), test::numbered(24));
 }
 
+TEST_F(HistoryTest, ARescanIsNoEditThatUndoWouldTakeBack)
+{
+    edit(test::numbered(8));
+    selectParameter(5);
+    controller_.clickControl(0);
+    const Texts edited = order();
+    const Texts offered = parameters();
+    controller_.btnRunCheck();
+    select("EQ One");
+    ASSERT_EQ(undoName(), "Reload Mapping");
+    controller_.undo();
+    EXPECT_EQ(order(), edited);
+    EXPECT_EQ(parameters(), offered);
+    controller_.redo();
+    EXPECT_EQ(parameters(), offered);
+
+    controller_.btnRunCheck();
+    controller_.undo();
+    EXPECT_EQ(order(), edited);
+    EXPECT_EQ(parameters(), Texts());
+}
+
+TEST_F(HistoryTest, AReloadAfterARescanThatChangesNothingIsNoStep)
+{
+    edit(test::numbered(8));
+    controller_.btnRunCheck();
+    select("EQ One");
+    EXPECT_EQ(undoName(), "");
+}
+
 TEST_F(HistoryTest, UnsavedChangesAreToldUntilSavedOrUndone)
 {
     editThreePages();
