@@ -1,0 +1,288 @@
+#include "tests/trust/RandomUser.h"
+
+#include "app/interface/FrontPanel.h"
+#include "app/interface/PageOverview.h"
+#include "mapping/EditingState.h"
+#include "platform/qt/Text.h"
+
+#include <QAbstractButton>
+#include <QHeaderView>
+#include <QInputMethodEvent>
+#include <QLineEdit>
+#include <QTest>
+
+#include <numeric>
+
+namespace test {
+
+using platform::qt::fromQt;
+using platform::qt::toQt;
+
+namespace {
+
+// As often as somebody at work would use them; what opens windows and what reads the disk comes less often.
+const char* const kOftenUsed[] = {
+    "firstPageButtonPressed",
+    "prevPageButtonPressed",
+    "nextPageButtonPressed",
+    "lastPageButtonPressed",
+    "newPageButtonPressed",
+    "newPageButtonPressed",
+    "deletePageButtonPressed",
+    "deletePageButtonPressed",
+    "kvMovePage_First",
+    "kvMovePage_Prev",
+    "kvMovePage_Next",
+    "kvMovePage_Last",
+    "undoButton",
+    "undoButton",
+    "undoButton",
+    "redoButton",
+    "redoButton",
+    "unmappedOnly",
+};
+const char* const kSeldomUsed[] = {
+    "clearAllPagesButtonPressed",
+    "kvExportToPlist",
+    "kvExportToPlist",
+    "kvRecallOriginalMapping",
+    "kvRecallPreviousMapping",
+    "kvCreateChart",
+    "kvPluginMode_1",
+    "kvPluginMode_0",
+    "btnRunCheck",
+    "kvHelpMe",
+};
+const char* const kCommunity[] = {
+    "kvLoginToCloudAccount", "kv_btn_cloudLibrary", "kv_btn_cloudLibraryDownload",     "cwinLoginAttempt",
+    "cwinNewUserCreate",     "cwinPlistAvailable",  "kvCommunityLoadSelectedDownload",
+};
+
+struct Key {
+    const char* name;
+    Qt::Key key;
+    Qt::KeyboardModifiers modifiers = Qt::NoModifier;
+};
+const Key kKeys[] = {
+    {"1", Qt::Key_1},
+    {"2", Qt::Key_2},
+    {"8", Qt::Key_8},
+    {"Ctrl+1", Qt::Key_1, Qt::ControlModifier},
+    {"Ctrl+5", Qt::Key_5, Qt::ControlModifier},
+    {"Ctrl+8", Qt::Key_8, Qt::ControlModifier},
+    {"PageUp", Qt::Key_PageUp},
+    {"PageDown", Qt::Key_PageDown},
+    {"Home", Qt::Key_Home},
+    {"End", Qt::Key_End},
+    {"Ctrl+PageUp", Qt::Key_PageUp, Qt::ControlModifier},
+    {"Ctrl+PageDown", Qt::Key_PageDown, Qt::ControlModifier},
+    {"Ctrl+Z", Qt::Key_Z, Qt::ControlModifier},
+    {"Ctrl+Shift+Z", Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier},
+    {"Ctrl+F", Qt::Key_F, Qt::ControlModifier},
+    {"Ctrl+S", Qt::Key_S, Qt::ControlModifier},
+    {"Ctrl+N", Qt::Key_N, Qt::ControlModifier},
+    {"Ctrl+D", Qt::Key_D, Qt::ControlModifier},
+    {"Ctrl+A", Qt::Key_A, Qt::ControlModifier},
+    {"Ctrl+Shift+M", Qt::Key_M, Qt::ControlModifier | Qt::ShiftModifier},
+    {"Ctrl+Shift+I", Qt::Key_I, Qt::ControlModifier | Qt::ShiftModifier},
+    {"Tab", Qt::Key_Tab},
+    {"Tab", Qt::Key_Tab},
+    {"Shift+Tab", Qt::Key_Backtab, Qt::ShiftModifier},
+    {"Up", Qt::Key_Up},
+    {"Down", Qt::Key_Down},
+    {"Down", Qt::Key_Down},
+    {"Left", Qt::Key_Left},
+    {"Right", Qt::Key_Right},
+    {"Space", Qt::Key_Space},
+    {"Return", Qt::Key_Return},
+    {"Escape", Qt::Key_Escape},
+    {"Escape", Qt::Key_Escape},
+    {"Backspace", Qt::Key_Backspace},
+    {"Delete", Qt::Key_Delete},
+    {"k", Qt::Key_K},
+    {"A", Qt::Key_A, Qt::ShiftModifier},
+};
+
+const char* const kSearches[] = {"Knob", "1", "00", "é", "ホ", "nothing has this", "  ", "%1", "<b>"};
+
+Texts withGaps(Texts order)
+{
+    for (std::size_t i = 4; i < order.size(); i += 7)
+        order[i] = "-1";
+    return order;
+}
+
+Texts ofManyScripts()
+{
+    return {"1 Temps d’écho", "2 カットオフ", "3 <b>Drive</b>", "-1",       "3 <b>Drive</b>", "5 %1 Mix", "6 🌊 Vague",
+            "7 حجم",          "8 Größe",      "9 &amp; Co",     "no-blank", "1 Temps d’écho", "12  Two"};
+}
+
+} // namespace
+
+const RandomUser::Deed RandomUser::kDeeds[] = {
+    {24, &RandomUser::pressPotButton}, {24, &RandomUser::pressButton}, {3, &RandomUser::choosePlugin},
+    {14, &RandomUser::chooseRow},      {6, &RandomUser::typeSearch},   {20, &RandomUser::pressKey},
+    {1, &RandomUser::sortPlugins},     {8, &RandomUser::drop},         {4, &RandomUser::choosePage},
+    {2, &RandomUser::useCommunity},
+};
+
+RandomUser::Chance::Chance(unsigned seed, int step)
+{
+    std::seed_seq both{seed, static_cast<unsigned>(step)};
+    engine_.seed(both);
+}
+
+RandomUser::RandomUser()
+{
+    QObject::connect(&answers_, &QTimer::timeout, &answers_, [this] { answerAlerts(); });
+    answers_.start(1);
+}
+
+void RandomUser::startOver()
+{
+    for (const char* folder : {"Library", "home", "config", "data"})
+        std::filesystem::remove_all(home_ / folder);
+    writeDictionary(builtIn("Empty"), orderFile({}));
+    writeDictionary(builtIn("Nine"), orderFile(numbered(9)));
+    writeDictionary(builtIn("Binary"), orderFile(withGaps(numbered(40, "Volume"))), platform::plist::Form::binary);
+    writeDictionary(thirdParty("Maker", "Large"), orderFile(withGaps(numbered(300))));
+    writeDictionary(thirdParty("Ünï", "Écho 界 🌊"), orderFile(ofManyScripts()));
+    workspace_.opened.clear();
+    launch();
+    find<QWidget>("cwinMainWindow")->activateWindow();
+}
+
+std::string RandomUser::doSomething(unsigned seed, int step)
+{
+    Chance chance(seed, step);
+    const int all = std::accumulate(std::begin(kDeeds), std::end(kDeeds), 0,
+                                    [](int sum, const Deed& deed) { return sum + deed.weight; });
+    int drawn = chance.below(all);
+    const Deed* deed = kDeeds;
+    while (drawn >= deed->weight)
+        drawn -= deed++->weight;
+    std::string done = (this->*deed->act)(chance);
+    QApplication::processEvents();
+    return done;
+}
+
+std::string RandomUser::pressPotButton(Chance& chance)
+{
+    return clickButton(("kvRotaryBtn" + std::to_string(chance.below(8) + 1)).c_str());
+}
+
+std::string RandomUser::pressButton(Chance& chance)
+{
+    return clickButton(chance.below(5) ? chance.oneOf(kOftenUsed) : chance.oneOf(kSeldomUsed));
+}
+
+std::string RandomUser::choosePlugin(Chance& chance)
+{
+    return clickRowAt("pluginTableView", chance.below(5));
+}
+
+std::string RandomUser::chooseRow(Chance& chance)
+{
+    const int rows = find<QAbstractItemView>("tablePlistOfSelectedPlugin")->model()->rowCount();
+    return rows > 0 ? clickRowAt("tablePlistOfSelectedPlugin", chance.below(rows)) : std::string();
+}
+
+std::string RandomUser::typeSearch(Chance& chance)
+{
+    auto* search = find<QLineEdit>("parameterSearch");
+    if (chance.below(2)) {
+        search->clear();
+        return "clear the search";
+    }
+    const std::string text = chance.oneOf(kSearches);
+    search->setFocus();
+    QInputMethodEvent typed; // key clicks are for ASCII only
+    typed.setCommitString(toQt(text));
+    QApplication::sendEvent(search, &typed);
+    return "search for \"" + text + "\"";
+}
+
+std::string RandomUser::pressKey(Chance& chance)
+{
+    const Key& key = chance.oneOf(kKeys);
+    auto* window = find<QWidget>("cwinMainWindow");
+    if (!QApplication::activeWindow()) { // an alert that goes gives the focus to nobody where there is no desktop
+        window->activateWindow();
+        QApplication::processEvents();
+    }
+    QWidget* target = QApplication::focusWidget();
+    if (!target)
+        target = window;
+    const std::string where = fromQt(target->objectName());
+    QTest::keyClick(target, key.key, key.modifiers);
+    return std::string("key ") + key.name + " in " + where;
+}
+
+std::string RandomUser::sortPlugins(Chance& chance)
+{
+    QHeaderView* header = find<QTreeView>("pluginTableView")->header();
+    const int column = chance.below(3);
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
+                      {header->sectionViewportPosition(column) + header->sectionSize(column) / 2, 5});
+    return "sort by column " + std::to_string(column);
+}
+
+std::string RandomUser::drop(Chance& chance)
+{
+    if (!isEnabled("kvRotaryBtn1"))
+        return {};
+    auto* panel = find<interface::FrontPanel>("frontPanel");
+    const int pot = chance.below(8) + 1;
+    if (chance.below(2)) {
+        Q_EMIT panel->parameterDropped(pot);
+        return "drop the parameter on pot " + std::to_string(pot);
+    }
+    const int from = chance.below(8) + 1;
+    Q_EMIT panel->potDropped(from, pot);
+    return "drop pot " + std::to_string(from) + " on pot " + std::to_string(pot);
+}
+
+std::string RandomUser::choosePage(Chance& chance)
+{
+    const int page = chance.below(mapping::totalPages) + 1;
+    Q_EMIT find<interface::PageOverview>("pageOverview")->pageChosen(page);
+    return "choose page " + std::to_string(page);
+}
+
+std::string RandomUser::useCommunity(Chance& chance)
+{
+    const char* name = chance.oneOf(kCommunity);
+    if (!find<QAbstractButton>("kvLoginToCloudAccount")->isVisible())
+        return {};
+    return loaded().find<QAbstractButton>(name) ? clickButton(name) : clickRowAt(name, 0);
+}
+
+std::string RandomUser::clickButton(const char* name)
+{
+    auto* button = find<QAbstractButton>(name);
+    if (!button->isEnabled() || !button->isVisible())
+        return {};
+    QTest::mouseClick(button, Qt::LeftButton);
+    return std::string("click ") + name;
+}
+
+std::string RandomUser::clickRowAt(const char* list, int row)
+{
+    auto* view = find<QAbstractItemView>(list);
+    if (!view->isVisible() || row >= view->model()->rowCount())
+        return {};
+    const QModelIndex index = view->model()->index(row, 0);
+    view->scrollTo(index);
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, view->visualRect(index).center());
+    return "click row " + std::to_string(row) + " of " + list;
+}
+
+void RandomUser::answerAlerts()
+{
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (box && box->isVisible())
+        QTest::mouseClick(box->buttons().front(), Qt::LeftButton);
+}
+
+} // namespace test

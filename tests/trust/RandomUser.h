@@ -1,0 +1,62 @@
+#pragma once
+// Somebody who does anything at any time in the real windows: clicks, keys, typing, drops. What is done at a step
+// follows from the seed and the step's number alone, so that any selection of the steps can be done again.
+
+#include "tests/support/WindowTest.h"
+
+#include <random>
+#include <string>
+#include <vector>
+
+namespace test {
+
+class RandomUser : public WindowTest {
+protected:
+    RandomUser();
+
+    /// New plug-ins on disk and a new run of the program.
+    void startOver();
+    /// Does what comes at a step and tells what it was.
+    std::string doSomething(unsigned seed, int step);
+
+private:
+    /// Draws numbers; the same on every machine.
+    class Chance {
+    public:
+        Chance(unsigned seed, int step);
+
+        int below(int limit) { return static_cast<int>(engine_() % static_cast<unsigned>(limit)); }
+        template <typename List>
+        const auto& oneOf(const List& list)
+        {
+            return list[static_cast<std::size_t>(below(static_cast<int>(std::size(list))))];
+        }
+
+    private:
+        std::mt19937 engine_;
+    };
+    struct Deed {
+        int weight;
+        std::string (RandomUser::*act)(Chance&);
+    };
+    static const Deed kDeeds[];
+
+    std::string pressPotButton(Chance& chance);
+    std::string pressButton(Chance& chance);
+    std::string choosePlugin(Chance& chance);
+    std::string chooseRow(Chance& chance);
+    std::string typeSearch(Chance& chance);
+    std::string pressKey(Chance& chance);
+    std::string sortPlugins(Chance& chance);
+    std::string drop(Chance& chance);
+    std::string choosePage(Chance& chance);
+    std::string useCommunity(Chance& chance);
+
+    std::string clickButton(const char* name);
+    std::string clickRowAt(const char* list, int row);
+    void answerAlerts();
+
+    QTimer answers_;
+};
+
+} // namespace test
