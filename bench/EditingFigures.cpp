@@ -1,0 +1,116 @@
+// What a user does with a plug-in of ten thousand parameters: choose it, press a pot, search.
+
+#include "app/interface/FrontPanel.h"
+#include "bench/Figure.h"
+#include "bench/LoadedWindow.h"
+#include "platform/Files.h"
+#include "platform/PropertyList.h"
+
+#include <QImage>
+#include <QLineEdit>
+
+#include <memory>
+#include <stdexcept>
+
+namespace bench {
+
+namespace {
+
+constexpr int kParameters = 10'000;
+constexpr char kHuge[] = "Huge Synthesizer";
+constexpr char kOther[] = "Small Filter";
+
+/// A window with the large plug-in loaded.
+struct Editing {
+    explicit Editing(int parameters)
+    {
+        file = home.writePlugin(kHuge, parameters);
+        home.writePlugin(kOther, 4);
+        window = std::make_unique<LoadedWindow>(home);
+        window->choose(kHuge);
+    }
+
+    double load()
+    {
+        window->choose(kOther);
+        return millisecondsOf([&] { window->choose(kHuge); });
+    }
+
+    double parse()
+    {
+        const std::string bytes = platform::files::read(file).value();
+        return millisecondsOf([&] {
+            if (!platform::plist::parse(bytes))
+                throw std::runtime_error("the file cannot be parsed");
+        });
+    }
+
+    /// A press of one pot after the other, until everything but the painting has followed it.
+    double press()
+    {
+        const auto list = window->controller().arrayControllerPlistSelected();
+        list->setSelectionIndex(1 + ++presses * 7 % (list->arrangedCount() - 1));
+        LoadedWindow::settle();
+        return millisecondsOf([&] { window->controller().clickControl(presses % 8); });
+    }
+
+    double repaint()
+    {
+        auto* panel = window->find<interface::FrontPanel>("frontPanel");
+        QImage image(panel->size(), QImage::Format_ARGB32_Premultiplied);
+        return millisecondsOf([&] { panel->render(&image); });
+    }
+
+    /// One letter more in the search field, until the rows found are painted.
+    double keystroke()
+    {
+        auto* search = window->find<QLineEdit>("parameterSearch");
+        search->setText(QStringLiteral("kno"));
+        LoadedWindow::settle();
+        return millisecondsOf([&] {
+            search->insert(QStringLiteral("b"));
+            LoadedWindow::settle();
+        });
+    }
+
+    /// What a screen that shows sixty of them a second leaves for one.
+    double frame() { return 16; }
+
+    Home home;
+    std::filesystem::path file;
+    std::unique_ptr<LoadedWindow> window;
+    int presses = 0;
+};
+
+Measure measure(const std::shared_ptr<Editing>& editing, double (Editing::*side)())
+{
+    return [editing, side] { return (*editing.*side)(); };
+}
+
+void addWork(const std::string& name, double (Editing::*work)())
+{
+    add(Growth{"growth: " + name + ", 100,000 parameters", kParameters, 5,
+               [work](int parameters) { return measure(std::make_shared<Editing>(parameters), work); }});
+}
+
+} // namespace
+
+void addEditingFigures()
+{
+    const auto beside = [](double (Editing::*work)(), double (Editing::*yardstick)()) {
+        return [work, yardstick] {
+            const auto editing = std::make_shared<Editing>(kParameters);
+            return std::pair(measure(editing, work), measure(editing, yardstick));
+        };
+    };
+    add(Figure{"load of 10,000 parameters", "parse of its file", 3, 15, beside(&Editing::load, &Editing::parse)});
+    add(Figure{"pot press, 10,000 parameters", "repaint of the panel", 1, 100,
+               beside(&Editing::press, &Editing::repaint)});
+    add(Figure{"search keystroke, 10,000 parameters", "a frame", 0.5, 25,
+               beside(&Editing::keystroke, &Editing::frame)});
+    addWork("load", &Editing::load);
+    addWork("pot press", &Editing::press);
+    addWork("search keystroke", &Editing::keystroke);
+}
+
+} // namespace bench

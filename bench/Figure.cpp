@@ -1,0 +1,121 @@
+#include "bench/Figure.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+namespace bench {
+
+namespace {
+
+/// n log n grows by 12.5 from ten thousand to a hundred thousand; the rest is for caches that no longer hold the larger
+/// one. What is quadratic grows by 100.
+constexpr double kMostGrowth = 20;
+
+constexpr char kOurs[] = "ours";
+constexpr char kYardstick[] = "yardstick";
+constexpr char kLimit[] = "limit";
+
+/// The least that each of the measures answered.
+std::pair<double, double> leastOf(benchmark::State& state, const Measure& one, const Measure& other)
+{
+    one(); // the first runs fill caches
+    other();
+    std::pair<double, double> least(std::numeric_limits<double>::max(), std::numeric_limits<double>::max());
+    for (auto _ : state) {
+        const double ours = one();
+        state.SetIterationTime(ours / 1000);
+        least = {std::min(least.first, ours), std::min(least.second, other())};
+    }
+    return least;
+}
+
+void report(benchmark::State& state, double ours, double yardstick, double limit, const std::string& label)
+{
+    state.counters[kOurs] = ours;
+    state.counters[kYardstick] = yardstick;
+    state.counters[kLimit] = limit;
+    state.SetLabel(label);
+}
+
+/// One line a figure.
+class Table final : public benchmark::BenchmarkReporter {
+public:
+    bool ReportContext(const Context&) override
+    {
+        std::printf("%-45s %10s %10s %7s %7s  %s\n", "figure", "ours", "yardstick", "ratio", "at most", "yardstick is");
+        return true;
+    }
+
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        for (const Run& run : runs) {
+            if (run.error_occurred) {
+                std::printf("%-45s failed: %s\n", run.run_name.function_name.c_str(), run.error_message.c_str());
+                isWithin_ = false;
+                continue;
+            }
+            const double ours = run.counters.at(kOurs), yardstick = run.counters.at(kYardstick);
+            const double limit = run.counters.at(kLimit), ratio = ours / yardstick;
+            std::printf("%-45s %10.2f %10.2f %7.2f %7.2f  %s%s\n", run.run_name.function_name.c_str(), ours, yardstick,
+                        ratio, limit, run.report_label.c_str(), ratio <= limit ? "" : "  <-- over");
+            isWithin_ = isWithin_ && ratio <= limit;
+        }
+        std::fflush(stdout);
+    }
+
+    bool isWithin() const { return isWithin_; }
+
+private:
+    bool isWithin_ = true;
+};
+
+} // namespace
+
+double millisecondsOf(const std::function<void()>& work)
+{
+    using namespace std::chrono;
+    const auto start = steady_clock::now();
+    work();
+    return duration<double, std::milli>(steady_clock::now() - start).count();
+}
+
+void add(const Figure& figure)
+{
+    const auto measure = [figure](benchmark::State& state) {
+        const auto [ours, yardstick] = figure.prepare();
+        const auto least = leastOf(state, ours, yardstick);
+        report(state, least.first, least.second, figure.limit, figure.yardstick + ", " + figure.unit);
+    };
+    benchmark::RegisterBenchmark(figure.name.c_str(), measure)->Iterations(figure.runs)->UseManualTime();
+}
+
+void add(const Growth& growth)
+{
+    const auto measure = [growth](benchmark::State& state) {
+        const Measure small = growth.prepare(growth.size);
+        double least = std::numeric_limits<double>::max();
+        for (int run = 0; run <= growth.runs; ++run)
+            least = std::min(least, small());
+        const Measure large = growth.prepare(growth.size * 10);
+        const auto [tenfold, none] = leastOf(state, large, [] { return 0.0; });
+        char label[64];
+        std::snprintf(label, sizeof label, "a tenth of it, ms; exponent %.2f", std::log10(tenfold / least));
+        report(state, tenfold, least, kMostGrowth, label);
+    };
+    benchmark::RegisterBenchmark(growth.name.c_str(), measure)->Iterations(growth.runs)->UseManualTime();
+}
+
+bool runAll(int& argc, char** argv)
+{
+    benchmark::Initialize(&argc, argv);
+    Table table;
+    benchmark::RunSpecifiedBenchmarks(&table);
+    return table.isWithin() && argc == 1;
+}
+
+} // namespace bench

@@ -1,0 +1,48 @@
+#pragma once
+// A figure: what one piece of work costs beside a yardstick that is measured in turn with it, so that a busy machine
+// slows both. Of each side the least of all runs counts: whatever disturbs a run only adds to it.
+
+#include <functional>
+#include <string>
+#include <utility>
+
+namespace bench {
+
+/// Does the work once and answers what it took, in the figure's unit.
+using Measure = std::function<double()>;
+
+struct Figure {
+    std::string name;
+    std::string yardstick;
+    double limit;
+    int runs;
+    /// Makes both sides ready; called when the figure's turn comes. What the measures hold is gone after it.
+    std::function<std::pair<Measure, Measure>()> prepare;
+    std::string unit = "ms";
+};
+
+/// The same work at two sizes, the second ten times the first.
+struct Growth {
+    std::string name;
+    int size;
+    int runs;
+    std::function<Measure(int size)> prepare;
+};
+
+/// Milliseconds of one call.
+double millisecondsOf(const std::function<void()>& work);
+
+/// Adds a benchmark that reports both sides and their ratio.
+void add(const Figure& figure);
+/// Adds a benchmark that reports both times and by how much the work grew.
+void add(const Growth& growth);
+
+/// Runs what was added, or what the command line picks, and prints a table. Answers whether all is within its limits.
+bool runAll(int& argc, char** argv);
+
+void addScanFigures();
+void addPropertyListFigures();
+void addEditingFigures();
+void addProgramFigures();
+
+} // namespace bench
