@@ -46,6 +46,7 @@ CurlDownloads::~CurlDownloads()
 void CurlDownloads::start(const std::string& address, const std::filesystem::path& destination,
                           DownloadHandlers handlers)
 {
+    clearLeftParts(destination);
     running_.push_back(std::make_unique<Download>(address, sizeLimit_, destination, unusedPart(destination),
                                                   std::move(handlers), [this] { Q_EMIT progressed(); }));
     Download& download = *running_.back();
@@ -59,14 +60,33 @@ void CurlDownloads::start(const std::string& address, const std::filesystem::pat
     Q_EMIT progressed();
 }
 
+bool CurlDownloads::isUsed(const std::filesystem::path& part) const
+{
+    return std::any_of(running_.begin(), running_.end(),
+                       [&](const auto& download) { return download->file.isOpen() && download->file.part() == part; });
+}
+
 std::filesystem::path CurlDownloads::unusedPart(const std::filesystem::path& destination) const
 {
     // Two downloads to one destination must not write into one part.
     std::filesystem::path part = files::partialName(destination);
-    const auto isUsed = [&](const auto& download) { return download->file.isOpen() && download->file.part() == part; };
-    while (std::any_of(running_.begin(), running_.end(), isUsed))
+    while (isUsed(part))
         part += "2";
     return part;
+}
+
+void CurlDownloads::clearLeftParts(const std::filesystem::path& destination) const
+{
+    // Only the part with the plain name is cleared by whoever writes it next.
+    const std::string plain = files::partialName(destination).filename().native();
+    std::error_code failure;
+    std::filesystem::directory_iterator entry(destination.parent_path(), failure);
+    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
+        const std::string name = entry->path().filename().native();
+        const bool isPart = name.starts_with(plain) && name.find_first_not_of('2', plain.size()) == name.npos;
+        if (isPart && !isUsed(entry->path()))
+            files::remove(entry->path());
+    }
 }
 
 void CurlDownloads::restartWatches()

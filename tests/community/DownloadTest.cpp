@@ -244,6 +244,20 @@ TEST_F(Download, DoesNotMixWithAnotherToTheSameFile)
     EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1);
 }
 
+TEST_F(Download, ClearsWhatKilledOnesLeft)
+{
+    const std::string part = files::partialName(file_).native();
+    for (const char* more : {"", "2", "22"})
+        support::writeFile(part + more, "sha");
+    support::writeFile(part + "3", "nobody's");
+    peer_.play(support::reply("shared"));
+    start(http_, peer_.url());
+    EXPECT_TRUE(wait());
+    EXPECT_EQ(support::readFile(file_), "shared");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 2);
+    EXPECT_TRUE(fs::exists(part + "3"));
+}
+
 TEST_F(Download, LeavesNothingBehindWhenTheProgramEnds)
 {
     peer_.play([](Connection& connection) {

@@ -1,0 +1,153 @@
+#include "tests/trust/DriverRuns.h"
+
+#include "tests/support/OrderFiles.h"
+
+#include <algorithm>
+#include <sstream>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace trust {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr char kPlugin[] = "EQ One";
+
+std::vector<std::string> linesOf(const Path& file)
+{
+    std::vector<std::string> lines;
+    std::istringstream stream(fs::exists(file) ? test::read(file) : std::string());
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+std::vector<char*> pointers(std::vector<std::string>& texts)
+{
+    std::vector<char*> result;
+    for (std::string& text : texts)
+        result.push_back(text.data());
+    result.push_back(nullptr);
+    return result;
+}
+
+std::vector<std::string> environment(const Path& watched, const Path& trace, const Fault& fault)
+{
+    std::vector<std::string> settings;
+    for (char** each = environ; *each; ++each)
+        settings.emplace_back(*each);
+    settings.push_back("LD_PRELOAD=" KV_FILE_FAULTS);
+    // The preloaded library stands before the sanitizers' own, which only calls from the one to the other.
+    settings.push_back("ASAN_OPTIONS=verify_asan_link_order=0");
+    settings.push_back("KV_FAULT_FOLDER=" + watched.native());
+    settings.push_back("KV_FAULT_TRACE=" + trace.native());
+    settings.push_back("KV_FAULT_AT=" + std::to_string(fault.at));
+    settings.push_back("KV_FAULT=" + std::to_string(fault.error));
+    if (fault.lasts)
+        settings.push_back("KV_FAULT_LASTS=1");
+    return settings;
+}
+
+/// Runs a program with its output in a file; the status of waitpid().
+int spawn(std::vector<std::string> arguments, std::vector<std::string> settings, const Path& output)
+{
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    pid_t process = 0;
+    const int error = ::posix_spawn(&process, arguments.front().c_str(), &actions, nullptr, pointers(arguments).data(),
+                                    pointers(settings).data());
+    ::posix_spawn_file_actions_destroy(&actions);
+    int status = 0;
+    if (error != 0 || ::waitpid(process, &status, 0) != process)
+        throw std::runtime_error("cannot run " + arguments.front());
+    return status;
+}
+
+} // namespace
+
+const std::vector<Scenario>& scenarios()
+{
+    static const std::vector<Scenario> all = {
+        {"mark", {"mark"}, {"mark"}, {}},
+        {"first_save", {"save", "2"}, {"save", "2"}, {{"mark"}}},
+        {"later_save", {"save", "4"}, {"save", "4"}, {{"save", "2"}, {"save", "3"}}},
+        {"recall_original", {"recall-original"}, {"recall-original"}, {{"save", "2"}, {"save", "3"}}},
+        {"recall_previous", {"recall-prev"}, {"recall-prev"}, {{"save", "2"}, {"save", "3"}}},
+        {"chart", {"chart"}, {"chart"}, {{"chart"}, {"save", "2"}}},
+        {"download", {"download"}, {"download"}, {{"mark"}}},
+        {"two_downloads", {"download-twice"}, {"download"}, {{"mark"}}},
+    };
+    return all;
+}
+
+bool DriverRun::wrote(const std::string& line) const
+{
+    return std::find(output.begin(), output.end(), line) != output.end();
+}
+
+Folder::Folder() : folder_(root_ / "machine/Application Support/Logic/Plug-In Settings" / kPlugin) {}
+
+void Folder::prepare(const Scenario& scenario)
+{
+    put({});
+    test::writeDictionary(folder_ / kFile, test::orderFile(test::numbered(40)));
+    for (const auto& operation : scenario.history) {
+        if (!run(operation).goesOn())
+            throw std::runtime_error("cannot prepare " + std::string(scenario.name));
+    }
+    if (scenario.operation.front().starts_with("download"))
+        test::write(folder_ / kDownloaded, "what was downloaded before");
+}
+
+void Folder::put(const Files& files) const
+{
+    fs::remove_all(folder_);
+    fs::create_directories(folder_);
+    for (const auto& [name, content] : files)
+        test::write(folder_ / name, content);
+}
+
+Files Folder::files() const
+{
+    Files found;
+    for (const auto& entry : fs::directory_iterator(folder_))
+        found[entry.path().filename().native()] = test::read(entry.path());
+    return found;
+}
+
+DriverRun Folder::run(const std::vector<std::string>& operation, const Fault& fault) const
+{
+    const Path trace = root_ / "trace";
+    const Path output = root_ / "output";
+    fs::remove(trace);
+    std::vector<std::string> arguments = {KV_TRUST_DRIVER, (root_ / "machine").native(), kPlugin};
+    arguments.insert(arguments.end(), operation.begin(), operation.end());
+    const int status = spawn(arguments, environment(folder_, trace, fault), output);
+    DriverRun run;
+    run.isKilled = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+    run.status = status;
+    run.output = linesOf(output);
+    run.trace = linesOf(trace);
+    return run;
+}
+
+bool isPartial(const std::string& name)
+{
+    return name.starts_with('~');
+}
+
+bool isKept(const Files& files, const std::string& content)
+{
+    return std::any_of(files.begin(), files.end(), [&](const auto& file) {
+        return (file.first == kFile || file.first == kOriginal || file.first == kPrevious) && file.second == content;
+    });
+}
+
+} // namespace trust

@@ -1,0 +1,74 @@
+#pragma once
+// A plug-in's folder, and runs of trust_driver on it that a preloaded FileFaults brings to an early end or into
+// trouble.
+
+#include "tests/support/TemporaryFolder.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace trust {
+
+using test::Path;
+
+inline constexpr char kFile[] = "CSParameterOrder.plist";
+inline constexpr char kOriginal[] = "CSParameterOrder.plist.original";
+inline constexpr char kPrevious[] = "CSParameterOrder.plist.prev";
+inline constexpr char kChart[] = "CSParameterOrder.plist.html";
+inline constexpr char kDownloaded[] = "CSParameterOrder.plist.downloaded";
+
+/// Content of the files of a folder, by name.
+using Files = std::map<std::string, std::string>;
+
+/// What is done, and what stands in the folder before.
+struct Scenario {
+    const char* name;
+    std::vector<std::string> operation;
+    /// What clears up when the operation was cut off.
+    std::vector<std::string> later;
+    /// Operations that were done before, each by a run of its own.
+    std::vector<std::vector<std::string>> history;
+};
+
+/// The operations that the tests go through.
+const std::vector<Scenario>& scenarios();
+
+struct Fault {
+    long at = 0;   ///< number of the operation, 0 for none
+    int error = 0; ///< 0 kills
+    bool lasts = false;
+};
+
+struct DriverRun {
+    bool isKilled = false;
+    int status = 0;                  ///< 0 when it came to its end
+    std::vector<std::string> output; ///< lines that the driver wrote
+    std::vector<std::string> trace;  ///< "NUMBER OPERATION PATH", a line for each that was counted
+
+    bool goesOn() const { return status == 0 && !output.empty() && output.back() == "goes on"; }
+    bool wrote(const std::string& line) const;
+};
+
+class Folder {
+public:
+    Folder();
+
+    const Path& path() const { return folder_; }
+    /// Makes the folder what it was before the scenario's operation.
+    void prepare(const Scenario& scenario);
+    void put(const Files& files) const;
+    Files files() const;
+    DriverRun run(const std::vector<std::string>& operation, const Fault& fault = {}) const;
+
+private:
+    test::TemporaryFolder root_;
+    Path folder_;
+};
+
+/// Whether a name is that of a file in the making, which nobody reads.
+bool isPartial(const std::string& name);
+/// Whether a content stands in the file or in one of its backups.
+bool isKept(const Files& files, const std::string& content);
+
+} // namespace trust

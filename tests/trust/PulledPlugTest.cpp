@@ -1,0 +1,112 @@
+// The program is killed at every single thing it does to a plug-in's files, the writes in the middle. Afterwards every
+// name holds what it held before, what it holds after a whole run, or nothing.
+
+#include "tests/trust/DriverRuns.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iostream>
+#include <utility>
+
+namespace trust {
+
+namespace {
+
+class PulledPlug : public testing::TestWithParam<Scenario> {
+protected:
+    PulledPlug()
+    {
+        folder_.prepare(GetParam());
+        before_ = folder_.files();
+        whole_ = folder_.run(GetParam().operation);
+        after_ = folder_.files();
+    }
+
+    const std::string& operation() const { return GetParam().operation.front(); }
+
+    /// What a name holds: "old", "new", "-" or, what must not be, "torn".
+    std::string stateOf(const Files& files, const std::string& name) const
+    {
+        const auto found = files.find(name);
+        if (found == files.end())
+            return "-";
+        const auto isIn = [&](const Files& other) {
+            const auto same = other.find(name);
+            return same != other.end() && same->second == found->second;
+        };
+        return isIn(before_) ? "old" : isIn(after_) ? "new" : "torn";
+    }
+
+    /// A row of the table in docs/quality.md, from the second column on.
+    std::string row(const Files& files) const
+    {
+        std::string text;
+        for (const char* name : {kFile, kPrevious, kOriginal, kChart, kDownloaded})
+            text += " " + stateOf(files, name) + " |";
+        const bool hasPartial =
+            std::any_of(files.begin(), files.end(), [](const auto& file) { return isPartial(file.first); });
+        return text + (hasPartial ? " yes |" : " - |");
+    }
+
+    void expectNothingTorn(const Files& files) const
+    {
+        for (const auto& [name, content] : files) {
+            EXPECT_TRUE(isPartial(name) || stateOf(files, name) != "torn") << name;
+        }
+        if (before_.contains(kOriginal)) {
+            EXPECT_EQ(stateOf(files, kOriginal), "old");
+        }
+    }
+
+    /// The like once more, with a file to do it to, must leave nothing of the killed process.
+    void expectALaterRunClears(Files files)
+    {
+        if (!files.contains(kFile))
+            files[kFile] = before_.at(kFile);
+        folder_.put(files);
+        EXPECT_TRUE(folder_.run(GetParam().later).goesOn());
+        const Files cleared = folder_.files();
+        for (const auto& [name, content] : cleared)
+            EXPECT_FALSE(isPartial(name)) << name;
+        EXPECT_EQ(cleared.at(kFile), after_.at(kFile));
+    }
+
+    Folder folder_;
+    Files before_;
+    Files after_;
+    DriverRun whole_;
+};
+
+TEST_P(PulledPlug, LeavesEveryFileOldOrNewOrAbsent)
+{
+    ASSERT_TRUE(whole_.goesOn());
+    ASSERT_GT(whole_.trace.size(), 3U);
+    std::string last;
+    for (long at = 1;; ++at) {
+        folder_.put(before_);
+        const DriverRun run = folder_.run(GetParam().operation, {at});
+        const Files files = folder_.files();
+        if (!run.isKilled) {
+            EXPECT_TRUE(run.goesOn());
+            EXPECT_EQ(files, after_);
+            break;
+        }
+        SCOPED_TRACE("killed at " + run.trace.back());
+        expectNothingTorn(files);
+        // Marking deletes before it writes and has no backup yet; everything else has the content somewhere.
+        const bool isLost = !isKept(files, before_.at(kFile)) && !isKept(files, after_.at(kFile));
+        EXPECT_TRUE(!isLost || operation() == "mark");
+        if (std::exchange(last, row(files)) != row(files))
+            std::cout << "| " << GetParam().name << " | " << run.trace.back() << " |" << row(files)
+                      << (isLost ? " lost |" : " kept |") << '\n';
+        expectALaterRunClears(files);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, PulledPlug, testing::ValuesIn(scenarios()),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+} // namespace
+
+} // namespace trust

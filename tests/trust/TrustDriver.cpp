@@ -1,0 +1,168 @@
+// Does one thing to a plug-in's files with the program's own controller, watched by FileFaults when that is preloaded:
+//
+//   trust_driver ROOT PLUGIN mark | save ROW | recall-original | recall-prev | chart | download | download-twice
+//
+// Then goes on as a user would and writes down what was told. A process that reaches its end writes "goes on" last.
+
+#include "tests/support/ScriptedPeer.h"
+#include "tests/support/TestBaseUrl.h"
+#include "tests/trust/Headless.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+
+#include <cstdlib>
+#include <iostream>
+
+#include <dlfcn.h>
+
+namespace {
+
+/// What another user shared: of several pieces, so that its writing can end in the middle.
+std::string sharedMapping()
+{
+    std::string text = "<plist><dict><key>ControlSurfaceParameterOrder</key><array>";
+    for (int number = 1; number <= 2000; ++number)
+        text += "<string>" + std::to_string(number) + " Shared Parameter " + std::to_string(number) + "</string>";
+    return text + "</array><key>KorvelCSMode</key><array><string>1</string></array></dict></plist>";
+}
+
+long watchFiles(int on)
+{
+    const auto function = reinterpret_cast<long (*)(int)>(::dlsym(RTLD_DEFAULT, "kvWatchFiles"));
+    return function ? function(on) : 0;
+}
+
+class Driver {
+public:
+    Driver(const char* root, std::string plugin) : plugin_(std::move(plugin)), program_(root)
+    {
+        program_.controller.btnRunCheck();
+    }
+
+    bool mark()
+    {
+        watchFiles(1);
+        return program_.select(plugin_);
+    }
+    bool save(std::int32_t row)
+    {
+        return edit([&] {
+            program_.controller.arrayControllerPlistSelected()->setSelectionIndex(row);
+            program_.controller.clickControl(0);
+            watchFiles(1);
+            program_.controller.kvExportToPlist();
+        });
+    }
+    bool recall(const std::string& suffix)
+    {
+        return edit([&] {
+            watchFiles(1);
+            program_.controller.recallOriginalMapping(suffix);
+        });
+    }
+    bool chart()
+    {
+        return edit([&] {
+            watchFiles(1);
+            program_.controller.kvCreateChart();
+        });
+    }
+    bool download(int times)
+    {
+        return edit([&] {
+            listShared();
+            // The registrations block; the downloads begin with the event loop.
+            for (int i = 0; i < times; ++i)
+                peer_.play(support::reply("\nregistered\n"));
+            for (int i = 0; i < times; ++i)
+                peer_.play(support::reply(sharedMapping()));
+            watchFiles(1);
+            for (int i = 0; i < times; ++i)
+                program_.controller.kvCommunityLoadSelectedDownload();
+            waitForDownloads(times);
+        });
+    }
+
+    /// Whatever happened, the program must still do these.
+    void goOn()
+    {
+        watchFiles(0);
+        program_.controller.addControlsPage();
+        program_.controller.nextPageButtonPressed();
+        program_.controller.btnRunCheck();
+        for (const auto& [text, informative] : program_.alerts.shown)
+            std::cout << "told " << text << '\n';
+        for (const Path& file : program_.files.opened)
+            std::cout << "opened " << file.filename().native() << '\n';
+        for (const std::string& line : program_.log.lines) {
+            if (line.starts_with("Download failed! Error - "))
+                std::cout << "logged Download failed!\n";
+        }
+        std::cout << program_.controller.lab_PageCurrentlyDisplayed()->stringValue.get() << "\ngoes on" << std::endl;
+    }
+
+private:
+    using Path = std::filesystem::path;
+
+    template <typename Action>
+    bool edit(Action action)
+    {
+        if (!program_.select(plugin_))
+            return false;
+        action();
+        return true;
+    }
+    void listShared()
+    {
+        support::setBaseUrl(peer_.url());
+        peer_.play(support::reply(R"([{"patchID": 7, "fileLocation": "shared/7.plist", "userComments": "mine"}])"));
+        program_.controller.kvCommunityLibraryDownload();
+    }
+    void waitForDownloads(int times)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        const auto ended = [this] {
+            std::size_t count = program_.alerts.shown.size();
+            for (const std::string& line : program_.log.lines)
+                count += line.starts_with("Download failed!") ? 1 : 0;
+            return count;
+        };
+        while (ended() < static_cast<std::size_t>(times) && timer.elapsed() < 20000)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+    }
+
+    std::string plugin_;
+    support::ScriptedPeer peer_;
+    trust::Headless program_;
+};
+
+bool run(Driver& driver, const std::string& operation, const char* row)
+{
+    if (operation == "mark")
+        return driver.mark();
+    if (operation == "save")
+        return driver.save(row ? std::atoi(row) : 1);
+    if (operation == "recall-original")
+        return driver.recall("original");
+    if (operation == "recall-prev")
+        return driver.recall("prev");
+    if (operation == "chart")
+        return driver.chart();
+    return driver.download(operation == "download-twice" ? 2 : 1);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    if (argc < 4)
+        return 2;
+    Driver driver(argv[1], argv[2]);
+    if (!run(driver, argv[3], argc > 4 ? argv[4] : nullptr))
+        return 3; // no such plug-in
+    driver.goOn();
+    return 0;
+}
