@@ -9,6 +9,7 @@
 #include <QScrollBar>
 #include <QStyledItemDelegate>
 
+#include <algorithm>
 #include <utility>
 
 namespace interface {
@@ -185,6 +186,21 @@ QItemSelectionModel::SelectionFlags PageOverview::selectionCommand(const QModelI
 {
     // Whatever key is held, one page is shown.
     return index.isValid() ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate;
+}
+
+QModelIndex PageOverview::moveCursor(CursorAction action, Qt::KeyboardModifiers)
+{
+    // By where the tiles lie; the list view itself goes the wrong way where they run from the right.
+    const int towardsLeft = isRightToLeft() ? 1 : -1;
+    const int last = model_->rowCount() - 1;
+    const auto clamped = [this, last](int row) { return model_->index(std::clamp(row, 0, std::max(last, 0))); };
+    switch (action) {
+    case MoveLeft: return clamped(currentIndex().row() + towardsLeft);
+    case MoveRight: return clamped(currentIndex().row() - towardsLeft);
+    case MoveHome: return clamped(0);
+    case MoveEnd: return clamped(last);
+    default: return currentIndex();
+    }
 }
 
 void PageOverview::keyPressEvent(QKeyEvent* event)

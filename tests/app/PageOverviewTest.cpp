@@ -1,0 +1,267 @@
+#include "app/interface/PageOverview.h"
+
+#include "tests/support/Pictures.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFontInfo>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+#include <set>
+
+using support::comparePictures;
+using support::looksLike;
+using support::pictureOf;
+
+namespace interface {
+
+class PageOverviewTest : public testing::Test {
+protected:
+    static constexpr int kManyPages = 1250;
+
+    PageOverviewTest() { open(support::lightPalette()); }
+
+    void open(const QPalette& palette)
+    {
+        overview_.reset();
+        look_.reset();
+        look_.emplace(palette);
+        overview_ = std::make_unique<PageOverview>();
+        overview_->setSource([this](int page, int pot) {
+            asked_.insert(page);
+            return nameAt(page, pot);
+        });
+        overview_->resize(700, overview_->sizeHint().height());
+        overview_->show();
+        overview_->activateWindow();
+        settle();
+    }
+
+    /// Two pots of three have a parameter, differently on each page.
+    QString nameAt(int page, int pot) const
+    {
+        return (page + pot) % 3 == 0 || page == emptied_ ? QStringLiteral("-")
+                                                         : QStringLiteral("Knob %1.%2").arg(page).arg(pot);
+    }
+    static void settle() { QApplication::processEvents(); }
+    void refresh(int pages, int shown)
+    {
+        overview_->refresh(pages, shown);
+        settle();
+    }
+    QModelIndex page(int number) const { return overview_->model()->index(number - 1, 0); }
+    QRect tile(int number) const { return overview_->visualRect(page(number)); }
+    /// All of it but the gap round it.
+    bool isInSight(int number) const
+    {
+        return overview_->viewport()->rect().contains(tile(number).adjusted(3, 3, -3, -3));
+    }
+    void click(int number) { QTest::mouseClick(overview_->viewport(), Qt::LeftButton, {}, tile(number).center()); }
+    std::string spoken(int number) const { return page(number).data(Qt::AccessibleTextRole).toString().toStdString(); }
+    QImage pictureOfTile(int number) const { return pictureOf(*overview_->viewport()).copy(tile(number)); }
+
+    std::optional<support::FixedLook> look_;
+    std::unique_ptr<PageOverview> overview_;
+    std::set<int> asked_;
+    int emptied_ = 0;
+};
+
+TEST_F(PageOverviewTest, LooksAsItShouldInBothSchemes)
+{
+    if (QFontInfo(QApplication::font()).family() != QLatin1String("DejaVu Sans"))
+        GTEST_SKIP() << "the pictures are of DejaVu Sans";
+    refresh(40, 4);
+    EXPECT_TRUE(looksLike(pictureOf(*overview_), "overview-light"));
+    open(support::darkPalette());
+    refresh(40, 4);
+    EXPECT_TRUE(looksLike(pictureOf(*overview_), "overview-dark"));
+}
+
+TEST_F(PageOverviewTest, HasATileForEveryPage)
+{
+    for (const int pages : {1, 5, 40, 3, kManyPages, 2}) {
+        refresh(pages, 1);
+        EXPECT_EQ(overview_->model()->rowCount(), pages);
+    }
+    EXPECT_EQ(page(2).data().toString(), QStringLiteral("2"));
+}
+
+TEST_F(PageOverviewTest, WithoutPagesItSaysWhatToDo)
+{
+    refresh(0, 0);
+    EXPECT_FALSE(overview_->accessibleDescription().isEmpty());
+    const QImage hint = pictureOf(*overview_);
+    refresh(1, 1);
+    EXPECT_TRUE(overview_->accessibleDescription().isEmpty());
+    refresh(0, 0);
+    EXPECT_EQ(pictureOf(*overview_), hint);
+    QImage blank(hint.size(), hint.format());
+    blank.fill(overview_->palette().color(QPalette::Window));
+    EXPECT_NE(hint, blank);
+}
+
+TEST_F(PageOverviewTest, AClickChoosesAPage)
+{
+    refresh(5, 1);
+    QSignalSpy chosen(overview_.get(), &PageOverview::pageChosen);
+    click(3);
+    ASSERT_EQ(chosen.size(), 1);
+    EXPECT_EQ(chosen.takeFirst().at(0).toInt(), 3);
+    QTest::mouseClick(overview_->viewport(), Qt::LeftButton, Qt::ControlModifier, tile(2).center());
+    ASSERT_EQ(chosen.size(), 1);
+    EXPECT_EQ(chosen.takeFirst().at(0).toInt(), 2);
+    QTest::mouseClick(overview_->viewport(), Qt::LeftButton, Qt::ControlModifier, tile(2).center());
+    EXPECT_TRUE(chosen.isEmpty());
+    EXPECT_TRUE(overview_->selectionModel()->isSelected(page(2)));
+}
+
+TEST_F(PageOverviewTest, ArrowsHomeAndEndChooseAPage)
+{
+    refresh(5, 2);
+    overview_->setFocus();
+    QSignalSpy chosen(overview_.get(), &PageOverview::pageChosen);
+    const std::pair<Qt::Key, int> keys[] = {{Qt::Key_Right, 3}, {Qt::Key_Left, 2}, {Qt::Key_End, 5}, {Qt::Key_Home, 1}};
+    for (const auto& [key, expected] : keys) {
+        QTest::keyClick(overview_.get(), key);
+        ASSERT_EQ(chosen.size(), 1);
+        EXPECT_EQ(chosen.takeFirst().at(0).toInt(), expected);
+    }
+    QTest::keyClick(overview_.get(), Qt::Key_Left);
+    EXPECT_TRUE(chosen.isEmpty());
+}
+
+TEST_F(PageOverviewTest, LeavesOtherKeysToTheWindow)
+{
+    refresh(5, 2);
+    QSignalSpy chosen(overview_.get(), &PageOverview::pageChosen);
+    for (const auto key : {Qt::Key_1, Qt::Key_A, Qt::Key_PageDown, Qt::Key_PageUp, Qt::Key_Space, Qt::Key_Return}) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, QString(QChar(key)));
+        QApplication::sendEvent(overview_.get(), &press);
+        EXPECT_FALSE(press.isAccepted()) << key;
+    }
+    EXPECT_TRUE(chosen.isEmpty());
+}
+
+TEST_F(PageOverviewTest, RefreshingChoosesNothing)
+{
+    QSignalSpy chosen(overview_.get(), &PageOverview::pageChosen);
+    for (const auto& [pages, shown] : {std::pair{5, 1}, {5, 4}, {2, 2}, {1, 1}, {0, 0}, {9, 9}})
+        refresh(pages, shown);
+    overview_->setSource([](int, int) { return QStringLiteral("-"); });
+    EXPECT_TRUE(chosen.isEmpty());
+}
+
+TEST_F(PageOverviewTest, CellsFollowTheNames)
+{
+    refresh(5, 1);
+    const QImage before = pictureOfTile(3);
+    emptied_ = 3;
+    refresh(5, 1);
+    EXPECT_GT(comparePictures(pictureOfTile(3), before).share, 0.01);
+}
+
+TEST_F(PageOverviewTest, TheShownPageIsMarkedByMoreThanColour)
+{
+    const auto grey = [this] { return pictureOfTile(1).convertToFormat(QImage::Format_Grayscale8); };
+    for (const auto& palette : {support::lightPalette(), support::darkPalette()}) {
+        open(palette);
+        refresh(5, 1);
+        const QImage shown = grey();
+        refresh(5, 2);
+        EXPECT_GT(comparePictures(grey(), shown).share, 0.02);
+    }
+}
+
+TEST_F(PageOverviewTest, TheFocusIsVisible)
+{
+    refresh(5, 1);
+    QWidget elsewhere;
+    overview_->clearFocus();
+    const QImage before = pictureOfTile(1);
+    overview_->setFocus();
+    settle();
+    EXPECT_GT(comparePictures(pictureOfTile(1), before).share, 0.02);
+}
+
+TEST_F(PageOverviewTest, SaysWhatATileHolds)
+{
+    refresh(40, 4);
+    EXPECT_EQ(spoken(3), "Page 3 of 40, 6 of 8 pots mapped");
+    EXPECT_EQ(spoken(4), "Page 4 of 40, 5 of 8 pots mapped, shown");
+    EXPECT_EQ(page(3).data(Qt::ToolTipRole).toString().toStdString(),
+              "1  Knob 3.1\n2  Knob 3.2\n3  -\n4  Knob 3.4\n5  Knob 3.5\n6  -\n7  Knob 3.7\n8  Knob 3.8");
+    QAccessibleInterface* list = QAccessible::queryAccessibleInterface(overview_.get());
+    ASSERT_TRUE(list);
+    EXPECT_EQ(list->text(QAccessible::Name), QStringLiteral("Pages"));
+    ASSERT_EQ(list->childCount(), 40);
+    EXPECT_EQ(list->child(2)->text(QAccessible::Name).toStdString(), spoken(3));
+    EXPECT_TRUE(list->child(3)->state().selected);
+}
+
+TEST_F(PageOverviewTest, AToolTipStaysReadableWithEndlessNames)
+{
+    overview_->setSource([](int, int) { return QString(100000, QLatin1Char('W')); });
+    refresh(1, 1);
+    EXPECT_LT(page(1).data(Qt::ToolTipRole).toString().size(), 1000);
+}
+
+TEST_F(PageOverviewTest, BringsTheShownPageIntoSightWithItsNeighbours)
+{
+    for (const int shown : {1, 600, 601, kManyPages, 2, kManyPages - 1}) {
+        refresh(kManyPages, shown);
+        EXPECT_TRUE(isInSight(shown)) << shown;
+        EXPECT_TRUE(shown == 1 || isInSight(shown - 1)) << shown;
+        EXPECT_TRUE(shown == kManyPages || isInSight(shown + 1)) << shown;
+    }
+    refresh(kManyPages, 600);
+    overview_->resize(400, overview_->height());
+    settle();
+    EXPECT_TRUE(isInSight(600));
+}
+
+TEST_F(PageOverviewTest, AsksForNothingOutOfSight)
+{
+    asked_.clear();
+    refresh(kManyPages, 600);
+    overview_->viewport()->repaint();
+    EXPECT_FALSE(asked_.empty());
+    EXPECT_LE(asked_.size(), 12U);
+    for (const int number : asked_)
+        EXPECT_LT(std::abs(number - 600), 12);
+}
+
+TEST_F(PageOverviewTest, ManyPagesAreRefreshedAndDrawnAtOnce)
+{
+    refresh(kManyPages, 600);
+    constexpr int kTimes = 200;
+    QElapsedTimer timer;
+    timer.start();
+    for (int i = 0; i < kTimes; ++i)
+        overview_->refresh(kManyPages, i % 2 == 0 ? 600 : kManyPages);
+    EXPECT_LT(static_cast<double>(timer.nsecsElapsed()) / 1e6 / kTimes, 1) << "ms a refresh";
+    timer.start();
+    for (int i = 0; i < 20; ++i)
+        overview_->viewport()->repaint();
+    EXPECT_LT(static_cast<double>(timer.nsecsElapsed()) / 1e6 / 20, 16) << "ms a repaint";
+    timer.start();
+    for (int i = 0; i < 20; ++i)
+        refresh(kManyPages + i % 2, 600);
+    EXPECT_LT(static_cast<double>(timer.nsecsElapsed()) / 1e6 / 20, 16) << "ms with a page more or less";
+}
+
+TEST_F(PageOverviewTest, RunsFromTheRightWhereThatIsTheWayToRead)
+{
+    overview_->setLayoutDirection(Qt::RightToLeft);
+    refresh(5, 2);
+    EXPECT_GT(tile(1).x(), tile(2).x());
+    EXPECT_TRUE(isInSight(1));
+    overview_->setFocus();
+    QSignalSpy chosen(overview_.get(), &PageOverview::pageChosen);
+    QTest::keyClick(overview_.get(), Qt::Key_Left);
+    EXPECT_EQ(chosen.value(0).value(0).toInt(), 3);
+}
+
+} // namespace interface
