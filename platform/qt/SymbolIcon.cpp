@@ -11,8 +11,8 @@
 #include <memory>
 #include <utility>
 
-/// A static library's resources are left out of the program unless something refers to them. Stands outside of our
-/// namespace because the name that it declares does.
+/// A static library's resources are left out of the program unless something refers to them. In no namespace, since
+/// what it refers to is in none.
 static void linkResources()
 {
     Q_INIT_RESOURCE(icons);
@@ -22,8 +22,8 @@ namespace platform::qt {
 
 namespace {
 
-const QString kFolder = QStringLiteral(":/symbols/");
-const QString kSuffix = QStringLiteral(".svg");
+constexpr QLatin1String kFolder(":/symbols/");
+constexpr QLatin1String kSuffix(".svg");
 
 QColor colourFor(QIcon::Mode mode)
 {
@@ -42,8 +42,7 @@ class SymbolEngine final : public QIconEngine {
 public:
     SymbolEngine(QString name, std::shared_ptr<QSvgRenderer> drawing)
         : name_(std::move(name)), drawing_(std::move(drawing))
-    {
-    }
+    {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override
     {
@@ -68,9 +67,18 @@ public:
         return result;
     }
 
-    QString iconName() override { return name_; }
-    QString key() const override { return QStringLiteral("kvSymbol"); }
-    QIconEngine* clone() const override { return new SymbolEngine(name_, drawing_); }
+    QString iconName() override
+    {
+        return name_;
+    }
+    QString key() const override
+    {
+        return QStringLiteral("kvSymbol");
+    }
+    QIconEngine* clone() const override
+    {
+        return new SymbolEngine(name_, drawing_);
+    }
 
 private:
     /// Coloured after it is drawn, so that strokes that cross do not show through each other where the palette's
@@ -97,7 +105,7 @@ private:
 QStringList symbolNames()
 {
     linkResources();
-    QStringList names = QDir(kFolder).entryList({QStringLiteral("*") + kSuffix}, QDir::Files, QDir::Name);
+    QStringList names = QDir(kFolder).entryList({u'*' + kSuffix}, QDir::Files, QDir::Name);
     for (QString& name : names)
         name.chop(kSuffix.size());
     return names;
