@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <bit>
-#include <deque>
-#include <unordered_map>
+#include <functional>
+#include <utility>
 
 namespace platform::plist {
 
@@ -295,24 +295,25 @@ void appendNumber(std::string& out, std::uint64_t number, std::size_t size)
 }
 
 // An object of a marker and a number of 1, 2, 4 or 8 bytes, or the start of a larger one.
-std::string objectOf(Kind kind, std::size_t low, std::uint64_t number = 0, std::size_t size = 0)
+void appendObject(std::string& out, Kind kind, std::size_t low, std::uint64_t number = 0, std::size_t size = 0)
 {
-    std::string object(1, static_cast<char>(kind << 4 | low));
-    appendNumber(object, number, size);
-    return object;
+    out += static_cast<char>(kind << 4 | low);
+    appendNumber(out, number, size);
 }
 
-std::string integerOf(std::uint64_t number)
+void appendInteger(std::string& out, std::uint64_t number)
 {
     const std::size_t size = sizeFor(number);
-    return objectOf(kInteger, static_cast<std::size_t>(std::countr_zero(size)), number, size);
+    appendObject(out, kInteger, static_cast<std::size_t>(std::countr_zero(size)), number, size);
 }
 
-std::string countedOf(Kind kind, std::size_t count, std::string_view content = {})
+void appendCounted(std::string& out, Kind kind, std::size_t count, std::string_view content = {})
 {
-    std::string object =
-        count < kCountFollows ? objectOf(kind, count) : objectOf(kind, kCountFollows) + integerOf(count);
-    return object.append(content);
+    appendObject(out, kind, std::min<std::size_t>(count, kCountFollows));
+    if (count >= kCountFollows) {
+        appendInteger(out, count);
+    }
+    out += content;
 }
 
 std::string utf16FromUtf8(std::string_view text)
@@ -337,12 +338,14 @@ public:
         add(root);
         const std::size_t referenceSize = sizeFor(objects_.size() - 1);
         std::string out(kMagic);
+        out.reserve(bytes_.size() + references_.size() * referenceSize + objects_.size() * sizeof(Number));
         std::vector<std::size_t> offsets;
+        offsets.reserve(objects_.size());
         for (const Object& object : objects_) {
             offsets.push_back(out.size());
-            out += object.bytes;
-            for (const Number reference : object.references) {
-                appendNumber(out, reference, referenceSize);
+            out += bytesOf(object);
+            for (std::size_t i = 0; i < object.referenceCount; ++i) {
+                appendNumber(out, references_[object.firstReference + i], referenceSize);
             }
         }
         const std::size_t table = out.size();
@@ -361,9 +364,12 @@ public:
 private:
     using Number = std::uint32_t;
 
+    // A piece of bytes_, followed by a piece of references_.
     struct Object {
-        std::string bytes;
-        std::vector<Number> references; // follow the bytes
+        std::size_t firstByte;
+        std::size_t size;
+        std::size_t firstReference = 0;
+        std::size_t referenceCount = 0;
     };
 
     Number add(const Value& value)
@@ -373,10 +379,12 @@ private:
 
     Number addHeld(const Array& array)
     {
-        const Number number = addObject(countedOf(kArray, array.size()));
-        for (const Value& value : array) {
-            const Number item = add(value);
-            objects_[number].references.push_back(item);
+        const std::size_t count = array.size();
+        const Number number = addContainer(kArray, count, count);
+        const std::size_t first = objects_[number].firstReference;
+        for (std::size_t i = 0; i < count; ++i) {
+            const Number item = add(array[i]);
+            references_[first + i] = item;
         }
         return number;
     }
@@ -384,69 +392,119 @@ private:
     Number addHeld(const Dictionary& dictionary)
     {
         const std::size_t count = dictionary.entries.size();
-        const Number number = addObject(countedOf(kDictionary, count));
-        std::vector<Number> references(2 * count); // all keys, then all values
+        const Number number = addContainer(kDictionary, count, 2 * count);
+        const std::size_t first = objects_[number].firstReference; // of all keys, then of all values
         for (std::size_t i = 0; i < count; ++i) {
-            references[i] = addHeld(dictionary.entries[i].first);
-            references[count + i] = add(dictionary.entries[i].second);
+            const Number key = addHeld(dictionary.entries[i].first);
+            const Number value = add(dictionary.entries[i].second);
+            references_[first + i] = key;
+            references_[first + count + i] = value;
         }
-        objects_[number].references = std::move(references);
         return number;
     }
 
     // Leaves are equal where their bytes are: 1, 1.0 and true differ, and so do 0.0 and -0.0.
     Number addHeld(const auto& leaf)
     {
-        const Number number = addObject(encoded(leaf));
-        const auto [known, isNew] = leaves_.try_emplace(objects_.back().bytes, number);
-        if (!isNew) {
-            objects_.pop_back();
+        const std::size_t start = bytes_.size();
+        encode(leaf);
+        Number& known = leafSlot(std::string_view(bytes_).substr(start));
+        if (known == kNone) {
+            known = addObject(start);
+        } else {
+            bytes_.resize(start);
         }
-        return known->second;
+        return known;
     }
 
-    Number addObject(std::string bytes)
+    Number addContainer(Kind kind, std::size_t count, std::size_t referenceCount)
     {
-        objects_.push_back({std::move(bytes), {}});
+        const std::size_t start = bytes_.size();
+        appendCounted(bytes_, kind, count);
+        const Number number = addObject(start);
+        objects_[number].firstReference = references_.size();
+        objects_[number].referenceCount = referenceCount;
+        references_.resize(references_.size() + referenceCount);
+        return number;
+    }
+
+    Number addObject(std::size_t firstByte)
+    {
+        objects_.push_back({firstByte, bytes_.size() - firstByte});
         return static_cast<Number>(objects_.size() - 1);
     }
 
-    static std::string encoded(Null) { return objectOf(kSimple, kNull); }
-    static std::string encoded(bool truth) { return objectOf(kSimple, truth ? kTrue : kFalse); }
-    static std::string encoded(Real number)
+    std::string_view bytesOf(const Object& object) const
     {
-        return number.single ? objectOf(kReal, 2, number.bits, 4) : objectOf(kReal, 3, number.bits, 8);
-    }
-    static std::string encoded(DateSeconds date) { return objectOf(kDate, 3, date.seconds.bits, 8); }
-    static std::string encoded(const DateText& date)
-    {
-        return encoded(DateSeconds{Real(secondsOfDate(date.text).value_or(0))});
-    }
-    static std::string encoded(Uid uid)
-    {
-        return objectOf(kUid, sizeFor(uid.number) - 1, uid.number, sizeFor(uid.number));
-    }
-    static std::string encoded(const Data& data) { return countedOf(kData, data.bytes.size(), data.bytes); }
-    static std::string encoded(Integer number)
-    {
-        if (number.negative) {
-            return objectOf(kInteger, 3, number.bits, 8);
-        }
-        std::string object = objectOf(kInteger, 4, 0, 8); // eight bytes are signed: what is too large takes sixteen
-        appendNumber(object, number.bits, 8);
-        return number.bits >> 63 == 0 ? integerOf(number.bits) : object;
-    }
-    static std::string encoded(const std::string& text)
-    {
-        if (isAscii(text)) {
-            return countedOf(kAscii, text.size(), text);
-        }
-        const std::string units = utf16FromUtf8(text);
-        return countedOf(kUtf16, units.size() / 2, units);
+        return std::string_view(bytes_).substr(object.firstByte, object.size);
     }
 
-    std::deque<Object> objects_; // stay where they are: the keys below are their bytes
-    std::unordered_map<std::string_view, Number> leaves_;
+    // Where the number of the leaf with these bytes stands or belongs. The table is at most half full: there may be
+    // one leaf more after this than there are objects now.
+    Number& leafSlot(std::string_view bytes)
+    {
+        if (2 * (objects_.size() + 1) > leaves_.size()) {
+            growLeaves();
+        }
+        const std::size_t mask = leaves_.size() - 1;
+        std::size_t slot = std::hash<std::string_view>()(bytes) & mask;
+        while (leaves_[slot] != kNone && bytesOf(objects_[leaves_[slot]]) != bytes) {
+            slot = (slot + 1) & mask;
+        }
+        return leaves_[slot];
+    }
+
+    void growLeaves()
+    {
+        const std::vector<Number> former = std::exchange(leaves_, {});
+        leaves_.assign(std::max<std::size_t>(64, 4 * former.size()), kNone);
+        const std::size_t mask = leaves_.size() - 1;
+        for (const Number number : former) {
+            if (number == kNone) {
+                continue;
+            }
+            std::size_t slot = std::hash<std::string_view>()(bytesOf(objects_[number])) & mask;
+            while (leaves_[slot] != kNone) {
+                slot = (slot + 1) & mask;
+            }
+            leaves_[slot] = number;
+        }
+    }
+
+    void encode(Null) { appendObject(bytes_, kSimple, kNull); }
+    void encode(bool truth) { appendObject(bytes_, kSimple, truth ? kTrue : kFalse); }
+    void encode(Real number) { appendObject(bytes_, kReal, number.single ? 2 : 3, number.bits, number.single ? 4 : 8); }
+    void encode(DateSeconds date) { appendObject(bytes_, kDate, 3, date.seconds.bits, 8); }
+    void encode(const DateText& date) { encode(DateSeconds{Real(secondsOfDate(date.text).value_or(0))}); }
+    void encode(Uid uid) { appendObject(bytes_, kUid, sizeFor(uid.number) - 1, uid.number, sizeFor(uid.number)); }
+    void encode(const Data& data) { appendCounted(bytes_, kData, data.bytes.size(), data.bytes); }
+    void encode(Integer number)
+    {
+        if (number.negative) {
+            appendObject(bytes_, kInteger, 3, number.bits, 8);
+        } else if (number.bits >> 63 == 0) {
+            appendInteger(bytes_, number.bits);
+        } else { // eight bytes are signed: what is too large takes sixteen
+            appendObject(bytes_, kInteger, 4, 0, 8);
+            appendNumber(bytes_, number.bits, 8);
+        }
+    }
+    void encode(const std::string& text)
+    {
+        if (isAscii(text)) {
+            appendCounted(bytes_, kAscii, text.size(), text);
+            return;
+        }
+        const std::string units = utf16FromUtf8(text);
+        appendCounted(bytes_, kUtf16, units.size() / 2, units);
+    }
+
+    static constexpr Number kNone = static_cast<Number>(-1);
+
+    std::string bytes_;
+    std::vector<Number> references_;
+    std::vector<Object> objects_;
+    std::vector<Number> leaves_; // hashed by the leaf's bytes; as many as a power of two
 };
 
 } // namespace
