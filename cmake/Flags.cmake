@@ -16,6 +16,10 @@ if(KV_SANITIZE)
                                               -fno-omit-frame-pointer)
     target_link_options(kv_flags INTERFACE -fsanitize=address,undefined)
 endif()
+if(KV_FUZZ)
+    # Where libFuzzer looks which way the program went.
+    target_compile_options(kv_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # What a target that uses Qt adds: the widgets and no short keywords in our headers.
 add_library(kv_qt_flags INTERFACE)

@@ -169,6 +169,12 @@ std::optional<std::string> dateOfSeconds(Real number)
 
 Dictionary::Dictionary(std::initializer_list<Entry> list) : entries(list) {}
 
+// Here and not in the header, where a Value is not known yet; some compilers need it.
+std::size_t Dictionary::size() const
+{
+    return entries.size();
+}
+
 const Value* Dictionary::find(std::string_view key) const
 {
     const auto found = std::find_if(entries.rbegin(), entries.rend(), [&](const Entry& e) { return e.first == key; });
@@ -206,7 +212,10 @@ std::string Value::describe() const
     return text ? *text : "<value>";
 }
 
-bool Value::operator==(const Value& other) const = default;
+bool Value::operator==(const Value& other) const
+{
+    return held == other.held;
+}
 
 // Characters
 

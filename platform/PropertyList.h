@@ -76,7 +76,7 @@ struct Dictionary {
 
     Dictionary() = default;
     Dictionary(std::initializer_list<Entry> list);
-    std::size_t size() const { return entries.size(); }
+    std::size_t size() const;
     // The last one where a file repeats a key; null if there is none.
     const Value* find(std::string_view key) const;
     // In the place of the key's first entry, or at the end; leaves exactly one entry of that key.

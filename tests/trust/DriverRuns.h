@@ -5,6 +5,7 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,11 @@ struct Scenario {
     /// Operations that were done before, each by a run of its own.
     std::vector<std::vector<std::string>> history;
 };
+
+inline void PrintTo(const Scenario& scenario, std::ostream* stream)
+{
+    *stream << scenario.name;
+}
 
 /// The operations that the tests go through.
 const std::vector<Scenario>& scenarios();
