@@ -1,8 +1,10 @@
 #include "platform/qt/Application.h"
 
 #include "platform/Effects.h"
+#include "platform/qt/ReadableColours.h"
 
 #include <QAbstractEventDispatcher>
+#include <QEvent>
 
 namespace platform::qt {
 
@@ -13,12 +15,25 @@ Application::Application(int& argc, char** argv) : QApplication(argc, argv)
     setApplicationVersion(QStringLiteral(KV_VERSION));
     setDesktopFileName(QStringLiteral(KV_BUNDLE_IDENTIFIER));
     installEventFilter(&plainToolTips_);
+    setPalette(withReadableTexts(palette()));
 }
 
 void Application::flushWhenIdle(Log& log)
 {
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
             [&log] { log.flush(); });
+}
+
+bool Application::event(QEvent* event)
+{
+    const bool handled = QApplication::event(event);
+    // The desktop has other colours now. Those that were made readable once are not made so again.
+    if (event->type() == QEvent::ApplicationPaletteChange) {
+        const QPalette readable = withReadableTexts(palette());
+        if (readable != palette())
+            setPalette(readable);
+    }
+    return handled;
 }
 
 } // namespace platform::qt

@@ -1,6 +1,6 @@
 #pragma once
-// The Qt application as this program runs it: its names, plain tool tips, and a log that holds nothing back while the
-// program waits.
+// The Qt application as this program runs it: its names, plain tool tips, colours that can be read, and a log that
+// holds nothing back while the program waits.
 
 #include "platform/qt/PlainToolTips.h"
 
@@ -20,6 +20,9 @@ public:
 
     /// Flushes the log every time the event loop is about to wait. `log` must outlive the application's event loop.
     void flushWhenIdle(Log& log);
+
+protected:
+    bool event(QEvent* event) override;
 
 private:
     PlainToolTips plainToolTips_;
