@@ -60,7 +60,6 @@ constexpr int kBackupPauseMs = 250;
 
 EditingView::EditingView(ViewController& controller, const Interface& loaded)
     : controller_(controller),
-      loaded_(loaded),
       window_(loaded.mainWindow()),
       panel_(loaded.find<FrontPanel>("frontPanel")),
       overview_(loaded.find<PageOverview>("pageOverview")),
@@ -71,7 +70,12 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
       parameterModel_(static_cast<qt::RecordTableModel*>(parameters_->model())),
       mapped_(loaded.find<QLabel>("mappedReadOut")),
       unsaved_(loaded.find<QLabel>("unsavedReadOut")),
-      unmappedOnly_(loaded.find<QCheckBox>("unmappedOnly"))
+      unmappedOnly_(loaded.find<QCheckBox>("unmappedOnly")),
+      needMapping_(controlsOf(loaded, kNeedMapping)),
+      needPlugin_(controlsOf(loaded, kNeedPlugin)),
+      undo_{loaded.find<QAbstractButton>("undoButton"), loaded.find<QAction>("undo")},
+      redo_{loaded.find<QAbstractButton>("redoButton"), loaded.find<QAction>("redo")},
+      modeItems_{loaded.find<QAction>("modeInsertEffect"), loaded.find<QAction>("modeInstrument")}
 {
     overview_->setSource([](int page, int pot) {
         return qt::toQt(mapping::nameAt(mapping::plistBuild, panel::slotFor(page, pot - 1)));
@@ -99,6 +103,14 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
                              controller_.arrayController_downloadList()})
         connections_.push_back(rows->arrangedChanged.connect([this] { showHints(); }));
     refresh();
+}
+
+std::vector<EditingView::Control> EditingView::controlsOf(const Interface& loaded, std::span<const char* const> names)
+{
+    std::vector<Control> controls;
+    for (const char* name : names)
+        controls.push_back({loaded.find<QWidget>(name), loaded.find<QAction>(name)});
+    return controls;
 }
 
 bool EditingView::eventFilter(QObject* watched, QEvent* event)
@@ -152,16 +164,16 @@ void EditingView::enableWhatCanBeDone()
 {
     const bool hasMapping = !controller_.labPluginPlistLocation()->stringValue.get().empty();
     const bool hasPlugin = hasMapping && controller_.myArrayController()->selection() != nullptr;
-    const auto enable = [this](const char* name, bool enabled) {
-        if (auto* widget = loaded_.find<QWidget>(name))
-            widget->setEnabled(enabled);
-        if (auto* item = loaded_.find<QAction>(name))
-            item->setEnabled(enabled);
+    const auto enable = [](const std::vector<Control>& controls, bool enabled) {
+        for (const auto& [widget, item] : controls) {
+            if (widget)
+                widget->setEnabled(enabled);
+            if (item)
+                item->setEnabled(enabled);
+        }
     };
-    for (const char* name : kNeedMapping)
-        enable(name, hasMapping);
-    for (const char* name : kNeedPlugin)
-        enable(name, hasPlugin);
+    enable(needMapping_, hasMapping);
+    enable(needPlugin_, hasPlugin);
     for (const auto& pot : {controller_.kvRotaryBtn1(), controller_.kvRotaryBtn2(), controller_.kvRotaryBtn3(),
                             controller_.kvRotaryBtn4(), controller_.kvRotaryBtn5(), controller_.kvRotaryBtn6(),
                             controller_.kvRotaryBtn7(), controller_.kvRotaryBtn8()})
@@ -187,20 +199,18 @@ void EditingView::showTitle()
 
 void EditingView::showHistory()
 {
-    const auto show = [this](const char* item, const char* button, const QString& title, bool enabled) {
-        auto* action = loaded_.find<QAction>(item);
-        action->setText(title);
-        action->setEnabled(enabled);
-        auto* widget = loaded_.find<QAbstractButton>(button);
-        widget->setEnabled(enabled);
-        widget->setAccessibleName(title);
-        widget->setToolTip(Interface::withShortcut(title, *action));
+    const auto show = [](const Control& control, const QString& title, bool enabled) {
+        control.item->setText(title);
+        control.item->setEnabled(enabled);
+        control.widget->setEnabled(enabled);
+        control.widget->setAccessibleName(title);
+        control.widget->setToolTip(Interface::withShortcut(title, *control.item));
     };
     const platform::UndoManager& history = controller_.history();
     const QString undo = qt::toQt(history.undoName());
     const QString redo = qt::toQt(history.redoName());
-    show("undo", "undoButton", undo.isEmpty() ? tr("Undo") : tr("Undo %1").arg(undo), history.canUndo());
-    show("redo", "redoButton", redo.isEmpty() ? tr("Redo") : tr("Redo %1").arg(redo), history.canRedo());
+    show(undo_, undo.isEmpty() ? tr("Undo") : tr("Undo %1").arg(undo), history.canUndo());
+    show(redo_, redo.isEmpty() ? tr("Redo") : tr("Redo %1").arg(redo), history.canRedo());
 }
 
 void EditingView::showMapped()
@@ -212,8 +222,7 @@ void EditingView::showMapped()
             ? QString()
             : tr("%1 of %2 mapped").arg(locale.toString(pots.mappedCount()), locale.toString(pots.parameterCount())));
     parameterModel_->refreshColumn(kMappedColumn);
-    const bool isInstrument = mapping::plugin_Mode != mapping::kModeInsertEffect;
-    loaded_.find<QAction>(isInstrument ? "modeInstrument" : "modeInsertEffect")->setChecked(true);
+    modeItems_[mapping::plugin_Mode != mapping::kModeInsertEffect ? 1 : 0]->setChecked(true);
 }
 
 void EditingView::showHints()

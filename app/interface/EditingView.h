@@ -9,7 +9,7 @@
 #include <QString>
 #include <QTimer>
 
-#include <array>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -49,6 +49,13 @@ private:
         QString toolTip; ///< without the backup
     };
 
+    /// A button and the menu item that does the same; either may be missing.
+    struct Control {
+        QWidget* widget;
+        QAction* item;
+    };
+
+    static std::vector<Control> controlsOf(const Interface& loaded, std::span<const char* const> names);
     void showOnlyUnmapped(bool only);
     void refresh();
     void enableWhatCanBeDone();
@@ -59,7 +66,6 @@ private:
     void describeBackup(const RecallButton& recall);
 
     ViewController& controller_;
-    const Interface& loaded_;
     QWidget* window_;
     FrontPanel* panel_;
     PageOverview* overview_;
@@ -71,6 +77,11 @@ private:
     QLabel* mapped_;
     QLabel* unsaved_;
     QCheckBox* unmappedOnly_;
+    std::vector<Control> needMapping_;
+    std::vector<Control> needPlugin_;
+    Control undo_;
+    Control redo_;
+    QAction* modeItems_[2]; ///< by mode
     std::vector<RecallButton> recalls_;
     QTimer backupsChanged_;
     std::vector<platform::Connection> connections_;

@@ -78,9 +78,7 @@ QWidget* makeModeSwitch()
 QLayout* makeTitle()
 {
     auto* title = makeHeading(QStringLiteral("kvOrvantaLogic Tool"));
-    QFont large = title->font();
-    large.setPointSizeF(large.pointSizeF() * 1.25);
-    title->setFont(large);
+    title->setFont(scaled(title->font(), 1.25));
     auto* layout = new QVBoxLayout;
     layout->setSpacing(0);
     layout->addWidget(title);

@@ -67,6 +67,15 @@ QPlainTextEdit* makeTextBox(const char* name, const QString& accessibleName)
     return box;
 }
 
+QFont scaled(QFont font, double factor)
+{
+    if (font.pixelSize() > 0)
+        font.setPixelSize(qRound(font.pixelSize() * factor));
+    else
+        font.setPointSizeF(font.pointSizeF() * factor);
+    return font;
+}
+
 QLabel* makeHeading(const QString& text)
 {
     auto* heading = new QLabel(text);
@@ -79,9 +88,7 @@ QLabel* makeHeading(const QString& text)
 QLabel* makeCaption(const QString& text)
 {
     auto* caption = new QLabel(text);
-    QFont font = caption->font();
-    font.setPointSizeF(font.pointSizeF() * 0.9);
-    caption->setFont(font);
+    caption->setFont(scaled(caption->font(), 0.9));
     return caption;
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/Effects.h"
 #include "platform/qt/ReadableColours.h"
+#include "platform/qt/SymbolIcon.h"
 
 #include <QAbstractEventDispatcher>
 #include <QEvent>
@@ -13,6 +14,7 @@ Application::Application(int& argc, char** argv) : QApplication(argc, argv)
     setApplicationName(QStringLiteral("kvOrvantaLogic_Tool"));
     setApplicationDisplayName(QStringLiteral("kvOrvantaLogic Tool"));
     setApplicationVersion(QStringLiteral(KV_VERSION));
+    setWindowIcon(applicationIcon());
     setDesktopFileName(QStringLiteral(KV_BUNDLE_IDENTIFIER));
     installEventFilter(&plainToolTips_);
     setPalette(withReadableTexts(palette()));
