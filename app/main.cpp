@@ -6,6 +6,7 @@
 #include "app/interface/Lifecycle.h"
 #include "app/interface/WindowMemory.h"
 #include "platform/ErrorAlerts.h"
+#include "platform/Files.h"
 #include "platform/StreamLog.h"
 #include "platform/UserPreferences.h"
 #include "platform/qt/Application.h"
@@ -20,6 +21,7 @@
 int main(int argc, char* argv[])
 {
     platform::qt::Application application(argc, argv);
+    platform::files::failBeyondSizeLimits();
     platform::StreamLog log(STDERR_FILENO);
     application.flushWhenIdle(log);
     platform::qt::CompletionGate gate;

@@ -1,6 +1,7 @@
 #include "platform/Files.h"
 
 #include <cerrno>
+#include <csignal>
 #include <utility>
 #include <vector>
 
@@ -65,6 +66,12 @@ void flushFolder(const Path& folder)
 }
 
 } // namespace
+
+void failBeyondSizeLimits()
+{
+    // Not ignored: that would be handed on to every program this one starts.
+    std::signal(SIGXFSZ, [](int) {});
+}
 
 bool exists(const Path& path)
 {

@@ -15,6 +15,10 @@ using Path = std::filesystem::path;
 
 inline constexpr std::size_t kNoLimit = static_cast<std::size_t>(-1);
 
+/// To be called once: from then on a write beyond the process's limit on file sizes fails, as one to a full disk does,
+/// instead of ending the process.
+void failBeyondSizeLimits();
+
 /// Whether something stands at the path; a link whose target is missing does not count.
 bool exists(const Path& path);
 

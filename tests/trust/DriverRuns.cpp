@@ -46,11 +46,14 @@ std::vector<std::string> environment(const Path& watched, const Path& trace, con
     // The preloaded library stands before the sanitizers' own, which only calls from the one to the other.
     settings.push_back("ASAN_OPTIONS=verify_asan_link_order=0");
     settings.push_back("KV_FAULT_FOLDER=" + watched.native());
-    settings.push_back("KV_FAULT_TRACE=" + trace.native());
+    if (fault.obstacle.empty()) // which would stand in the way of the trace, too
+        settings.push_back("KV_FAULT_TRACE=" + trace.native());
     settings.push_back("KV_FAULT_AT=" + std::to_string(fault.at));
     settings.push_back("KV_FAULT=" + std::to_string(fault.error));
     if (fault.lasts)
         settings.push_back("KV_FAULT_LASTS=1");
+    if (!fault.obstacle.empty())
+        settings.push_back("KV_OBSTACLE=" + fault.obstacle);
     return settings;
 }
 
@@ -92,7 +95,11 @@ bool DriverRun::wrote(const std::string& line) const
     return std::find(output.begin(), output.end(), line) != output.end();
 }
 
-Folder::Folder() : folder_(root_ / "machine/Application Support/Logic/Plug-In Settings" / kPlugin) {}
+Folder::Folder() : folder_(root_ / "machine/Application Support/Logic/Plug-In Settings" / kPlugin)
+{
+    // A user who may not write to the plug-in's folder still gets there.
+    fs::permissions(root_.path(), fs::perms::group_exec | fs::perms::others_exec, fs::perm_options::add);
+}
 
 void Folder::prepare(const Scenario& scenario)
 {

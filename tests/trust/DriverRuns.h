@@ -44,6 +44,8 @@ struct Fault {
     long at = 0;   ///< number of the operation, 0 for none
     int error = 0; ///< 0 kills
     bool lasts = false;
+    /// What stands in the way for real, as trust_driver names it.
+    std::string obstacle = {};
 };
 
 struct DriverRun {

@@ -57,6 +57,7 @@ bool canFailWith(Kind kind, int error)
 {
     switch (error) {
     case 0: return kind != Kind::look && kind != Kind::open && kind != Kind::read;
+    case EFBIG: return kind == Kind::write;
     case ENOSPC:
     case EDQUOT: return kind == Kind::create || kind == Kind::write || kind == Kind::flush || kind == Kind::close;
     case EROFS: return kind == Kind::create || kind == Kind::name || kind == Kind::change;

@@ -2,8 +2,12 @@
 //
 //   trust_driver ROOT PLUGIN mark | save ROW | recall-original | recall-prev | chart | download | download-twice
 //
-// Then goes on as a user would and writes down what was told. A process that reaches its end writes "goes on" last.
+// KV_OBSTACLE puts something real in its way: "vanished", "read-only" or "forbidden" is what becomes of the plug-in's
+// folder, "limit:N" lets no file grow beyond N bytes. Afterwards the driver goes on as a user would and writes down
+// what was told; a process that reaches its end writes "goes on" last.
 
+#include "platform/Files.h"
+#include "tests/support/Obstacles.h"
 #include "tests/support/ScriptedPeer.h"
 #include "tests/support/TestBaseUrl.h"
 #include "tests/trust/Headless.h"
@@ -11,8 +15,10 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <optional>
 
 #include <dlfcn.h>
 
@@ -33,6 +39,45 @@ long watchFiles(int on)
     return function ? function(on) : 0;
 }
 
+/// What KV_OBSTACLE names, as long as the object lives.
+class Obstacle {
+public:
+    explicit Obstacle(const std::filesystem::path& folder)
+    {
+        using std::filesystem::perms;
+        const char* setting = std::getenv("KV_OBSTACLE");
+        const std::string name = setting ? setting : "";
+        if (name == "vanished")
+            std::filesystem::rename(folder, folder.native() + " elsewhere");
+        if (name == "read-only")
+            forbidden_.emplace(folder, perms::owner_read | perms::owner_exec | perms::others_read | perms::others_exec);
+        if (name == "forbidden")
+            forbidden_.emplace(folder, perms::none);
+        if (name.starts_with("limit:"))
+            limit(std::stoul(name.substr(6)));
+    }
+    Obstacle(const Obstacle&) = delete;
+    Obstacle& operator=(const Obstacle&) = delete;
+    ~Obstacle()
+    {
+        if (isLimited_)
+            limit(RLIM_INFINITY);
+    }
+
+private:
+    // Unlike FullDisk this leaves the signal to the program.
+    void limit(rlim_t bytes)
+    {
+        rlimit now = {};
+        ::getrlimit(RLIMIT_FSIZE, &now);
+        now.rlim_cur = std::min(bytes, now.rlim_max);
+        isLimited_ = ::setrlimit(RLIMIT_FSIZE, &now) == 0;
+    }
+
+    std::optional<test::Forbidden> forbidden_;
+    bool isLimited_ = false;
+};
+
 class Driver {
 public:
     Driver(const char* root, std::string plugin) : plugin_(std::move(plugin)), program_(root)
@@ -42,7 +87,7 @@ public:
 
     bool mark()
     {
-        watchFiles(1);
+        begin();
         return program_.select(plugin_);
     }
     bool save(std::int32_t row)
@@ -50,21 +95,21 @@ public:
         return edit([&] {
             program_.controller.arrayControllerPlistSelected()->setSelectionIndex(row);
             program_.controller.clickControl(0);
-            watchFiles(1);
+            begin();
             program_.controller.kvExportToPlist();
         });
     }
     bool recall(const std::string& suffix)
     {
         return edit([&] {
-            watchFiles(1);
+            begin();
             program_.controller.recallOriginalMapping(suffix);
         });
     }
     bool chart()
     {
         return edit([&] {
-            watchFiles(1);
+            begin();
             program_.controller.kvCreateChart();
         });
     }
@@ -77,7 +122,7 @@ public:
                 peer_.play(support::reply("\nregistered\n"));
             for (int i = 0; i < times; ++i)
                 peer_.play(support::reply(sharedMapping()));
-            watchFiles(1);
+            begin();
             for (int i = 0; i < times; ++i)
                 program_.controller.kvCommunityLoadSelectedDownload();
             waitForDownloads(times);
@@ -88,6 +133,7 @@ public:
     void goOn()
     {
         watchFiles(0);
+        obstacle_.reset();
         program_.controller.addControlsPage();
         program_.controller.nextPageButtonPressed();
         program_.controller.btnRunCheck();
@@ -105,6 +151,16 @@ public:
 private:
     using Path = std::filesystem::path;
 
+    /// From here on the operation itself runs.
+    void begin()
+    {
+        const auto list = program_.controller.myArrayController();
+        for (const platform::Record& row : list->content()) {
+            if (row.text("Plugin") == plugin_)
+                obstacle_.emplace(Path(row.text("fileLocation")).parent_path());
+        }
+        watchFiles(1);
+    }
     template <typename Action>
     bool edit(Action action)
     {
@@ -136,6 +192,7 @@ private:
     std::string plugin_;
     support::ScriptedPeer peer_;
     trust::Headless program_;
+    std::optional<Obstacle> obstacle_;
 };
 
 bool run(Driver& driver, const std::string& operation, const char* row)
@@ -158,6 +215,7 @@ bool run(Driver& driver, const std::string& operation, const char* row)
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
+    platform::files::failBeyondSizeLimits();
     if (argc < 4)
         return 2;
     Driver driver(argv[1], argv[2]);
