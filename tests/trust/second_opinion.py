@@ -170,17 +170,19 @@ class Model:
         before, path = self.snapshot(), self.path
         action()
         after = self.snapshot()
+        # An empty list is that of a rescan, which is no edit.
+        is_other_list = before[1] != after[1] and before[1] and after[1]
         if self.path != path:
             self.undos, self.redos = [], []
-        elif before[:3] + before[4:] != after[:3] + after[4:]:
+        elif is_other_list or (before[0], before[2], before[4]) != (after[0], after[2], after[4]):
             self.undos.append((before, after))
             self.redos = []
 
     def go_to(self, there, back):
         self.mapping = [list(e) for e in there[0]]
-        if there[1] != back[1]:
+        if there[1] != back[1] and there[1] and self.is_edited():
             self.list = [list(e) for e in there[1]]
-            self.selected = 0 if self.list else -1
+            self.selected = 0
         self.total, self.mode = there[2], there[4]
         self.refresh(there[3])
         if there[4] != back[4]:
