@@ -207,7 +207,7 @@ QLayout* makeStatusRow()
 {
     auto* layout = new QHBoxLayout;
     layout->setSpacing(14);
-    layout->addWidget(makeLabel("labelHelperDisplay"), 3);
+    layout->addWidget(makeLabel("labelHelperDisplay"), 5);
     layout->addWidget(makeLabel("pageLimitWarning"), 0);
     auto* unsaved = makeLabel("unsavedReadOut");
     QFont bold = unsaved->font();
