@@ -138,18 +138,18 @@ void drawEngraved(QPainter& painter, const QRectF& rect, int flags, const char* 
 void drawName(QPainter& painter, const PanelLayout& layout, const PanelColours& c, const QFont& font)
 {
     const QRectF& room = layout.name;
-    const QFont maker = makerFont(font, layout.scale);
+    const QFont maker = makerFont(font, layout.nameScale);
     painter.setFont(maker);
     const double width = QFontMetricsF(maker).horizontalAdvance(QString::fromLatin1(kMaker));
     drawEngraved(painter, room, Qt::AlignLeft | Qt::AlignVCenter, kMaker, c);
 
-    painter.setFont(legendFont(font, layout.scale));
+    painter.setFont(legendFont(font, layout.nameScale));
     const double line = QFontMetricsF(painter.font()).height() * 0.92;
-    const QRectF legend = room.adjusted(width + 15 * layout.scale, 0, 0, 0);
+    const QRectF legend = room.adjusted(width + 15 * layout.nameScale, 0, 0, 0);
     const double middle = room.center().y();
-    painter.setPen(QPen(c.lit, 1.5 * layout.scale));
-    painter.drawLine(QPointF(legend.left() - 8 * layout.scale, middle - line * 0.85),
-                     QPointF(legend.left() - 8 * layout.scale, middle + line * 0.85));
+    painter.setPen(QPen(c.lit, 1.5 * layout.nameScale));
+    painter.drawLine(QPointF(legend.left() - 8 * layout.nameScale, middle - line * 0.85),
+                     QPointF(legend.left() - 8 * layout.nameScale, middle + line * 0.85));
     drawEngraved(painter, QRectF(legend.left(), middle - line, legend.width(), line), Qt::AlignLeft | Qt::AlignVCenter,
                  kLegendAbove, c);
     drawEngraved(painter, QRectF(legend.left(), middle, legend.width(), line), Qt::AlignLeft | Qt::AlignVCenter,

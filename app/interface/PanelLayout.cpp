@@ -19,6 +19,7 @@ constexpr double kSide = 30; // from cheek to content; the screws lie in it
 constexpr double kEdge = 11; // from the upper and lower end to content
 constexpr double kGap = 5;
 constexpr double kFieldPadding = 6;
+constexpr double kNameShare = 0.32; // large letters leave the display more than the maker's name
 
 double fieldHeight(const QFont& font, double scale)
 {
@@ -53,9 +54,9 @@ void layOutDisplay(PanelLayout& layout, const QFont& font)
     const double s = layout.scale;
     const QFont readOut = scaledFont(font, s);
     const QRectF inner = layout.display.adjusted(12 * s, 2, -12 * s, -2);
-    const double most = inner.width() * 0.32; // the title keeps a third whatever the font
-    const double total = std::min(widthOf(readOut, "00000 Pages"), most);
-    const double page = std::min(widthOf(readOut, "Page 00000 of 00000"), most);
+    // The title keeps a third whatever the font.
+    const double total = std::min(widthOf(readOut, "00000 Pages"), inner.width() * 0.28);
+    const double page = std::min(widthOf(readOut, "Page 00000 of 00000"), inner.width() * 0.36);
     const auto part = [&inner](double left, double width) {
         return QRectF(left, inner.top(), width, inner.height()).toRect();
     };
@@ -94,8 +95,9 @@ PanelLayout layOutPanel(const QSize& size, const QFont& font)
                      layout.face.bottomLeft() + QPointF(in, -in), layout.face.bottomRight() + QPointF(-in, -in)};
 
     const QRectF content = layout.face.adjusted(kSide * s, kEdge * s, -kSide * s, -kEdge * s);
-    const double nameWidth =
-        widthOf(makerFont(font, s), kMaker) + 15 * s + widthOf(legendFont(font, s), kLegendBelow) + 20 * s;
+    const double wanted = widthOf(makerFont(font, s), kMaker) + widthOf(legendFont(font, s), kLegendBelow) + 35 * s;
+    const double nameWidth = std::min(wanted, kNameShare * content.width());
+    layout.nameScale = s * nameWidth / wanted;
     const double top = displayHeight(font, s);
     layout.name = QRectF(content.left(), content.top(), nameWidth, top);
     layout.display = QRectF(content.left() + nameWidth, content.top(), content.width() - nameWidth, top);

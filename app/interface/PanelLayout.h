@@ -15,7 +15,8 @@ struct PanelLayout {
     QRectF body;      ///< all of the hardware, cheeks included
     QRectF face;
     std::array<QPointF, 4> screws;
-    QRectF name;    ///< the maker's name and the legend beside it
+    QRectF name; ///< the maker's name and the legend beside it
+    double nameScale = 1;
     QRectF display; ///< what shows title and pages
     QRect title, page, total;
     std::array<QRect, kPots> pots; ///< square

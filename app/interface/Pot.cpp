@@ -109,6 +109,7 @@ void Pot::mouseMoveEvent(QMouseEvent* event)
     }
     isPulled_ = true;
     setDown(false);
+    setHovered(false); // the drag swallows the leaving of the mouse
     Q_EMIT pulled();
 }
 

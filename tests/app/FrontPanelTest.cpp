@@ -380,12 +380,17 @@ TEST_F(FrontPanelTest, PotsAreButtonsWithANameThatFollowsLabelAndPage)
 
 TEST_F(FrontPanelTest, NamesFollowLabelsThatChangedOutOfSight)
 {
+    panel_->setShownPage(1, 1);
     panel_->hide();
     label(1)->setText(QStringLiteral("Pan"));
+    QApplication::processEvents();
     panel_->show();
-    panel_->setShownPage(1, 1);
     EXPECT_EQ(spoken(pot(1)), "Pot 1, Pan, page 1 of 1");
     EXPECT_TRUE(pot(1)->isMapped());
+    FrontPanel another;
+    another.findChild<QLabel*>(QStringLiteral("kvControl1"))->setText(QStringLiteral("Pan"));
+    another.show();
+    EXPECT_TRUE(another.findChild<Pot*>(QStringLiteral("kvRotaryBtn1"))->isMapped());
 }
 
 // Mouse and keyboard

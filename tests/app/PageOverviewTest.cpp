@@ -159,7 +159,9 @@ TEST_F(PageOverviewTest, CellsFollowTheNames)
     refresh(5, 1);
     const QImage before = pictureOfTile(3);
     emptied_ = 3;
+    asked_.clear();
     refresh(5, 1);
+    EXPECT_EQ(asked_.count(3), 1U) << "drawn anew without being told to";
     EXPECT_GT(comparePictures(pictureOfTile(3), before).share, 0.01);
 }
 

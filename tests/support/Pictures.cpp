@@ -16,7 +16,7 @@ namespace {
 
 /// Of each colour, out of 255.
 constexpr int kToleratedStep = 36;
-constexpr int kSquare = 64;
+constexpr int kSquare = 32;
 
 bool isNear(QRgb a, QRgb b)
 {

@@ -37,14 +37,14 @@ QImage pictureOf(QWidget& widget, double pixelRatio = 1);
 struct PictureDifference {
     /// Share of pixels that the other picture has nowhere near, in the whole; 1 when the sizes differ.
     double share = 0;
-    /// The same in the square of 64 pixels in which it is largest, so that size does not hide what is small.
+    /// The same in the square of 32 pixels in which it is largest, so that size does not hide what is small.
     double densest = 0;
     /// Grey where both agree, red where not.
     QImage picture;
 };
 PictureDifference comparePictures(const QImage& actual, const QImage& expected);
 /// More than letters drawn another way, less than a pot that is three pixels off.
-inline constexpr double kToleratedDensity = 0.03;
+inline constexpr double kToleratedDensity = 0.045;
 
 QImage keptPicture(const std::string& name);
 /// Whether it looks like the kept picture of that name. If not, both and their difference are written below the build
