@@ -202,7 +202,9 @@ private:
     void lookAtFiles()
     {
         const std::set<std::string> known = {"CSParameterOrder.plist", "CSParameterOrder.plist.original",
-                                             "CSParameterOrder.plist.prev", "CSParameterOrder.plist.html"};
+                                             "CSParameterOrder.plist.prev", "CSParameterOrder.plist.html",
+                                             "CSParameterOrder.plist.downloaded"};
+        const std::set<std::string> unchecked = {"CSParameterOrder.plist.html", "CSParameterOrder.plist.downloaded"};
         int orders = 0;
         for (const char* folder : {"Library", "home"}) {
             for (const auto& item : fs::recursive_directory_iterator(home_ / folder)) {
@@ -213,7 +215,7 @@ private:
                 orders += name == "CSParameterOrder.plist" ? 1 : 0;
                 const auto written = item.last_write_time();
                 const auto before = looked_.find(item.path().native());
-                if (name == "CSParameterOrder.plist.html" || (before != looked_.end() && before->second == written))
+                if (unchecked.count(name) > 0 || (before != looked_.end() && before->second == written))
                     continue;
                 looked_[item.path().native()] = written;
                 const auto document = platform::plist::parse(read(item.path()));

@@ -4,6 +4,8 @@
 #include "app/interface/PageOverview.h"
 #include "mapping/EditingState.h"
 #include "platform/qt/Text.h"
+#include "tests/support/Alerts.h"
+#include "tests/support/TestBaseUrl.h"
 
 #include <QAbstractButton>
 #include <QHeaderView>
@@ -54,8 +56,8 @@ const char* const kSeldomUsed[] = {
     "kvHelpMe",
 };
 const char* const kCommunity[] = {
-    "kvLoginToCloudAccount", "kv_btn_cloudLibrary", "kv_btn_cloudLibraryDownload",     "cwinLoginAttempt",
-    "cwinNewUserCreate",     "cwinPlistAvailable",  "kvCommunityLoadSelectedDownload",
+    "kvLoginToCloudAccount", "kv_btn_cloudLibrary",  "kv_btn_cloudLibraryDownload", "cwinLoginAttempt",
+    "cwinNewUserCreate",     "kvCommunityUploadBtn", "cwinPlistAvailable",          "kvCommunityLoadSelectedDownload",
 };
 
 struct Key {
@@ -118,13 +120,32 @@ Texts ofManyScripts()
             "7 حجم",          "8 Größe",      "9 &amp; Co",     "no-blank", "1 Temps d’écho", "12  Two"};
 }
 
+/// What the community server says to a request: mostly what it should.
+std::string replyTo(const std::string& request, std::size_t number)
+{
+    const auto asks = [&](const char* what) { return request.find(what) < request.find("\r\n"); };
+    if (number % 7 == 3)
+        return {}; // hangs up
+    if (asks("checkuser.php"))
+        return support::reply(number % 3 ? "\nOK\n" : "no");
+    if (asks("kv_listplists.php"))
+        return support::reply(R"([{"patchID": 1, "fileLocation": "shared one", "userComments": "<b>Größe</b>\nline"},)"
+                              R"( {"patchID": "2", "fileLocation": "shared/two"}, {}])");
+    if (!asks("GET "))
+        return support::reply("Done");
+    const Texts order = number % 2 ? withGaps(numbered(30, "Shared")) : Texts();
+    auto dictionary = orderFile(order);
+    return number % 5 ? support::reply(platform::plist::write({platform::plist::Value(dictionary), {}}))
+                      : support::reply("no property list");
+}
+
 } // namespace
 
 const RandomUser::Deed RandomUser::kDeeds[] = {
     {24, &RandomUser::pressPotButton}, {24, &RandomUser::pressButton}, {3, &RandomUser::choosePlugin},
     {14, &RandomUser::chooseRow},      {6, &RandomUser::typeSearch},   {20, &RandomUser::pressKey},
     {1, &RandomUser::sortPlugins},     {8, &RandomUser::drop},         {4, &RandomUser::choosePage},
-    {2, &RandomUser::useCommunity},
+    {5, &RandomUser::useCommunity},
 };
 
 RandomUser::Chance::Chance(unsigned seed, int step)
@@ -149,6 +170,7 @@ void RandomUser::startOver()
     writeDictionary(thirdParty("Maker", "Large"), orderFile(withGaps(numbered(300))));
     writeDictionary(thirdParty("Ünï", "Écho 界 🌊"), orderFile(ofManyScripts()));
     workspace_.opened.clear();
+    openCommunity();
     launch();
     find<QWidget>("cwinMainWindow")->activateWindow();
 }
@@ -252,10 +274,14 @@ std::string RandomUser::choosePage(Chance& chance)
 
 std::string RandomUser::useCommunity(Chance& chance)
 {
+    // Its threads are kept until it ends.
+    if (community_->requests().size() > 100)
+        openCommunity();
     const char* name = chance.oneOf(kCommunity);
-    if (!find<QAbstractButton>("kvLoginToCloudAccount")->isVisible())
-        return {};
-    return loaded().find<QAbstractButton>(name) ? clickButton(name) : clickRowAt(name, 0);
+    std::string done = loaded().find<QAbstractButton>(name) ? clickButton(name) : clickRowAt(name, chance.below(3));
+    // When a download ends would otherwise be up to the machine.
+    support::waitUntil([this] { return controller().downloadProgress().get().running == 0; });
+    return done;
 }
 
 std::string RandomUser::clickButton(const char* name)
@@ -276,6 +302,18 @@ std::string RandomUser::clickRowAt(const char* list, int row)
     view->scrollTo(index);
     QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, view->visualRect(index).center());
     return "click row " + std::to_string(row) + " of " + list;
+}
+
+void RandomUser::openCommunity()
+{
+    community_ = std::make_unique<support::ScriptedPeer>();
+    support::setBaseUrl(community_->url());
+    for (int connection = 0; connection < 1000; ++connection) {
+        community_->play([peer = community_.get()](support::ScriptedPeer::Connection& link) {
+            const std::vector<std::string> requests = peer->requests();
+            link.send(replyTo(requests.back(), requests.size()));
+        });
+    }
 }
 
 void RandomUser::answerAlerts()

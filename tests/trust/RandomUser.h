@@ -2,6 +2,7 @@
 // Somebody who does anything at any time in the real windows: clicks, keys, typing, drops. What is done at a step
 // follows from the seed and the step's number alone, so that any selection of the steps can be done again.
 
+#include "tests/support/ScriptedPeer.h"
 #include "tests/support/WindowTest.h"
 
 #include <random>
@@ -55,8 +56,10 @@ private:
     std::string clickButton(const char* name);
     std::string clickRowAt(const char* list, int row);
     void answerAlerts();
+    void openCommunity();
 
     QTimer answers_;
+    std::unique_ptr<support::ScriptedPeer> community_;
 };
 
 } // namespace test
