@@ -21,9 +21,9 @@ CANNOT_RUN = 77
 PLUG_INS = {"Wendlebrook EQ", "Quillmoor Echo", "Ploverton Tuner", "Écho d’été 🌊"}
 
 # The drawn panel tells page and parameter with each pot.
-PANEL_IS_DRAWN = False
+PANEL_IS_DRAWN = True
 # The strip of all pages says which it is of.
-OVERVIEW_IS_DRAWN = False
+OVERVIEW_IS_DRAWN = True
 
 
 class ProgramTest(unittest.TestCase):
