@@ -2,6 +2,7 @@
 
 #include "platform/Effects.h"
 #include "platform/qt/ReadableColours.h"
+#include "platform/qt/ReadableStyle.h"
 #include "platform/qt/SymbolIcon.h"
 
 #include <QAbstractEventDispatcher>
@@ -17,6 +18,8 @@ Application::Application(int& argc, char** argv) : QApplication(argc, argv)
     setWindowIcon(applicationIcon());
     setDesktopFileName(QStringLiteral(KV_BUNDLE_IDENTIFIER));
     installEventFilter(&plainToolTips_);
+    if (style()->name() == QLatin1String("fusion"))
+        setStyle(new ReadableStyle);
     setPalette(withReadableTexts(palette()));
 }
 

@@ -1,5 +1,7 @@
 #include "tests/support/Pictures.h"
 
+#include "platform/qt/ReadableStyle.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QStyle>
@@ -85,7 +87,7 @@ QPalette darkPalette()
 FixedLook::FixedLook(const QPalette& palette)
     : style_(QApplication::style()->objectName()), font_(QApplication::font()), palette_(QApplication::palette())
 {
-    QApplication::setStyle(QStringLiteral("Fusion"));
+    QApplication::setStyle(new platform::qt::ReadableStyle);
     QFont font(QStringLiteral("DejaVu Sans"));
     font.setPixelSize(13);
     font.setHintingPreference(QFont::PreferNoHinting);

@@ -1,0 +1,19 @@
+#pragma once
+// Qt's own style for desktops without one, with outlines of check boxes, radio buttons and text fields that stand out
+// from the window: in dark colours the plain ones are darker still and can hardly be seen.
+
+#include <QProxyStyle>
+
+namespace platform::qt {
+
+class ReadableStyle final : public QProxyStyle {
+    Q_OBJECT
+
+public:
+    ReadableStyle();
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override;
+};
+
+} // namespace platform::qt
