@@ -27,6 +27,7 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <initializer_list>
 
 namespace interface {
 
@@ -169,6 +170,15 @@ std::vector<qt::RecordColumn> sharedColumns(const std::vector<platform::Record>&
     return columns;
 }
 
+/// The column of the names takes what room there is; the others begin with these widths.
+void giveRoomTo(int column, QHeaderView* header, std::initializer_list<std::pair<int, int>> widths)
+{
+    header->setStretchLastSection(false);
+    header->setSectionResizeMode(column, QHeaderView::Stretch);
+    for (const auto& [other, width] : widths)
+        header->resizeSection(other, width);
+}
+
 void showProgress(QProgressBar* bar, const platform::DownloadProgress& progress)
 {
     bar->setVisible(progress.running > 0);
@@ -272,8 +282,7 @@ void Interface::connectLists()
     auto* pluginView = find<qt::RecordListView>("pluginTableView");
     pluginView->setSortingEnabled(true);
     pluginView->sortByColumn(0, Qt::AscendingOrder);
-    pluginView->header()->resizeSection(0, 230);
-    pluginView->header()->resizeSection(1, 150);
+    giveRoomTo(0, pluginView->header(), {{1, 160}, {2, 80}});
 
     const auto parameters = std::make_shared<platform::ArrayController>();
     controller_.setArrayControllerPlistSelected(parameters);
@@ -284,8 +293,7 @@ void Interface::connectLists()
                      {QObject::tr("On pots"), {}, [this](const auto& record) { return potsOf(record); }}},
                     {}, &ViewController::tablePlistView));
     auto* parameterView = find<qt::RecordListView>("tablePlistOfSelectedPlugin");
-    parameterView->header()->resizeSection(0, 80);
-    parameterView->header()->resizeSection(1, 300);
+    giveRoomTo(1, parameterView->header(), {{0, 80}, {2, 240}});
     static_cast<qt::RecordTableModel*>(parameterView->model())->setDragType(QString::fromLatin1(kParameterDrag));
     parameterView->setDragEnabled(true);
     qt::bindFilter(parameters, find<QLineEdit>("parameterSearch"));
