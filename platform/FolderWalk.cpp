@@ -54,8 +54,9 @@ public:
 
 private:
     struct Level {
-        int folder = -1;  ///< -1 while closed for want of descriptors
-        dev_t device = 0; ///< who the folder is, to be sure when coming back through ".."
+        DIR* stream = nullptr; ///< null once the folder was closed for want of descriptors
+        int folder = -1;       ///< the stream's while there is one; -1 while closed
+        dev_t device = 0;      ///< who a closed folder is, to be sure when coming back through ".."
         ino_t node = 0;
         std::size_t pathSize = 0;  ///< length of the folder's own path in path_
         std::size_t firstName = 0; ///< where the folder's entries begin in names_
@@ -88,33 +89,41 @@ private:
             handlers_.unreadable(path_, reasonFor(errno));
             return;
         }
-        struct stat status = {};
-        ::fstat(folder, &status);
         Level level;
+        level.stream = ::fdopendir(folder);
         level.folder = folder;
-        level.device = status.st_dev;
-        level.node = status.st_ino;
         level.pathSize = path_.size();
         level.firstName = level.next = names_.size();
-        readNames(folder);
-        levels_.push_back(level);
-        if (levels_.size() > kOpenLevels) {
-            Level& far = levels_[levels_.size() - 1 - kOpenLevels];
-            if (far.folder >= 0)
-                ::close(std::exchange(far.folder, -1));
-        }
+        levels_.push_back(level); // before any handler is called, which may throw
+        if (level.stream)
+            readNames(level.stream, folder);
+        else
+            handlers_.unreadable(path_, reasonFor(errno));
+        if (levels_.size() > kOpenLevels)
+            closeForNow(levels_[levels_.size() - 1 - kOpenLevels]);
     }
 
-    void readNames(int folder)
+    static void close(Level& level)
     {
-        const int copy = ::fcntl(folder, F_DUPFD_CLOEXEC, 0); // the stream closes what it reads from
-        DIR* stream = copy < 0 ? nullptr : ::fdopendir(copy);
-        if (!stream) {
-            handlers_.unreadable(path_, reasonFor(errno));
-            if (copy >= 0)
-                ::close(copy);
+        if (level.stream)
+            ::closedir(std::exchange(level.stream, nullptr));
+        else if (level.folder >= 0)
+            ::close(level.folder);
+        level.folder = -1;
+    }
+
+    static void closeForNow(Level& level)
+    {
+        struct stat status = {};
+        if (level.folder < 0 || ::fstat(level.folder, &status) != 0)
             return;
-        }
+        level.device = status.st_dev;
+        level.node = status.st_ino;
+        close(level);
+    }
+
+    void readNames(DIR* stream, int folder)
+    {
         for (;;) {
             errno = 0;
             const dirent* entry = ::readdir(stream);
@@ -133,18 +142,16 @@ private:
         }
         if (errno != 0)
             handlers_.unreadable(path_, reasonFor(errno));
-        ::closedir(stream);
     }
 
     void leaveFolder()
     {
-        const Level left = levels_.back();
+        Level left = levels_.back();
         levels_.pop_back();
         names_.resize(left.firstName);
         if (!levels_.empty() && levels_.back().folder < 0)
             comeBack(levels_.back(), left.folder);
-        if (left.folder >= 0)
-            ::close(left.folder);
+        close(left);
     }
 
     /// Opens a level that was closed on the way down, by way of the folder just left.
