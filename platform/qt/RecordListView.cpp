@@ -2,6 +2,7 @@
 
 #include "platform/qt/Typing.h"
 
+#include <QAccessible>
 #include <QDrag>
 #include <QHeaderView>
 #include <QMimeData>
@@ -90,6 +91,15 @@ void RecordListView::paintEvent(QPaintEvent* event)
     QPainter painter(viewport());
     painter.setPen(palette().color(QPalette::Text));
     painter.drawText(room, Qt::AlignCenter | Qt::TextWordWrap, hint_);
+}
+
+void RecordListView::dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles)
+{
+    // To paint less, Qt looks up where each row of the range stands: dearer than painting, with ten thousand of them.
+    if (topLeft.row() == bottomRight.row() || QAccessible::isActive())
+        QTreeView::dataChanged(topLeft, bottomRight, roles);
+    else
+        viewport()->update();
 }
 
 void RecordListView::startDrag(Qt::DropActions actions)
