@@ -207,6 +207,8 @@ private:
     /// The mapping as its file holds it, and the mode that the file was read with or that was saved.
     std::vector<platform::Record> savedEntries_;
     std::int32_t savedMode_ = 0;
+    /// What the file marked just now holds, for the read that follows.
+    std::optional<mapping::KnownContent> markedFile_;
     mapping::MappedPots mappedPots_;
     std::uint64_t mappedRevision_ = 0;
     int operationDepth_ = 0;

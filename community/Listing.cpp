@@ -36,14 +36,8 @@ bool beginsWord(std::string_view key, std::size_t i)
 
 std::optional<std::string> textOf(const platform::Record* entry, std::string_view key)
 {
-    if (!entry)
-        return std::nullopt;
-    for (const auto& [name, value] : entry->fields()) {
-        const auto* text = std::get_if<std::string>(&value);
-        if (name == key && text)
-            return *text;
-    }
-    return std::nullopt;
+    const std::string* text = entry ? entry->findText(key) : nullptr;
+    return text ? std::optional(*text) : std::nullopt;
 }
 
 std::vector<Column> columnsOf(const std::vector<platform::Record>& entries)
@@ -51,7 +45,7 @@ std::vector<Column> columnsOf(const std::vector<platform::Record>& entries)
     std::vector<Column> columns{{kUserComments, "Comments"}};
     std::set<std::string> seen{kPatchId, kFileLocation, kUserComments};
     for (const platform::Record& entry : entries) {
-        for (const auto& [key, value] : entry.fields()) {
+        for (const std::string& key : entry.keys()) {
             if (columns.size() == kMostColumns)
                 return columns;
             if (seen.insert(key).second)

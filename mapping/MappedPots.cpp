@@ -3,39 +3,45 @@
 #include "mapping/ParameterOrder.h"
 
 #include <algorithm>
+#include <functional>
+#include <utility>
 
 namespace mapping {
 
-namespace {
-
-/// What two records of one parameter have in common: the element that both are written as.
-std::string keyOf(const platform::Record& record)
+std::size_t MappedPots::Hash::operator()(const platform::Record& record) const
 {
-    return elementFromEntry(record);
+    const std::hash<std::string> hash;
+    return hash(record.text(kParamNum)) * 31 + hash(record.text(kParameter));
 }
 
-} // namespace
+bool MappedPots::IsSame::operator()(const platform::Record& one, const platform::Record& other) const
+{
+    return one.isCopyOf(other) ||
+           (one.text(kParamNum) == other.text(kParamNum) && one.text(kParameter) == other.text(kParameter));
+}
 
 void MappedPots::setParameters(const std::vector<platform::Record>& parameters)
 {
-    std::erase_if(uses_, [](const auto& use) { return use.second.positions.empty(); });
-    for (auto& [key, use] : uses_)
+    std::erase_if(uses_, [](const auto& use) { return use.second.first == kNone; });
+    for (auto& [parameter, use] : uses_)
         use.offered = 0;
+    uses_.reserve(uses_.size() + parameters.size());
     mappedCount_ = 0;
     parameterCount_ = 0;
     for (const platform::Record& parameter : parameters) {
         if (isEmptyEntry(parameter))
             continue;
-        Use& use = uses_[keyOf(parameter)];
+        Use& use = uses_[parameter];
         ++use.offered;
         ++parameterCount_;
-        mappedCount_ += use.positions.empty() ? 0 : 1;
+        mappedCount_ += use.first == kNone ? 0 : 1;
     }
 }
 
 void MappedPots::setEntries(const std::vector<platform::Record>& entries, std::int32_t totalPages)
 {
     const std::size_t count = std::min(entries.size(), static_cast<std::size_t>(totalPages) * kPotsPerPage);
+    next_.resize(std::max(count, placed_.size()), kNone);
     for (std::size_t position = 0; position < std::max(count, placed_.size()); ++position) {
         const bool was = position < placed_.size();
         const bool is = position < count;
@@ -53,25 +59,45 @@ void MappedPots::place(const platform::Record& entry, std::int32_t position)
 {
     if (isEmptyEntry(entry))
         return;
-    Use& use = uses_[keyOf(entry)];
-    mappedCount_ += use.positions.empty() ? use.offered : 0;
-    use.positions.insert(std::upper_bound(use.positions.begin(), use.positions.end(), position), position);
+    Use& use = uses_[entry];
+    mappedCount_ += use.first == kNone ? use.offered : 0;
+    // A load places from front to back, so that even one parameter on every pot finds its place at once.
+    std::int32_t before = use.last < position ? use.last : kNone;
+    if (before == kNone && use.first < position) {
+        for (std::int32_t next = use.first; next != kNone && next < position; next = nextOf(next))
+            before = next;
+    }
+    std::int32_t& link = before == kNone ? use.first : nextOf(before);
+    nextOf(position) = std::exchange(link, position);
+    use.last = std::max(use.last, position);
 }
 
 void MappedPots::remove(const platform::Record& entry, std::int32_t position)
 {
     if (isEmptyEntry(entry))
         return;
-    Use& use = uses_[keyOf(entry)];
-    std::erase(use.positions, position);
-    mappedCount_ -= use.positions.empty() ? use.offered : 0;
+    Use& use = uses_[entry];
+    std::int32_t before = kNone;
+    for (std::int32_t next = use.first; next != position; next = nextOf(next))
+        before = next;
+    (before == kNone ? use.first : nextOf(before)) = nextOf(position);
+    use.last = use.last == position ? before : use.last;
+    mappedCount_ -= use.first == kNone ? use.offered : 0;
 }
 
-const std::vector<std::int32_t>& MappedPots::positionsOf(const platform::Record& parameter) const
+std::int32_t MappedPots::firstPositionOf(const platform::Record& parameter) const
 {
-    static const std::vector<std::int32_t> kNone;
-    const auto use = isEmptyEntry(parameter) ? uses_.end() : uses_.find(keyOf(parameter));
-    return use == uses_.end() ? kNone : use->second.positions;
+    const auto use = isEmptyEntry(parameter) ? uses_.end() : uses_.find(parameter);
+    return use == uses_.end() ? kNone : use->second.first;
+}
+
+std::vector<std::int32_t> MappedPots::positionsOf(const platform::Record& parameter, std::size_t most) const
+{
+    std::vector<std::int32_t> positions;
+    std::int32_t next = firstPositionOf(parameter);
+    for (; next != kNone && positions.size() < most; next = next_[static_cast<std::size_t>(next)])
+        positions.push_back(next);
+    return positions;
 }
 
 std::string potsText(const std::vector<std::int32_t>& positions)

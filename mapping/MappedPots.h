@@ -4,6 +4,7 @@
 
 #include "platform/Record.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <unordered_map>
@@ -18,23 +19,39 @@ public:
     /// The mapping; only slots of counted pages are pots.
     void setEntries(const std::vector<platform::Record>& entries, std::int32_t totalPages);
 
-    /// Positions (from 0, ascending) of a parameter, of any record that has its number and name.
-    const std::vector<std::int32_t>& positionsOf(const platform::Record& parameter) const;
+    /// Positions (from 0, ascending) of a parameter, of any record that has its number and name; the first `most`.
+    std::vector<std::int32_t> positionsOf(const platform::Record& parameter,
+                                          std::size_t most = static_cast<std::size_t>(-1)) const;
+    bool isOnPot(const platform::Record& parameter) const { return firstPositionOf(parameter) != kNone; }
     /// How many of the offered parameters stand on a pot, and how many are offered.
     std::int32_t mappedCount() const { return mappedCount_; }
     std::int32_t parameterCount() const { return parameterCount_; }
 
 private:
+    static constexpr std::int32_t kNone = -1;
+
+    /// Records are one parameter when they have its number and name.
+    struct Hash {
+        std::size_t operator()(const platform::Record& record) const;
+    };
+    struct IsSame {
+        bool operator()(const platform::Record& one, const platform::Record& other) const;
+    };
+    /// Where a parameter stands; next_ leads from its first position to its last.
     struct Use {
         std::int32_t offered = 0; ///< rows of the list with this number and name
-        std::vector<std::int32_t> positions;
+        std::int32_t first = kNone;
+        std::int32_t last = kNone;
     };
 
+    std::int32_t firstPositionOf(const platform::Record& parameter) const;
+    std::int32_t& nextOf(std::int32_t position) { return next_[static_cast<std::size_t>(position)]; }
     void place(const platform::Record& entry, std::int32_t position);
     void remove(const platform::Record& entry, std::int32_t position);
 
-    std::unordered_map<std::string, Use> uses_;
+    std::unordered_map<platform::Record, Use, Hash, IsSame> uses_;
     std::vector<platform::Record> placed_;
+    std::vector<std::int32_t> next_;
     std::int32_t mappedCount_ = 0;
     std::int32_t parameterCount_ = 0;
 };

@@ -2,9 +2,8 @@
 
 #include "mapping/EditingSnapshot.h"
 #include "platform/Files.h"
-#include "platform/PropertyList.h"
 
-#include <optional>
+#include <utility>
 
 namespace mapping {
 
@@ -16,33 +15,38 @@ namespace {
 /// No parameter-order file comes near this; what does is not ours to load into memory.
 constexpr std::size_t kLargestFile = std::size_t{64} << 20;
 
-struct DictionaryFile {
-    plist::Document document;
-
-    plist::Dictionary& dictionary() { return *document.root.asDictionary(); }
-};
-
-std::optional<DictionaryFile> readDictionary(const Path& file)
+plist::Dictionary& dictionaryOf(KnownContent& content)
 {
-    const auto bytes = files::read(file, kLargestFile);
-    auto document = bytes ? plist::parse(*bytes) : std::nullopt;
-    if (!document || !document->root.asDictionary())
-        return std::nullopt;
-    return DictionaryFile{std::move(*document)};
+    return *content.document.root.asDictionary();
 }
 
-/// Deletes the file, then writes the dictionary where there is one; answers whether it was written. Bytes that would
-/// not be read back, which takes a file of half a million elements, must not take the place of one that was: then the
-/// file stays.
-bool replaceFile(const Path& file, const std::optional<DictionaryFile>& content)
+/// The dictionary that the bytes hold, if they do.
+std::optional<KnownContent> parsed(std::string bytes)
+{
+    auto document = bytes.size() <= kLargestFile ? plist::parse(bytes) : std::nullopt;
+    if (!document || !document->root.asDictionary())
+        return std::nullopt;
+    return KnownContent{std::move(bytes), std::move(*document)};
+}
+
+std::optional<KnownContent> readDictionary(const Path& file)
+{
+    auto bytes = files::read(file, kLargestFile);
+    return bytes ? parsed(std::move(*bytes)) : std::nullopt;
+}
+
+/// Deletes the file, then writes the dictionary where there is one; answers what was written. Bytes that would not be
+/// read back, which takes a file of half a million elements, must not take the place of one that was: then the file
+/// stays.
+std::optional<KnownContent> replaceFile(const Path& file, const std::optional<KnownContent>& content)
 {
     const auto mode = files::permissions(file);
-    const std::string bytes = content ? plist::write(content->document) : std::string();
-    if (content && (bytes.size() > kLargestFile || !plist::parse(bytes)))
-        return false;
+    auto written = content ? parsed(plist::write(content->document)) : std::nullopt;
+    if (content && !written)
+        return std::nullopt;
     if (files::exists(file))
         files::remove(file);
-    return content && files::writeAtomically(file, bytes, mode);
+    return written && files::writeAtomically(file, written->bytes, mode) ? std::move(written) : std::nullopt;
 }
 
 } // namespace
@@ -52,27 +56,31 @@ Path backupPath(const Path& file, std::string_view suffix)
     return Path(file) += "." + std::string(suffix);
 }
 
-LoadedMapping readMapping(const Path& file, std::optional<std::int32_t> keptMode)
+LoadedMapping readMapping(const Path& file, std::optional<std::int32_t> keptMode,
+                          const std::optional<KnownContent>& known)
 {
-    auto content = readDictionary(file);
-    return loadMapping(content ? content->dictionary() : plist::Dictionary(), keptMode);
+    auto bytes = files::read(file, kLargestFile);
+    if (bytes && known && *bytes == known->bytes)
+        return loadMapping(*known->document.root.asDictionary(), keptMode);
+    auto content = bytes ? parsed(std::move(*bytes)) : std::nullopt;
+    return loadMapping(content ? dictionaryOf(*content) : plist::Dictionary(), keptMode);
 }
 
-void markFile(const Path& file)
+std::optional<KnownContent> markFile(const Path& file)
 {
     auto content = readDictionary(file);
-    if (content && hasCatalogue(content->dictionary()))
-        return;
+    if (content && hasCatalogue(dictionaryOf(*content)))
+        return content;
     if (content)
-        addCatalogue(content->dictionary());
-    replaceFile(file, content);
+        addCatalogue(dictionaryOf(*content));
+    return replaceFile(file, content);
 }
 
 bool saveMapping(const Path& file, const std::vector<platform::Record>& entries, std::int32_t mode)
 {
     auto content = readDictionary(file);
     if (content)
-        storeMapping(content->dictionary(), entries, mode);
+        storeMapping(dictionaryOf(*content), entries, mode);
 
     const Path original = backupPath(file, "original");
     if (files::isMissing(original))
@@ -82,7 +90,7 @@ bool saveMapping(const Path& file, const std::vector<platform::Record>& entries,
         files::remove(previous);
     files::copy(file, previous);
 
-    return replaceFile(file, content);
+    return replaceFile(file, content).has_value();
 }
 
 bool recallBackup(const Path& file, std::string_view suffix)

@@ -4,6 +4,7 @@
 // the order of the steps is what keeps the last good content in a backup.
 
 #include "mapping/MappingFile.h"
+#include "platform/PropertyList.h"
 
 #include <cstdint>
 #include <ctime>
@@ -20,12 +21,19 @@ using Path = std::filesystem::path;
 /// Path of the backup with the suffix "original" or "prev".
 Path backupPath(const Path& file, std::string_view suffix);
 
+/// What certain bytes hold, so that a file that still has them need not be parsed again.
+struct KnownContent {
+    std::string bytes;
+    platform::plist::Document document;
+};
+
 /// The file's root dictionary as a mapping; a file that cannot be read as a dictionary reads as an empty one.
-LoadedMapping readMapping(const Path& file, std::optional<std::int32_t> keptMode);
+LoadedMapping readMapping(const Path& file, std::optional<std::int32_t> keptMode,
+                          const std::optional<KnownContent>& known = {});
 
 /// Writes the plug-in's catalogue into the file unless it carries one. A file that cannot be read as a dictionary is
-/// deleted and nothing takes its place; that is meant.
-void markFile(const Path& file);
+/// deleted and nothing takes its place; that is meant. Answers what the file should hold now.
+std::optional<KnownContent> markFile(const Path& file);
 
 /// Makes the backups and writes the mapping into the file; answers whether the file now holds it. A file that cannot be
 /// read as a dictionary is deleted after the backups were made and nothing takes its place; that is meant.

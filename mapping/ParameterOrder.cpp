@@ -1,7 +1,9 @@
 #include "mapping/ParameterOrder.h"
 
 #include <algorithm>
+#include <memory>
 #include <unordered_set>
+#include <utility>
 
 namespace mapping {
 
@@ -11,10 +13,15 @@ namespace {
 
 Record entry(std::string_view number, std::string_view name, std::int32_t page, std::int32_t controlNo)
 {
-    return {{kParamNum, std::string(number)},
-            {kParameter, std::string(name)},
-            {kKorvelPage, page},
-            {kKorvelControlNo, controlNo}};
+    static const Record::Keys kKeys = std::make_shared<const std::vector<std::string>>(
+        std::vector<std::string>{kParamNum, kParameter, kKorvelPage, kKorvelControlNo});
+    std::vector<Record::Value> values;
+    values.reserve(kKeys->size());
+    values.emplace_back(std::in_place_type<std::string>, number);
+    values.emplace_back(std::in_place_type<std::string>, name);
+    values.emplace_back(page);
+    values.emplace_back(controlNo);
+    return {kKeys, std::move(values)};
 }
 
 } // namespace

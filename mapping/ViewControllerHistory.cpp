@@ -26,8 +26,10 @@ ViewController::Operation::~Operation()
     if (before_)
         controller_.finishEdit(name_, *before_, pathBefore_);
     const auto parameters = controller_.arrayControllerPlistSelected();
-    if (std::exchange(controller_.mappedRevision_, parameters->contentRevision()) != parameters->contentRevision())
+    if (std::exchange(controller_.mappedRevision_, parameters->contentRevision()) != parameters->contentRevision()) {
+        controller_.mappedPots_ = {}; // another mapping, as a rule: quicker made anew than changed
         controller_.mappedPots_.setParameters(parameters->content());
+    }
     controller_.mappedPots_.setEntries(mapping::plistBuild, mapping::totalPages);
     controller_.editingChanged.emit();
 }

@@ -17,14 +17,15 @@ bool ViewController::isPluginBeingEdited() const
 
 void ViewController::korvelizePlistFile(const std::string& path)
 {
-    mapping::markFile(path);
+    markedFile_ = mapping::markFile(path);
 }
 
 void ViewController::readPlistFileCheckMode(const std::string& path, std::int32_t checkMode)
 {
     const Operation edit(*this, "Load Mapping");
     const bool modeFromFile = checkMode == 1;
-    auto loaded = mapping::readMapping(path, modeFromFile ? std::nullopt : std::optional(mapping::plugin_Mode));
+    auto loaded = mapping::readMapping(path, modeFromFile ? std::nullopt : std::optional(mapping::plugin_Mode),
+                                       std::exchange(markedFile_, std::nullopt));
     arrayControllerPlistSelected()->setContent({});
     arrayControllerPlistSelected()->filterText.set({});
     arrayControllerPlistSelected()->setContent(std::move(loaded.parameters));

@@ -1,7 +1,8 @@
 #pragma once
 // The shared record type: a string-keyed dictionary whose values are text or 32-bit integers, read and written by key.
 // Keys keep the order in which they were first set. A copy is a value of its own but shares what it holds until one of
-// the two is changed, so a list of thousands is copied and compared at the cost of its pointers.
+// the two is changed, so a list of thousands is copied and compared at the cost of its pointers; records made from one
+// set of keys share that too.
 
 #include <cstdint>
 #include <initializer_list>
@@ -19,26 +20,40 @@ public:
     using Value = std::variant<std::string, std::int32_t>;
     using Field = std::pair<std::string, Value>;
 
+    /// The keys of many records that are made alike. None may come twice.
+    using Keys = std::shared_ptr<const std::vector<std::string>>;
+
     Record() = default;
     Record(std::initializer_list<Field> fields) : Record(std::vector<Field>(fields)) {}
     /// No key may come twice.
-    explicit Record(std::vector<Field> fields) : fields_(std::make_shared<std::vector<Field>>(std::move(fields))) {}
+    explicit Record(std::vector<Field> fields);
+    /// As many values as keys.
+    Record(Keys keys, std::vector<Value> values);
 
+    /// The text under `key`; null when the key is missing or holds a number.
+    const std::string* findText(std::string_view key) const;
     /// The text under `key`; empty when the key is missing or holds a number.
     const std::string& text(std::string_view key) const;
     /// The number under `key`; 0 when the key is missing or holds text.
     std::int32_t number(std::string_view key) const;
     void set(std::string_view key, Value value);
 
-    const std::vector<Field>& fields() const;
-    bool operator==(const Record& other) const { return fields_ == other.fields_ || fields() == other.fields(); }
+    const std::vector<std::string>& keys() const;
+    /// A copy of all, in the order of the keys.
+    std::vector<Field> fields() const;
+    bool operator==(const Record& other) const;
     /// Whether both are copies of one record, unchanged since; equal records need not be.
-    bool isCopyOf(const Record& other) const { return fields_ == other.fields_; }
+    bool isCopyOf(const Record& other) const { return content_ == other.content_; }
 
 private:
+    struct Content {
+        Keys keys;
+        std::vector<Value> values;
+    };
+
     const Value* find(std::string_view key) const;
 
-    std::shared_ptr<std::vector<Field>> fields_; ///< null while there are none
+    std::shared_ptr<Content> content_; ///< null while there are no fields
 };
 
 } // namespace platform

@@ -137,7 +137,7 @@ void EditingView::showOnlyUnmapped(bool only)
         auto rows = matching(list);
         const auto isMapped = [&](std::size_t row) {
             const platform::Record& parameter = list.content()[row];
-            return &parameter != list.selection() && !controller_.mappedPots().positionsOf(parameter).empty();
+            return &parameter != list.selection() && controller_.mappedPots().isOnPot(parameter);
         };
         rows.erase(std::remove_if(rows.begin(), rows.end(), isMapped), rows.end());
         return rows;

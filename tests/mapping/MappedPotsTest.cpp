@@ -36,6 +36,10 @@ TEST(MappedPots, TellsWhereAParameterStands)
     EXPECT_EQ(pots.positionsOf(entryFromElement("5 Pan", 0, 0)), Positions());
     EXPECT_EQ(pots.positionsOf(entryFromElement("9 Level", 0, 0)), Positions());
     EXPECT_EQ(pots.positionsOf(emptyEntry(0, 0)), Positions());
+    EXPECT_EQ(pots.positionsOf(kCutoff, 1), Positions{2});
+    EXPECT_TRUE(pots.isOnPot(kLevel));
+    EXPECT_FALSE(pots.isOnPot(entryFromElement("5 Pan", 0, 0)));
+    EXPECT_FALSE(pots.isOnPot(emptyEntry(0, 0)));
     EXPECT_EQ(pots.mappedCount(), 2);
     EXPECT_EQ(pots.parameterCount(), 3);
 }

@@ -198,6 +198,31 @@ TEST_F(MappingStore, ReadsAFileInEitherForm)
     }
 }
 
+TEST_F(MappingStore, WhatAMarkedFileHoldsIsKnownUntilItsBytesChange)
+{
+    for (const bool isMarked : {false, true}) {
+        test::writeDictionary(file_, test::orderFile({"1 Gain", "2 Pan"}));
+        if (isMarked)
+            markFile(file_);
+        auto known = markFile(file_);
+        ASSERT_TRUE(known.has_value());
+        EXPECT_EQ(known->bytes, read(file_));
+        EXPECT_EQ(known->document.root, plist::parse(read(file_))->root);
+
+        // Another document for the same bytes tells which of the two was taken.
+        known->document.root = test::orderFile({"1 Known"});
+        EXPECT_EQ(nameAt(readMapping(file_, std::nullopt, known).entries, 0), "Known");
+        save(file_, {"3 Changed"});
+        EXPECT_EQ(nameAt(readMapping(file_, std::nullopt, known).entries, 0), "Changed");
+        fs::remove(file_);
+        EXPECT_EQ(nameAt(readMapping(file_, std::nullopt, known).entries, 0), kEmptyName);
+        fs::remove(original_);
+        fs::remove(previous_);
+    }
+    write(file_, "no property list");
+    EXPECT_FALSE(markFile(file_).has_value());
+}
+
 TEST_F(MappingStore, AFileThatCannotBeReadReadsAsAnEmptyOneAndStays)
 {
     for (const char* bytes : {"no property list", "", "<plist><array><string>1 A</string></array></plist>"}) {

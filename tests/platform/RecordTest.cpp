@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -79,6 +80,30 @@ TEST(Record, ACopyIsIndependent)
     Record copy = kSample;
     copy.set("ParamNum", "1");
     EXPECT_EQ(kSample.text("ParamNum"), "12");
+}
+
+TEST(Record, RecordsOfOneSetOfKeysDoNotSeeEachOthersFields)
+{
+    const auto keys = std::make_shared<const std::vector<std::string>>(std::vector<std::string>{"ParamNum", "Page"});
+    Record one(keys, {"1", std::int32_t{2}});
+    const Record other(keys, {"1", std::int32_t{2}});
+    EXPECT_EQ(one, other);
+    EXPECT_EQ(one, (Record{{"ParamNum", "1"}, {"Page", std::int32_t{2}}}));
+    one.set("State", "Editable");
+    one.set("ParamNum", "7");
+    EXPECT_EQ(other.keys(), (std::vector<std::string>{"ParamNum", "Page"}));
+    EXPECT_EQ(other.text("ParamNum"), "1");
+    EXPECT_EQ(one.keys(), (std::vector<std::string>{"ParamNum", "Page", "State"}));
+}
+
+TEST(Record, AnEmptyTextIsATextAndANumberIsNone)
+{
+    const Record record = {{"empty", ""}, {"number", std::int32_t{0}}};
+    ASSERT_NE(record.findText("empty"), nullptr);
+    EXPECT_EQ(*record.findText("empty"), "");
+    EXPECT_EQ(record.findText("number"), nullptr);
+    EXPECT_EQ(record.findText("missing"), nullptr);
+    EXPECT_EQ(Record().findText("empty"), nullptr);
 }
 
 } // namespace
