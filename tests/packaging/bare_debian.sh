@@ -38,6 +38,10 @@ listing() {
         sort
 }
 
+packages() {
+    inside dpkg-query -W -f '${Package}\n' | sort -u
+}
+
 # Runs the program for a moment without a screen. It is to show a window, to go on until it is ended, and to complain of
 # nothing. The offscreen platform says something of its own whenever a window is shown.
 start() {
@@ -72,6 +76,7 @@ cp "$package" "$bare/tmp/"
 # First with what it cannot do without, then as a user gets it.
 for recommended in --no-install-recommends --install-recommends; do
     listing >"$work/before"
+    packages >"$work/packages"
     aptGet install "$recommended" "/tmp/$(basename "$package")"
     mapfile -t own < <(inside dpkg -L "$name")
     listing >"$work/with"
@@ -87,9 +92,12 @@ for recommended in --no-install-recommends --install-recommends; do
         fi
     done
     mapfile -t named < <(comm -13 "$work/before" "$work/after" | grep -i kvorvanta || true)
-    echo "$recommended: $(comm -13 "$work/before" "$work/with" | wc -l) paths came," \
-        "$(comm -13 "$work/before" "$work/after" | wc -l) stayed:"
-    comm -13 "$work/before" "$work/after" | sed 's/^/  /'
+    # A recommended package stays when another one that was there before suggests it.
+    echo "$recommended: $(comm -13 "$work/before" "$work/with" | wc -l) paths came;" \
+        "packages that stayed: $(comm -13 "$work/packages" <(packages) | tr '\n' ' ');" \
+        "paths that stayed and are in no package:"
+    comm -13 "$work/before" "$work/after" | comm -23 - <(inside sh -c 'cat /var/lib/dpkg/info/*.list' | sort -u) |
+        sed 's/^/  /'
     if [[ ${#left[@]} -gt 0 || ${#named[@]} -gt 0 ]]; then
         echo "These are ours and were left behind: ${left[*]} ${named[*]}"
         exit 1
