@@ -3,6 +3,7 @@
 // trouble.
 
 #include "tests/support/TemporaryFolder.h"
+#include "tests/trust/InMemory.h"
 
 #include <map>
 #include <ostream>
@@ -70,6 +71,7 @@ public:
     DriverRun run(const std::vector<std::string>& operation, const Fault& fault = {}) const;
 
 private:
+    InMemory inMemory_;
     test::TemporaryFolder root_;
     Path folder_;
 };

@@ -7,6 +7,7 @@
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/TestBaseUrl.h"
 #include "tests/trust/Headless.h"
+#include "tests/trust/InMemory.h"
 
 #include <gtest/gtest.h>
 
@@ -33,17 +34,6 @@ constexpr int kPatience = 1;
 constexpr bool kIsMemoryMeasured = true;
 #endif
 
-/// Temporary folders lie in memory where the system has a folder for it: hundreds of thousands of files, or thousands
-/// of flushes, say nothing about the program on a slow disk.
-class InMemory {
-public:
-    InMemory()
-    {
-        if (::access("/dev/shm", W_OK) == 0)
-            ::setenv("TMPDIR", "/dev/shm", 1);
-    }
-};
-
 class Load : public testing::Test {
 protected:
     static qint64 millisecondsOf(const std::function<void()>& action)
@@ -55,7 +45,7 @@ protected:
     }
     static void report(const char* what, qint64 number) { std::cout << what << ": " << number << '\n'; }
 
-    const InMemory inMemory_;
+    const trust::InMemory inMemory_;
 };
 
 // A library
