@@ -79,6 +79,8 @@ public:
     void undo(Sender = nullptr);
     void redo(Sender = nullptr);
     const platform::UndoManager& history() const { return *history_; }
+    /// Another number after every edit, undo and redo.
+    std::uint64_t historyRevision() const { return historyRevision_; }
     /// How many pots a save would write differently from what the file held when it was last read or written.
     std::size_t changedPots() const;
     /// Whether a save would change the file: its pots, or its mode.
@@ -204,6 +206,7 @@ private:
 
     platform::Platform& platform_;
     std::unique_ptr<platform::UndoManager> history_;
+    std::uint64_t historyRevision_ = 0;
     /// The mapping as its file holds it, and the mode that the file was read with or that was saved.
     std::vector<platform::Record> savedEntries_;
     std::int32_t savedMode_ = 0;

@@ -58,6 +58,8 @@ bool ViewController::hasUnsavedChanges() const
 
 std::optional<mapping::BackupComparison> ViewController::compareWithBackup(const std::string& suffix) const
 {
+    if (!isMappingLoaded())
+        return std::nullopt;
     return mapping::compareBackup(labPluginPlistLocation()->stringValue.get(), suffix, mapping::plistBuild);
 }
 
@@ -72,11 +74,13 @@ void ViewController::finishEdit(const std::string& name, const mapping::EditingS
 {
     if (labPluginPlistLocation()->stringValue.get() != pathBefore) {
         history_->forgetAll(); // another plug-in
+        ++historyRevision_;
         return;
     }
     auto change = std::make_shared<const mapping::EditingChange>(mapping::changeBetween(before, snapshot()));
     if (change->isEmpty())
         return;
+    ++historyRevision_;
     history_->remember(
         platform_.localization.localizedString(name), [this, change] { goThrough(*change, true); },
         [this, change] { goThrough(*change, false); });
@@ -85,6 +89,7 @@ void ViewController::finishEdit(const std::string& name, const mapping::EditingS
 void ViewController::goThrough(const mapping::EditingChange& change, bool forward)
 {
     const Operation operation(*this);
+    ++historyRevision_;
     const auto go = forward ? mapping::makeAgain : mapping::takeBack;
     const mapping::EditingNumbers& numbers = forward ? change.after : change.before;
     go(change.entries, mapping::plistBuild);

@@ -23,6 +23,7 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <utility>
 
 namespace interface {
 
@@ -149,7 +150,8 @@ void EditingView::refresh()
     const bool hasMapping = !mapping::plistBuild.empty();
     panel_->setShownPage(mapping::curPage, hasMapping ? mapping::totalPages : 0);
     overview_->refresh(hasMapping ? mapping::totalPages : 0, mapping::curPage);
-    search_->giveUpUndo();
+    if (std::exchange(historyRevision_, controller_.historyRevision()) != controller_.historyRevision())
+        search_->giveUpUndo();
     if (unmappedOnly_->isChecked())
         controller_.arrayControllerPlistSelected()->rearrange();
     enableWhatCanBeDone();
@@ -191,7 +193,8 @@ void EditingView::showTitle()
         unsaved = tr("Unsaved mode");
     unsaved_->setText(unsaved);
     const QString program = QStringLiteral("kvOrvantaLogic Tool");
-    const QString plugin = qt::toQt(controller_.myArrayController()->selectionText(plugins::kPlugin));
+    QString plugin = qt::toQt(controller_.myArrayController()->selectionText(plugins::kPlugin));
+    plugin.replace(QLatin1String("[*]"), QLatin1String("[*][*]")); // or Qt would take it for the mark's place
     window_->setWindowTitle(plugin.isEmpty() ? program + QStringLiteral("[*]")
                                              : plugin + QStringLiteral("[*] \u2013 ") + program);
     window_->setWindowModified(isModified);
@@ -239,16 +242,21 @@ void EditingView::showHints()
         hint = found->content().empty() ? QString() : tr("Choose a plug-in at the left to see its parameters.");
     else if (offered->content().size() == 1)
         hint = tr("The file of this plug-in lists no parameters.");
+    else if (offered->arrangedCount() == 1 && !searched.isEmpty() && unmappedOnly_->isChecked())
+        hint = tr("No parameter that is not mapped yet was found for \u201c%1\u201d.\n\nSwitch off \u201cNot mapped "
+                  "yet\u201d to search all of them.")
+                   .arg(searched.left(80));
     else if (offered->arrangedCount() == 1 && !searched.isEmpty())
         hint = tr("No parameter found for \u201c%1\u201d.\n\nPress Escape in the search field to see all again.")
                    .arg(searched.left(80));
     else if (offered->arrangedCount() == 1)
         hint = tr("Every parameter stands on a pot.");
     parameters_->setHint(hint);
-    shared_->setHint(controller_.arrayController_downloadList()->content().empty()
-                         ? tr("No shared mappings for this plug-in.\n\nSave yours and press \u201cShare\u201d to be "
-                              "the first.")
-                         : QString());
+    shared_->setHint(
+        controller_.arrayController_downloadList()->content().empty()
+            ? tr("There are no shared mappings to show for this plug-in.\n\nLog in with \u201cAccount\u201d, "
+                 "save yours and press \u201cShare\u201d.")
+            : QString());
 }
 
 void EditingView::describeBackup(const RecallButton& recall)

@@ -9,6 +9,7 @@
 #include <QString>
 #include <QTimer>
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
@@ -83,6 +84,7 @@ private:
     Control redo_;
     QAction* modeItems_[2]; ///< by mode
     std::vector<RecallButton> recalls_;
+    std::uint64_t historyRevision_ = 0;
     QTimer backupsChanged_;
     std::vector<platform::Connection> connections_;
 };

@@ -13,6 +13,7 @@ void connectPotKeys(const Interface& loaded)
         auto* button = loaded.find<QAbstractButton>(qPrintable(QStringLiteral("kvRotaryBtn%1").arg(pot)));
         for (const char* place : {"tablePlistOfSelectedPlugin", "frontPanel"}) {
             auto* key = new QShortcut(QKeySequence(Qt::Key_0 + pot), loaded.find<QWidget>(place));
+            key->setAutoRepeat(false); // a key held down does not lay parameter after parameter
             key->setContext(Qt::WidgetWithChildrenShortcut);
             QObject::connect(key, &QShortcut::activated, button, &QAbstractButton::click);
         }

@@ -15,6 +15,7 @@
 #include <QKeyEvent>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QSplitter>
 
 #include <initializer_list>
@@ -270,7 +271,9 @@ MainWindow::MainWindow()
     layout->addWidget(makeViews(), 1);
     layout->addLayout(makeStatusRow());
     setCentralWidget(content);
-    resize(1240, 770);
+    constexpr QSize kUsual(1240, 770);
+    constexpr QSize kFrame(16, 48); // about what the system draws around a window
+    resize(kUsual.boundedTo(screen()->availableSize() - kFrame));
 }
 
 void MainWindow::keyPressEvent(QKeyEvent* event)

@@ -26,6 +26,7 @@ struct Item {
     const char* title; ///< of the context "Menus"; null: a separator
     Keys keys = {};
     const char* symbol = nullptr;
+    bool repeats = false; ///< while its key is held down; nothing that edits does, but what can be taken back again
 };
 
 const Item kSeparator = {nullptr, nullptr};
@@ -42,6 +43,7 @@ QAction* add(QMenu* menu, const Item& item)
     QAction* action = menu->addAction(translated(item.title));
     action->setObjectName(QString::fromLatin1(item.name));
     action->setShortcuts(item.keys.sequences);
+    action->setAutoRepeat(item.repeats);
     if (item.symbol)
         action->setIcon(platform::qt::symbolIcon(QString::fromLatin1(item.symbol)));
     return action;
@@ -80,8 +82,8 @@ void makeFileMenu(QMenu* menu)
 void makeEditMenu(QMenu* menu)
 {
     fill(menu, {
-                   {"undo", QT_TRANSLATE_NOOP("Menus", "Undo"), QKeySequence::Undo, "undo"},
-                   {"redo", QT_TRANSLATE_NOOP("Menus", "Redo"), QKeySequence::Redo, "redo"},
+                   {"undo", QT_TRANSLATE_NOOP("Menus", "Undo"), QKeySequence::Undo, "undo", true},
+                   {"redo", QT_TRANSLATE_NOOP("Menus", "Redo"), QKeySequence::Redo, "redo", true},
                    kSeparator,
                    {"findParameter", QT_TRANSLATE_NOOP("Menus", "Find Parameter"), QKeySequence::Find, "search"},
                    {"unmappedOnlyItem", QT_TRANSLATE_NOOP("Menus", "Only Parameters Not Mapped Yet"), "Ctrl+Shift+M",
@@ -92,6 +94,7 @@ void makeEditMenu(QMenu* menu)
     for (int pot = 1; pot <= 8; ++pot) {
         QAction* press = menu->addAction(QCoreApplication::translate("Menus", "Put on Pot %1").arg(pot));
         press->setObjectName(QStringLiteral("kvRotBtn%1_Pressed").arg(pot));
+        press->setAutoRepeat(false);
         press->setShortcut(QKeySequence(QStringLiteral("Ctrl+%1").arg(pot)));
     }
     menu->addSeparator();
@@ -110,8 +113,9 @@ void makePageMenu(QMenu* menu)
     fill(menu,
          {
              {"firstPageButtonPressed", QT_TRANSLATE_NOOP("Menus", "First Page"), Qt::Key_Home, "page-first"},
-             {"prevPageButtonPressed", QT_TRANSLATE_NOOP("Menus", "Previous Page"), Qt::Key_PageUp, "page-previous"},
-             {"nextPageButtonPressed", QT_TRANSLATE_NOOP("Menus", "Next Page"), Qt::Key_PageDown, "page-next"},
+             {"prevPageButtonPressed", QT_TRANSLATE_NOOP("Menus", "Previous Page"), Qt::Key_PageUp, "page-previous",
+              true},
+             {"nextPageButtonPressed", QT_TRANSLATE_NOOP("Menus", "Next Page"), Qt::Key_PageDown, "page-next", true},
              {"lastPageButtonPressed", QT_TRANSLATE_NOOP("Menus", "Last Page"), Qt::Key_End, "page-last"},
              kSeparator,
              {"kvMovePage_First", QT_TRANSLATE_NOOP("Menus", "Move Page to First"), "Ctrl+Home", "move-first"},

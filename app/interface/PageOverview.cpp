@@ -140,12 +140,16 @@ void PageOverview::refresh(int pages, int shownPage)
 {
     const QScopedValueRollback guard(isRefreshing_, true);
     const bool hadPages = model_->rowCount() > 0;
+    const bool isOtherCount = model_->rowCount() != pages;
     model_->refresh(pages, shownPage);
     if (hadPages != (pages > 0) || accessibleDescription().isEmpty() != (pages > 0))
         setAccessibleDescription(pages > 0 ? QString() : tr("Choose a plug-in to see its pages here."));
     const QModelIndex shown = model_->index(shownPage - 1);
     if (shown != currentIndex())
         setCurrentIndex(shown);
+    // Qt would lay out when events are next handled, and an alert that comes up before shows an empty strip.
+    if (isOtherCount)
+        doItemsLayout();
 }
 
 QSize PageOverview::sizeHint() const

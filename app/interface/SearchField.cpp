@@ -17,9 +17,12 @@ SearchField::SearchField(QWidget* parent) : QLineEdit(parent)
 
 bool SearchField::event(QEvent* event)
 {
-    if (event->type() == QEvent::ShortcutOverride && !wasTypedInto_) {
+    if (event->type() == QEvent::ShortcutOverride) {
         const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) {
+        const bool undoes = key->matches(QKeySequence::Undo);
+        const bool redoes = key->matches(QKeySequence::Redo);
+        const bool isOwn = wasTypedInto_ && (undoes ? isUndoAvailable() : isRedoAvailable());
+        if ((undoes || redoes) && !isOwn) {
             event->ignore();
             return false;
         }

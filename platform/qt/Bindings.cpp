@@ -134,6 +134,17 @@ void bind(const std::shared_ptr<Button>& button, QAbstractButton* widget)
     QObject::connect(widget, &QAbstractButton::clicked, binding, [control = button.get()] { control->pressed.emit(); });
 }
 
+namespace {
+
+/// Tab goes to the chosen cell only; the arrow keys choose another.
+void letTabReachTheChosenCell(const QButtonGroup* group)
+{
+    for (QAbstractButton* cell : group->buttons())
+        cell->setFocusPolicy(cell->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
+}
+
+} // namespace
+
 void bind(const std::shared_ptr<RadioMatrix>& matrix, QButtonGroup* group)
 {
     auto* binding = new Binding(group, matrix);
@@ -141,10 +152,12 @@ void bind(const std::shared_ptr<RadioMatrix>& matrix, QButtonGroup* group)
         const QSignalBlocker quiet(group);
         if (QAbstractButton* cell = group->button(tag))
             cell->setChecked(true);
+        letTabReachTheChosenCell(group);
     });
-    QObject::connect(group, &QButtonGroup::idToggled, binding, [control = matrix.get()](int tag, bool chosen) {
+    QObject::connect(group, &QButtonGroup::idToggled, binding, [control = matrix.get(), group](int tag, bool chosen) {
         if (!chosen)
             return;
+        letTabReachTheChosenCell(group);
         control->selectedTag.set(tag);
         control->cellChosen.emit();
     });

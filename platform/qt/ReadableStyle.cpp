@@ -1,5 +1,8 @@
 #include "platform/qt/ReadableStyle.h"
 
+#include "platform/qt/ReadableColours.h"
+
+#include <QAbstractScrollArea>
 #include <QPainter>
 #include <QStyleOption>
 
@@ -17,6 +20,30 @@ QColor outlineColour(const QStyleOption& option)
     return {mixed(text.red(), ground.red()), mixed(text.green(), ground.green()), mixed(text.blue(), ground.blue())};
 }
 
+/// The selection's colour where it stands out from the window, else the text's.
+QColor focusColour(const QStyleOption& option)
+{
+    constexpr double kVisible = 3;
+    const QColor ground = option.palette.color(QPalette::Window);
+    const QColor selection = option.palette.color(QPalette::Active, QPalette::Highlight);
+    return contrast(selection, ground) >= kVisible ? selection : option.palette.color(QPalette::WindowText);
+}
+
+void drawOutline(QPainter& painter, const QRect& rect, const QPen& pen, bool isRound)
+{
+    const double inset = pen.widthF() / 2;
+    const QRectF outline = QRectF(rect).adjusted(inset, inset, -inset, -inset);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(pen);
+    painter.setBrush(Qt::NoBrush);
+    if (isRound)
+        painter.drawEllipse(outline);
+    else
+        painter.drawRoundedRect(outline, 2, 2);
+    painter.restore();
+}
+
 } // namespace
 
 ReadableStyle::ReadableStyle() : QProxyStyle(QStringLiteral("fusion")) {}
@@ -26,21 +53,16 @@ void ReadableStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* 
 {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
     const bool isRound = element == PE_IndicatorRadioButton;
-    const bool isOutlined = isRound || element == PE_IndicatorCheckBox || element == PE_FrameLineEdit;
-    // The colour of the focus is there already.
-    const bool hasFocus = element == PE_FrameLineEdit && option->state.testFlag(State_HasFocus);
-    if (!isOutlined || hasFocus || !option->state.testFlag(State_Enabled))
+    const bool isField = element == PE_FrameLineEdit;
+    const bool isOutlined = isRound || isField || element == PE_IndicatorCheckBox;
+    const bool takesFocus = isField || element == PE_PanelButtonCommand || element == PE_FrameFocusRect;
+    const bool isList = element == PE_Frame && qobject_cast<const QAbstractScrollArea*>(widget);
+    if (!option->state.testFlag(State_Enabled))
         return;
-    painter->save();
-    painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(QPen(outlineColour(*option), 1.2));
-    painter->setBrush(Qt::NoBrush);
-    const QRectF outline = QRectF(option->rect).adjusted(0.6, 0.6, -0.6, -0.6);
-    if (isRound)
-        painter->drawEllipse(outline);
-    else
-        painter->drawRoundedRect(outline, 2, 2);
-    painter->restore();
+    if ((takesFocus || isList) && option->state.testFlag(State_HasFocus))
+        drawOutline(*painter, option->rect, QPen(focusColour(*option), 2), false);
+    else if (isOutlined)
+        drawOutline(*painter, option->rect, QPen(outlineColour(*option), 1.2), isRound);
 }
 
 } // namespace platform::qt

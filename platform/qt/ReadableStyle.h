@@ -1,6 +1,6 @@
 #pragma once
-// Qt's own style for desktops without one, with outlines of check boxes, radio buttons and text fields that stand out
-// from the window: in dark colours the plain ones are darker still and can hardly be seen.
+// Qt's own style for desktops without one, with outlines of check boxes, radio buttons and text fields, and a frame
+// around what has the focus, that stand out from the window: in dark colours the plain ones can hardly be seen.
 
 #include <QProxyStyle>
 

@@ -8,7 +8,9 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QDateTime>
+#include <QDragEnterEvent>
 #include <QMimeData>
+#include <QScreen>
 #include <QSplitter>
 #include <QTest>
 
@@ -179,7 +181,7 @@ TEST_F(EditingViewTest, EmptyListsSayWhatToDoNext)
     launch();
     EXPECT_THAT(hint("pluginTableView"), HasSubstr("No plug-ins were found."));
     EXPECT_EQ(hint("tablePlistOfSelectedPlugin"), "");
-    EXPECT_THAT(hint("cwinPlistAvailable"), HasSubstr("No shared mappings for this plug-in."));
+    EXPECT_THAT(hint("cwinPlistAvailable"), HasSubstr("There are no shared mappings to show for this plug-in."));
     writeDictionary(builtIn("Synth"), orderFile(numbered(10)));
     writeDictionary(builtIn("Nothing"), orderFile({}));
     click("btnRunCheck");
@@ -193,6 +195,41 @@ TEST_F(EditingViewTest, EmptyListsSayWhatToDoNext)
               hint("tablePlistOfSelectedPlugin"));
     select("Nothing");
     EXPECT_EQ(hint("tablePlistOfSelectedPlugin"), "The file of this plug-in lists no parameters.");
+}
+
+TEST_F(EditingViewTest, ASearchAmongUnmappedParametersSaysThatOthersAreLeftOut)
+{
+    load(10);
+    click("unmappedOnly");
+    typeInto("parameterSearch", "knob 3");
+    EXPECT_THAT(hint("tablePlistOfSelectedPlugin"), HasSubstr("not mapped yet was found for \u201cknob 3\u201d"));
+    click("unmappedOnly");
+    EXPECT_EQ(hint("tablePlistOfSelectedPlugin"), "");
+}
+
+TEST_F(EditingViewTest, TheMarkKeepsItsPlaceWhateverThePluginIsCalled)
+{
+    writeDictionary(builtIn("X[*]"), orderFile(numbered(8)));
+    launch();
+    select("X[*]");
+    EXPECT_EQ(find<>("cwinMainWindow")->windowTitle(), QStringLiteral("X[*][*][*] \u2013 kvOrvantaLogic Tool"));
+}
+
+TEST_F(EditingViewTest, TheStripIsDrawnAtOnceWithAnotherNumberOfPages)
+{
+    load(24);
+    auto* strip = find<QAbstractItemView>("pageOverview");
+    click("newPageButtonPressed");
+    EXPECT_FALSE(strip->visualRect(strip->model()->index(3, 0)).isEmpty());
+    click("clearAllPagesButtonPressed");
+    EXPECT_FALSE(strip->visualRect(strip->model()->index(0, 0)).isEmpty());
+}
+
+TEST_F(EditingViewTest, TheFirstWindowFitsTheScreen)
+{
+    launch();
+    const QSize room = find<>("cwinMainWindow")->screen()->availableSize();
+    EXPECT_LE(find<>("cwinMainWindow")->height(), room.height() - 40);
 }
 
 TEST_F(EditingViewTest, RecallButtonsTellWhenTheirBackupWasMadeAndWhatDiffers)
@@ -262,6 +299,66 @@ TEST_F(EditingViewTest, RowsOfTheParameterListCanBeDragged)
     EXPECT_EQ(dragged->formats(), QStringList(QStringLiteral("application/x-kv-parameter")));
     EXPECT_EQ(dragged->data(QStringLiteral("application/x-kv-parameter")), "7");
     EXPECT_FALSE(find<QAbstractItemView>("pluginTableView")->dragEnabled());
+}
+
+/// Drags something over the panel and lets it go over a pot.
+void dropOnPot(QWidget* panel, QWidget* pot, const char* type, const QByteArray& content)
+{
+    QMimeData dragged;
+    dragged.setData(QString::fromLatin1(type), content);
+    const QPoint at = pot->mapTo(panel, pot->rect().center());
+    const auto actions = Qt::CopyAction | Qt::MoveAction;
+    QDragEnterEvent enter(at, actions, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(panel, &enter);
+    QDragMoveEvent move(at, actions, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(panel, &move);
+    QDropEvent drop(QPointF(at), actions, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(panel, &drop);
+}
+
+TEST_F(EditingViewTest, AParameterDroppedOnAPotIsPutThereAsByAPress)
+{
+    load();
+    choose(9);
+    dropOnPot(find<>("frontPanel"), find<>("kvRotaryBtn3"), "application/x-kv-parameter", "9");
+    EXPECT_EQ(potLabel(3), "Knob 9");
+    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 10);
+    EXPECT_EQ(itemText("undo"), "Undo Assign Parameter");
+    choose(0);
+    dropOnPot(find<>("frontPanel"), find<>("kvRotaryBtn8"), "application/x-kv-parameter", "0");
+    EXPECT_EQ(potLabel(8), "-");
+    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 0);
+    EXPECT_EQ(itemText("undo"), "Undo Clear Pot");
+}
+
+TEST_F(EditingViewTest, APotDroppedOnAnotherExchangesTheTwo)
+{
+    load();
+    click("nextPageButtonPressed");
+    choose(5);
+    dropOnPot(find<>("frontPanel"), find<>("kvRotaryBtn7"), "application/x-kv-pot", "2");
+    EXPECT_EQ(potLabel(2), "Knob 15");
+    EXPECT_EQ(potLabel(7), "Knob 10");
+    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 5);
+    EXPECT_EQ(itemText("undo"), "Undo Exchange Pots");
+    click("undoButton");
+    EXPECT_EQ(potLabel(2), "Knob 10");
+    EXPECT_EQ(potLabel(7), "Knob 15");
+}
+
+TEST_F(EditingViewTest, AClickInTheStripShowsThatPage)
+{
+    load(40);
+    auto* strip = find<QAbstractItemView>("pageOverview");
+    EXPECT_EQ(strip->model()->rowCount(), 5);
+    const QRect tile = strip->visualRect(strip->model()->index(3, 0));
+    QTest::mouseClick(strip->viewport(), Qt::LeftButton, Qt::NoModifier, tile.center());
+    EXPECT_EQ(text("lab_PageCurrentlyDisplayed"), "Page 4 of 5");
+    EXPECT_EQ(potLabel(1), "Knob 25");
+    click("prevPageButtonPressed");
+    EXPECT_EQ(strip->currentIndex().row(), 2);
+    click("deletePageButtonPressed");
+    EXPECT_EQ(strip->model()->rowCount(), 4);
 }
 
 class WindowMemoryTest : public EditingViewTest {

@@ -3,6 +3,7 @@
 #include "mapping/EditingState.h"
 
 #include <QAction>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QSet>
@@ -202,6 +203,47 @@ TEST_F(KeyboardTest, UndoTakesBackTypingRightAfterItAndElseTheLastEdit)
     EXPECT_EQ(potLabel(2), "Knob 12");
 }
 
+TEST_F(KeyboardTest, UndoMeansTheFieldOnlyAsLongAsItHasSomethingToTakeBack)
+{
+    load();
+    controller().arrayControllerPlistSelected()->setSelectionIndex(9);
+    focus("parameterSearch");
+    key(Qt::Key_1, Qt::ControlModifier);
+    type("kn");
+    key(Qt::Key_PageDown); // no edit, so the typing is still what was done last
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_NE(search(), "kn");
+    EXPECT_TRUE(controller().history().canUndo());
+    for (int i = 0; i < 6; ++i)
+        key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(search(), "");
+    EXPECT_FALSE(controller().history().canUndo());
+    EXPECT_EQ(potLabel(1), "Knob 1");
+}
+
+TEST_F(KeyboardTest, AKeyHeldDownEditsOnlyOnce)
+{
+    load();
+    controller().arrayControllerPlistSelected()->setSelectionIndex(9);
+    focus("tablePlistOfSelectedPlugin");
+    const auto holdDown = [](int pressed, Qt::KeyboardModifiers modifiers, const QString& typed) {
+        for (const bool repeated : {false, true, true}) {
+            QWidget* focused = QApplication::focusWidget();
+            QKeyEvent down(QEvent::KeyPress, pressed, modifiers, typed, repeated);
+            if (!qt_sendShortcutOverrideEvent(focused, 0, pressed, modifiers, typed, repeated))
+                QApplication::sendEvent(focused, &down);
+        }
+    };
+    holdDown(Qt::Key_3, Qt::NoModifier, QStringLiteral("3"));
+    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 10);
+    holdDown(Qt::Key_4, Qt::ControlModifier, {});
+    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 11);
+    holdDown(Qt::Key_N, Qt::ControlModifier, {});
+    EXPECT_EQ(mapping::totalPages, 4);
+    holdDown(Qt::Key_PageUp, Qt::NoModifier, {});
+    EXPECT_EQ(mapping::curPage, 1); // stepping goes on
+}
+
 TEST_F(KeyboardTest, ThePlatformsShortcutsDoTheirWork)
 {
     load();
@@ -306,12 +348,13 @@ TEST_F(KeyboardTest, TabReachesEveryControlOnce)
     for (QWidget* widget : window->findChildren<QWidget*>()) {
         const bool takesFocus = widget->isVisibleTo(window) && widget->isEnabled() &&
                                 (widget->focusPolicy() & Qt::TabFocus) && !widget->focusProxy();
-        auto* radio = qobject_cast<QAbstractButton*>(widget);
-        if (!takesFocus || (radio && radio->autoExclusive() && !radio->isChecked()))
+        if (!takesFocus)
             continue;
         EXPECT_TRUE(reached.contains(widget))
             << widget->metaObject()->className() << " " << qPrintable(widget->objectName());
     }
+    EXPECT_TRUE(reached.contains(find<>("kvPluginMode_0"))); // the chosen one
+    EXPECT_FALSE(reached.contains(find<>("kvPluginMode_1")));
     // Lists, then the panel from left to right, then what works on pages.
     const auto at = [&](const char* name) { return order.indexOf(QLatin1String(name)); };
     EXPECT_LT(at("pluginTableView"), at("parameterSearch"));

@@ -8,7 +8,9 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QLineEdit>
+#include <QPainter>
 #include <QRadioButton>
+#include <QStyleOption>
 
 #include <algorithm>
 #include <memory>
@@ -47,6 +49,25 @@ TEST_P(ReadableStyleTest, OutlinesStandOutFromTheWindow)
                                                                                        : QStyle::SE_CheckBoxIndicator,
                                                                                &option, control);
         EXPECT_GE(outlineContrast(*control, rect), 3.0) << control->metaObject()->className();
+    }
+}
+
+TEST_P(ReadableStyleTest, TheFocusStandsOutFromTheWindow)
+{
+    const support::FixedLook look(GetParam() ? support::darkPalette() : support::lightPalette());
+    for (const auto element : {QStyle::PE_PanelButtonCommand, QStyle::PE_FrameLineEdit, QStyle::PE_FrameFocusRect}) {
+        QStyleOptionButton option;
+        option.palette = QApplication::palette();
+        option.rect = QRect(0, 0, 80, 30);
+        option.state = QStyle::State_Enabled | QStyle::State_HasFocus | QStyle::State_KeyboardFocusChange;
+        const QColor ground = option.palette.color(QPalette::Window);
+        QImage image(option.rect.size(), QImage::Format_RGB32);
+        image.fill(ground);
+        QPainter painter(&image);
+        QApplication::style()->drawPrimitive(element, &option, &painter);
+        painter.end();
+        for (const QPoint edge : {QPoint(0, 15), QPoint(79, 15), QPoint(40, 0), QPoint(40, 29)})
+            EXPECT_GE(contrast(image.pixelColor(edge), ground), 3.0) << element << " " << edge.x() << " " << edge.y();
     }
 }
 
