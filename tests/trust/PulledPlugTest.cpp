@@ -90,6 +90,7 @@ TEST_P(PulledPlug, LeavesEveryFileOldOrNewOrAbsent)
         if (!run.isKilled) {
             EXPECT_TRUE(run.goesOn());
             EXPECT_EQ(files, after_);
+            std::cout << GetParam().name << ": killed at " << at - 1 << " operations\n";
             break;
         }
         SCOPED_TRACE("killed at " + run.trace.back());
