@@ -15,13 +15,8 @@ Record entry(std::string_view number, std::string_view name, std::int32_t page, 
 {
     static const Record::Keys kKeys = std::make_shared<const std::vector<std::string>>(
         std::vector<std::string>{kParamNum, kParameter, kKorvelPage, kKorvelControlNo});
-    std::vector<Record::Value> values;
-    values.reserve(kKeys->size());
-    values.emplace_back(std::in_place_type<std::string>, number);
-    values.emplace_back(std::in_place_type<std::string>, name);
-    values.emplace_back(page);
-    values.emplace_back(controlNo);
-    return {kKeys, std::move(values)};
+    Record::Value values[] = {std::string(number), std::string(name), page, controlNo};
+    return {kKeys, values};
 }
 
 } // namespace

@@ -14,6 +14,16 @@ std::size_t placeOf(std::string_view key, const std::vector<std::string>& keys)
 
 } // namespace
 
+void Record::Content::put(std::size_t place, Value value)
+{
+    if (place < first.size())
+        first[place] = std::move(value);
+    else if (place - first.size() < rest.size())
+        rest[place - first.size()] = std::move(value);
+    else
+        rest.push_back(std::move(value));
+}
+
 Record::Record(std::vector<Field> fields)
 {
     std::vector<std::string> keys;
@@ -24,12 +34,18 @@ Record::Record(std::vector<Field> fields)
         keys.push_back(std::move(field.first));
         values.push_back(std::move(field.second));
     }
-    *this = Record(std::make_shared<const std::vector<std::string>>(std::move(keys)), std::move(values));
+    *this = Record(std::make_shared<const std::vector<std::string>>(std::move(keys)), values);
 }
 
-Record::Record(Keys keys, std::vector<Value> values)
-    : content_(std::make_shared<Content>(Content{std::move(keys), std::move(values)}))
-{}
+Record::Record(Keys keys, std::span<Value> values) : content_(std::make_shared<Content>())
+{
+    content_->keys = std::move(keys);
+    const std::size_t inPlace = std::min(values.size(), content_->first.size());
+    std::move(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(inPlace), content_->first.begin());
+    content_->rest.reserve(values.size() - inPlace);
+    for (std::size_t place = inPlace; place < values.size(); ++place)
+        content_->put(place, std::move(values[place]));
+}
 
 const std::vector<std::string>& Record::keys() const
 {
@@ -40,8 +56,8 @@ const std::vector<std::string>& Record::keys() const
 std::vector<Record::Field> Record::fields() const
 {
     std::vector<Field> fields;
-    for (std::size_t i = 0; content_ && i < content_->values.size(); ++i)
-        fields.emplace_back((*content_->keys)[i], content_->values[i]);
+    for (std::size_t place = 0; place < keys().size(); ++place)
+        fields.emplace_back(keys()[place], content_->at(place));
     return fields;
 }
 
@@ -51,8 +67,8 @@ bool Record::operator==(const Record& other) const
         return true;
     if (!content_ || !other.content_)
         return keys().empty() && other.keys().empty();
-    return content_->values == other.content_->values &&
-           (content_->keys == other.content_->keys || *content_->keys == *other.content_->keys);
+    return content_->first == other.content_->first && content_->rest == other.content_->rest &&
+           (content_->keys == other.content_->keys || keys() == other.keys());
 }
 
 const Record::Value* Record::find(std::string_view key) const
@@ -60,7 +76,7 @@ const Record::Value* Record::find(std::string_view key) const
     if (!content_)
         return nullptr;
     const std::size_t place = placeOf(key, *content_->keys);
-    return place < content_->values.size() ? &content_->values[place] : nullptr;
+    return place < content_->keys->size() ? &content_->at(place) : nullptr;
 }
 
 const std::string* Record::findText(std::string_view key) const
@@ -90,14 +106,12 @@ void Record::set(std::string_view key, Value value)
     else if (content_.use_count() > 1) // others keep what they share
         content_ = std::make_shared<Content>(*content_);
     const std::size_t place = placeOf(key, *content_->keys);
-    if (place < content_->values.size()) {
-        content_->values[place] = std::move(value);
+    content_->put(place, std::move(value));
+    if (place < content_->keys->size())
         return;
-    }
     auto keys = *content_->keys;
     keys.emplace_back(key);
     content_->keys = std::make_shared<const std::vector<std::string>>(std::move(keys));
-    content_->values.push_back(std::move(value));
 }
 
 } // namespace platform

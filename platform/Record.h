@@ -4,9 +4,12 @@
 // the two is changed, so a list of thousands is copied and compared at the cost of its pointers; records made from one
 // set of keys share that too.
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -27,8 +30,8 @@ public:
     Record(std::initializer_list<Field> fields) : Record(std::vector<Field>(fields)) {}
     /// No key may come twice.
     explicit Record(std::vector<Field> fields);
-    /// As many values as keys.
-    Record(Keys keys, std::vector<Value> values);
+    /// As many values as keys; they are moved from.
+    Record(Keys keys, std::span<Value> values);
 
     /// The text under `key`; null when the key is missing or holds a number.
     const std::string* findText(std::string_view key) const;
@@ -46,9 +49,14 @@ public:
     bool isCopyOf(const Record& other) const { return content_ == other.content_; }
 
 private:
+    /// The records of which there are thousands have four fields, and one block of memory each.
     struct Content {
         Keys keys;
-        std::vector<Value> values;
+        std::array<Value, 4> first;
+        std::vector<Value> rest;
+
+        const Value& at(std::size_t place) const { return place < first.size() ? first[place] : rest[place - 4]; }
+        void put(std::size_t place, Value value);
     };
 
     const Value* find(std::string_view key) const;

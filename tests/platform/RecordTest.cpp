@@ -85,8 +85,12 @@ TEST(Record, ACopyIsIndependent)
 TEST(Record, RecordsOfOneSetOfKeysDoNotSeeEachOthersFields)
 {
     const auto keys = std::make_shared<const std::vector<std::string>>(std::vector<std::string>{"ParamNum", "Page"});
-    Record one(keys, {"1", std::int32_t{2}});
-    const Record other(keys, {"1", std::int32_t{2}});
+    const auto made = [&keys] {
+        Record::Value values[] = {"1", std::int32_t{2}};
+        return Record(keys, values);
+    };
+    Record one = made();
+    const Record other = made();
     EXPECT_EQ(one, other);
     EXPECT_EQ(one, (Record{{"ParamNum", "1"}, {"Page", std::int32_t{2}}}));
     one.set("State", "Editable");
@@ -94,6 +98,27 @@ TEST(Record, RecordsOfOneSetOfKeysDoNotSeeEachOthersFields)
     EXPECT_EQ(other.keys(), (std::vector<std::string>{"ParamNum", "Page"}));
     EXPECT_EQ(other.text("ParamNum"), "1");
     EXPECT_EQ(one.keys(), (std::vector<std::string>{"ParamNum", "Page", "State"}));
+}
+
+TEST(Record, HoldsAnyNumberOfFields)
+{
+    for (const bool isMadeAtOnce : {false, true}) {
+        std::vector<Record::Field> fields;
+        Record grown;
+        for (std::int32_t n = 0; n < 11; ++n) {
+            const std::string key = "key " + std::to_string(n);
+            fields.emplace_back(key, n);
+            grown.set(key, n);
+            Record record = isMadeAtOnce ? Record(fields) : grown;
+            EXPECT_EQ(record, Record(fields));
+            EXPECT_EQ(record.fields(), fields);
+            EXPECT_EQ(record.number(key), n);
+            record.set(key, "changed");
+            EXPECT_EQ(record.text(key), "changed");
+            EXPECT_NE(record, grown);
+            EXPECT_EQ(record.keys(), grown.keys());
+        }
+    }
 }
 
 TEST(Record, AnEmptyTextIsATextAndANumberIsNone)
