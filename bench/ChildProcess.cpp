@@ -4,8 +4,8 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 namespace bench {
@@ -35,20 +35,16 @@ double run(const Texts& command, const Texts& environment, const std::string& ou
     ::posix_spawn_file_actions_init(&actions);
     ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    const long long start = now();
     pid_t child = 0;
     int status = ::posix_spawnp(&child, arguments.front(), &actions, nullptr, arguments.data(), variables.data());
     ::posix_spawn_file_actions_destroy(&actions);
-    if (status != 0 || ::waitpid(child, &status, 0) != child || status != 0)
+    rusage used = {};
+    if (status != 0 || ::wait4(child, &status, 0, &used) != child || status != 0)
         throw std::runtime_error("failed: " + command.front());
-    return static_cast<double>(now() - start) / 1e6;
-}
-
-long long now()
-{
-    timespec time = {};
-    ::clock_gettime(CLOCK_MONOTONIC, &time);
-    return static_cast<long long>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
+    const auto milliseconds = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
+    };
+    return milliseconds(used.ru_utime) + milliseconds(used.ru_stime);
 }
 
 } // namespace bench

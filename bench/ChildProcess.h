@@ -8,11 +8,8 @@ namespace bench {
 
 using Texts = std::vector<std::string>;
 
-/// Runs a program to its end; throws unless it ends well. Answers milliseconds from before it was started to after it
-/// ended. `environment` holds NAME=VALUE, added to our own; the output goes to the file, if one is named.
+/// Runs a program to its end; throws unless it ends well. Answers the milliseconds it had of the processor, from its
+/// start to its end. `environment` holds NAME=VALUE, added to our own; the output goes to the file, if one is named.
 double run(const Texts& command, const Texts& environment = {}, const std::string& output = "/dev/null");
-
-/// Nanoseconds on the clock that all processes share.
-long long now();
 
 } // namespace bench

@@ -3,10 +3,11 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <limits>
+
+#include <time.h>
 
 namespace bench {
 
@@ -76,12 +77,18 @@ private:
 
 } // namespace
 
+double processorMilliseconds()
+{
+    timespec time = {};
+    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
 double millisecondsOf(const std::function<void()>& work)
 {
-    using namespace std::chrono;
-    const auto start = steady_clock::now();
+    const double start = processorMilliseconds();
     work();
-    return duration<double, std::milli>(steady_clock::now() - start).count();
+    return processorMilliseconds() - start;
 }
 
 void add(const Figure& figure)

@@ -1,6 +1,7 @@
 #pragma once
 // A figure: what one piece of work costs beside a yardstick that is measured in turn with it, so that a busy machine
-// slows both. Of each side the least of all runs counts: whatever disturbs a run only adds to it.
+// slows both. Times are the processor's, which leaves out what else the machine does meanwhile; nothing measured here
+// waits. Of each side the least of all runs counts: whatever disturbs a run only adds to it.
 
 #include <functional>
 #include <string>
@@ -29,7 +30,9 @@ struct Growth {
     std::function<Measure(int size)> prepare;
 };
 
-/// Milliseconds of one call.
+/// What this process has had of the processor so far.
+double processorMilliseconds();
+/// The same for one call.
 double millisecondsOf(const std::function<void()>& work);
 
 /// Adds a benchmark that reports both sides and their ratio.
