@@ -186,6 +186,8 @@ std::string RandomUser::doSomething(unsigned seed, int step)
         drawn -= deed++->weight;
     std::string done = (this->*deed->act)(chance);
     QApplication::processEvents();
+    // When a download ends would otherwise be up to the machine.
+    support::waitUntil([this] { return controller().downloadProgress().get().running == 0; });
     return done;
 }
 
@@ -279,8 +281,6 @@ std::string RandomUser::useCommunity(Chance& chance)
         openCommunity();
     const char* name = chance.oneOf(kCommunity);
     std::string done = loaded().find<QAbstractButton>(name) ? clickButton(name) : clickRowAt(name, chance.below(3));
-    // When a download ends would otherwise be up to the machine.
-    support::waitUntil([this] { return controller().downloadProgress().get().running == 0; });
     return done;
 }
 
