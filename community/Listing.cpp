@@ -36,8 +36,8 @@ bool beginsWord(std::string_view key, std::size_t i)
 
 std::optional<std::string> textOf(const platform::Record* entry, std::string_view key)
 {
-    const std::string* text = entry ? entry->findText(key) : nullptr;
-    return text ? std::optional(*text) : std::nullopt;
+    const auto text = entry ? entry->findText(key) : std::nullopt;
+    return text ? std::optional<std::string>(*text) : std::nullopt;
 }
 
 std::vector<Column> columnsOf(const std::vector<platform::Record>& entries)

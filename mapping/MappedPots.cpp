@@ -10,7 +10,7 @@ namespace mapping {
 
 std::size_t MappedPots::Hash::operator()(const platform::Record& record) const
 {
-    const std::hash<std::string> hash;
+    const std::hash<std::string_view> hash;
     return hash(record.text(kParamNum)) * 31 + hash(record.text(kParameter));
 }
 

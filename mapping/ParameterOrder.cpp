@@ -1,7 +1,6 @@
 #include "mapping/ParameterOrder.h"
 
 #include <algorithm>
-#include <memory>
 #include <unordered_set>
 #include <utility>
 
@@ -13,9 +12,8 @@ namespace {
 
 Record entry(std::string_view number, std::string_view name, std::int32_t page, std::int32_t controlNo)
 {
-    static const Record::Keys kKeys = std::make_shared<const std::vector<std::string>>(
-        std::vector<std::string>{kParamNum, kParameter, kKorvelPage, kKorvelControlNo});
-    Record::Value values[] = {std::string(number), std::string(name), page, controlNo};
+    static const auto kKeys = Record::keysOf({kParamNum, kParameter, kKorvelPage, kKorvelControlNo});
+    const Record::ValueView values[] = {number, name, page, controlNo};
     return {kKeys, values};
 }
 
@@ -39,11 +37,10 @@ bool isEmptyEntry(const Record& entry)
     return entry.text(kParameter) == kEmptyName;
 }
 
-const std::string& nameAt(const std::vector<Record>& entries, std::int32_t position)
+std::string_view nameAt(const std::vector<Record>& entries, std::int32_t position)
 {
-    static const std::string kNone = kEmptyName;
     const auto index = static_cast<std::size_t>(position);
-    return index < entries.size() ? entries[index].text(kParameter) : kNone;
+    return index < entries.size() ? entries[index].text(kParameter) : kEmptyName;
 }
 
 std::int32_t pageOfElement(std::int32_t n)
@@ -110,7 +107,10 @@ std::string elementFromEntry(const Record& entry)
 {
     if (isEmptyEntry(entry))
         return kEmptyElement;
-    return entry.text(kParamNum) + ' ' + entry.text(kParameter);
+    std::string element(entry.text(kParamNum));
+    element += ' ';
+    element += entry.text(kParameter);
+    return element;
 }
 
 std::vector<std::string> orderOf(const std::vector<Record>& entries)

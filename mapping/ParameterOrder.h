@@ -40,7 +40,7 @@ platform::Record emptyEntry(std::int32_t page, std::int32_t controlNo);
 bool isEmptyEntry(const platform::Record& entry);
 
 /// Name of the parameter at a position (from 0); an empty slot's where the mapping ends before it.
-const std::string& nameAt(const std::vector<platform::Record>& entries, std::int32_t position);
+std::string_view nameAt(const std::vector<platform::Record>& entries, std::int32_t position);
 
 /// Page (from 1) of the n-th element (from 1).
 std::int32_t pageOfElement(std::int32_t n);

@@ -46,7 +46,7 @@ void clearFirstPage(Entries& entries)
 
 SlotContent contentOf(const platform::Record& entry)
 {
-    return {entry.text(mapping::kParamNum), entry.text(mapping::kParameter)};
+    return {std::string(entry.text(mapping::kParamNum)), std::string(entry.text(mapping::kParameter))};
 }
 
 void setContent(platform::Record& entry, const SlotContent& content)

@@ -32,7 +32,7 @@ void ViewController::writeKnobLabelAndRowEndAndLabelPre(std::int32_t first, std:
 {
     // The eight labels are the only row of labels there is, so the prefix always names them.
     for (std::int32_t position = first; position <= std::min(last, first + mapping::kPotsPerPage - 1); ++position) {
-        const std::string& name = mapping::nameAt(mapping::plistBuild, position);
+        const std::string name(mapping::nameAt(mapping::plistBuild, position));
         const auto label = knobLabel(position - first + 1);
         label->stringValue.set(name);
         label->toolTip.set(name);

@@ -85,7 +85,7 @@ void ArrayController::select(std::int32_t row)
 std::string ArrayController::selectionText(std::string_view key) const
 {
     const Record* selected = selection();
-    return selected ? selected->text(key) : std::string();
+    return std::string(selected ? selected->text(key) : std::string_view());
 }
 
 } // namespace platform

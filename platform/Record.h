@@ -4,11 +4,11 @@
 // the two is changed, so a list of thousands is copied and compared at the cost of its pointers; records made from one
 // set of keys share that too.
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,24 +22,36 @@ class Record {
 public:
     using Value = std::variant<std::string, std::int32_t>;
     using Field = std::pair<std::string, Value>;
+    /// A value that somebody else keeps.
+    using ValueView = std::variant<std::string_view, std::int32_t>;
 
     /// The keys of many records that are made alike. None may come twice.
     using Keys = std::shared_ptr<const std::vector<std::string>>;
+    static Keys keysOf(std::vector<std::string> keys);
 
     Record() = default;
     Record(std::initializer_list<Field> fields) : Record(std::vector<Field>(fields)) {}
     /// No key may come twice.
-    explicit Record(std::vector<Field> fields);
-    /// As many values as keys; they are moved from.
-    Record(Keys keys, std::span<Value> values);
+    explicit Record(const std::vector<Field>& fields);
+    /// As many values as keys.
+    Record(Keys keys, std::span<const ValueView> values);
+    Record(const Record& other);
+    Record(Record&& other) noexcept : content_(std::exchange(other.content_, nullptr)) {}
+    Record& operator=(Record other) noexcept
+    {
+        std::swap(content_, other.content_);
+        return *this;
+    }
+    ~Record();
 
-    /// The text under `key`; null when the key is missing or holds a number.
-    const std::string* findText(std::string_view key) const;
+    /// The text under `key`; none when the key is missing or holds a number. A text is there until the record is
+    /// changed or gone.
+    std::optional<std::string_view> findText(std::string_view key) const;
     /// The text under `key`; empty when the key is missing or holds a number.
-    const std::string& text(std::string_view key) const;
+    std::string_view text(std::string_view key) const { return findText(key).value_or(std::string_view()); }
     /// The number under `key`; 0 when the key is missing or holds text.
     std::int32_t number(std::string_view key) const;
-    void set(std::string_view key, Value value);
+    void set(std::string_view key, ValueView value);
 
     const std::vector<std::string>& keys() const;
     /// A copy of all, in the order of the keys.
@@ -49,19 +61,11 @@ public:
     bool isCopyOf(const Record& other) const { return content_ == other.content_; }
 
 private:
-    /// The records of which there are thousands have four fields, and one block of memory each.
-    struct Content {
-        Keys keys;
-        std::array<Value, 4> first;
-        std::vector<Value> rest;
+    struct Content;
 
-        const Value& at(std::size_t place) const { return place < first.size() ? first[place] : rest[place - 4]; }
-        void put(std::size_t place, Value value);
-    };
+    std::vector<ValueView> values() const;
 
-    const Value* find(std::string_view key) const;
-
-    std::shared_ptr<Content> content_; ///< null while there are no fields
+    Content* content_ = nullptr; ///< null while there are no fields
 };
 
 } // namespace platform

@@ -30,10 +30,9 @@ std::optional<platform::Record> rowForFile(std::string_view path)
     std::string_view type = takeLastComponent(rest);
     if (type == kLogicFolder)
         type = kBuiltIn;
-    return platform::Record{{kType, std::string(type)},
-                            {kPlugin, std::string(plugin)},
-                            {kState, std::string("Editable")},
-                            {kFileLocation, std::string(path)}};
+    static const auto kKeys = platform::Record::keysOf({kType, kPlugin, kState, kFileLocation});
+    const platform::Record::ValueView values[] = {type, plugin, "Editable", path};
+    return platform::Record(kKeys, values);
 }
 
 std::vector<platform::Record> scanFolder(const std::string& root, platform::Log& log)

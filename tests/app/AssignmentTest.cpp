@@ -21,7 +21,10 @@ protected:
         select("Synth");
     }
 
-    static std::string at(std::size_t position) { return mapping::plistBuild.at(position).text("Parameter"); }
+    static std::string at(std::size_t position)
+    {
+        return std::string(mapping::plistBuild.at(position).text("Parameter"));
+    }
 };
 
 TEST_F(AssignmentTest, PotsOfTheFirstPageWriteItsSlots)

@@ -32,7 +32,7 @@ protected:
     {
         std::vector<std::string> found;
         for (std::size_t position = first; position <= last; ++position)
-            found.push_back(plistBuild.at(position).text("Parameter"));
+            found.emplace_back(plistBuild.at(position).text("Parameter"));
         return found;
     }
 

@@ -11,7 +11,7 @@ namespace {
 std::string textOf(const std::string& value)
 {
     const auto records = QtJson().objectsOf("[{\"key\":" + value + "}]");
-    return records.size() == 1 ? records.front().text("key") : "no record";
+    return std::string(records.size() == 1 ? records.front().text("key") : "no record");
 }
 
 TEST(Json, ReadsNumbersInTheirDigits)

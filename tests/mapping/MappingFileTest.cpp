@@ -27,7 +27,7 @@ Texts offered(const LoadedMapping& loaded)
 {
     Texts names;
     for (const auto& parameter : loaded.parameters)
-        names.push_back(parameter.text("Parameter"));
+        names.emplace_back(parameter.text("Parameter"));
     return names;
 }
 

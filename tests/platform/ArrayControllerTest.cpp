@@ -29,7 +29,7 @@ std::vector<std::string> rowsOf(const ArrayController& controller)
 {
     std::vector<std::string> names;
     for (std::int32_t row = 0; row < controller.arrangedCount(); ++row)
-        names.push_back(controller.arrangedObject(row)->text("Parameter"));
+        names.emplace_back(controller.arrangedObject(row)->text("Parameter"));
     return names;
 }
 
@@ -38,7 +38,7 @@ std::vector<std::size_t> containingTheFilter(const ArrayController& controller)
 {
     std::vector<std::size_t> rows;
     for (std::size_t position = 0; position < controller.content().size(); ++position) {
-        const std::string& name = controller.content()[position].text("Parameter");
+        const std::string_view name = controller.content()[position].text("Parameter");
         if (name.find(controller.filterText.get()) != std::string::npos)
             rows.push_back(position);
     }

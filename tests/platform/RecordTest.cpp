@@ -75,6 +75,34 @@ TEST(Record, IsEqualWithTheSameFieldsInTheSameOrder)
     EXPECT_NE((Record{{"a", "1"}}), Record());
 }
 
+TEST(Record, TextsThatAreDividedElsewhereAreOthers)
+{
+    EXPECT_NE((Record{{"one", "ab"}, {"other", "c"}}), (Record{{"one", "a"}, {"other", "bc"}}));
+    EXPECT_NE((Record{{"one", ""}, {"other", std::int32_t{1}}}), (Record{{"one", std::int32_t{1}}, {"other", ""}}));
+}
+
+TEST(Record, AFieldMayBeSetToATextOfTheSameRecord)
+{
+    Record record = {{"long", "a text that is too long for a short one"}, {"short", "b"}};
+    record.set("short", record.text("long"));
+    record.set("long", record.text("long").substr(2, 4));
+    EXPECT_EQ(record.text("short"), "a text that is too long for a short one");
+    EXPECT_EQ(record.text("long"), "text");
+}
+
+TEST(Record, HowManyShareItDoesNotMatterWhenOneIsGone)
+{
+    auto first = std::make_unique<Record>(Record{{"Plugin", "Synth"}});
+    Record second = *first;
+    const Record third = std::move(second);
+    EXPECT_TRUE(third.isCopyOf(*first));
+    first.reset();
+    second = third;
+    EXPECT_EQ(second.text("Plugin"), "Synth");
+    second = Record();
+    EXPECT_EQ(third.text("Plugin"), "Synth");
+}
+
 TEST(Record, ACopyIsIndependent)
 {
     Record copy = kSample;
@@ -84,9 +112,9 @@ TEST(Record, ACopyIsIndependent)
 
 TEST(Record, RecordsOfOneSetOfKeysDoNotSeeEachOthersFields)
 {
-    const auto keys = std::make_shared<const std::vector<std::string>>(std::vector<std::string>{"ParamNum", "Page"});
+    const auto keys = Record::keysOf({"ParamNum", "Page"});
     const auto made = [&keys] {
-        Record::Value values[] = {"1", std::int32_t{2}};
+        const Record::ValueView values[] = {"1", std::int32_t{2}};
         return Record(keys, values);
     };
     Record one = made();
@@ -124,11 +152,10 @@ TEST(Record, HoldsAnyNumberOfFields)
 TEST(Record, AnEmptyTextIsATextAndANumberIsNone)
 {
     const Record record = {{"empty", ""}, {"number", std::int32_t{0}}};
-    ASSERT_NE(record.findText("empty"), nullptr);
-    EXPECT_EQ(*record.findText("empty"), "");
-    EXPECT_EQ(record.findText("number"), nullptr);
-    EXPECT_EQ(record.findText("missing"), nullptr);
-    EXPECT_EQ(Record().findText("empty"), nullptr);
+    EXPECT_EQ(record.findText("empty"), "");
+    EXPECT_EQ(record.findText("number"), std::nullopt);
+    EXPECT_EQ(record.findText("missing"), std::nullopt);
+    EXPECT_EQ(Record().findText("empty"), std::nullopt);
 }
 
 } // namespace

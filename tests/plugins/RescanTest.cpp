@@ -12,7 +12,7 @@ protected:
     {
         Texts names;
         for (const auto& row : controller_.myArrayController()->content())
-            names.push_back(row.text("Plugin"));
+            names.emplace_back(row.text("Plugin"));
         return names;
     }
 };

@@ -47,9 +47,11 @@ std::string textOf(const std::vector<platform::Record>& records)
 {
     std::string text;
     for (const platform::Record& record : records) {
-        text += record.text("ParamNum") + '\t' + record.text("Parameter") + '\t' +
-                std::to_string(record.number("KorvelPage")) + '\t' + std::to_string(record.number("KorvelControlNo")) +
-                '\n';
+        text += record.text("ParamNum");
+        text += '\t';
+        text += record.text("Parameter");
+        text += '\t' + std::to_string(record.number("KorvelPage")) + '\t' +
+                std::to_string(record.number("KorvelControlNo")) + '\n';
     }
     return text;
 }
