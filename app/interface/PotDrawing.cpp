@@ -2,6 +2,8 @@
 
 #include <QPainter>
 #include <QPainterPath>
+#include <QPixmap>
+#include <QPixmapCache>
 
 #include <algorithm>
 #include <cmath>
@@ -229,23 +231,56 @@ void drawMarks(const Drawing& d)
     }
 }
 
+void drawBody(const Drawing& d)
+{
+    const double pointer = d.look.isMapped ? kMappedPointer : -kTurn;
+    drawTicks(d);
+    drawShadow(d);
+    drawRing(d, pointer);
+    d.painter.setOpacity(d.look.isEnabled ? 1 : 0.6);
+    drawSkirt(d, pointer);
+    drawCap(d);
+    d.painter.setOpacity(1);
+    drawPointer(d, pointer);
+}
+
+/// Most of the pots look alike but for their numbers, so what is drawn for one serves the others.
+QPixmap bodyOf(const QSizeF& size, double scale, const PotLook& look, const PanelColours& colours)
+{
+    const QString key = QStringLiteral("kvPot %1 %2 %3 %4%5%6%7 %8")
+                            .arg(size.width())
+                            .arg(size.height())
+                            .arg(scale)
+                            .arg(look.isMapped)
+                            .arg(look.isEnabled)
+                            .arg(look.isHovered)
+                            .arg(look.isPressed)
+                            .arg(colours.skirtDark.rgba());
+    QPixmap body;
+    if (QPixmapCache::find(key, &body))
+        return body;
+    body = QPixmap((size * scale).toSize());
+    body.setDevicePixelRatio(scale);
+    body.fill(Qt::transparent);
+    QPainter painter(&body);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF square(QPointF(), size);
+    drawBody({painter, square.center(), std::min(size.width(), size.height()) / 2, look, colours});
+    painter.end();
+    QPixmapCache::insert(key, body);
+    return body;
+}
+
 } // namespace
 
 void drawPot(QPainter& painter, const QRectF& square, const PotLook& look, const PanelColours& colours,
              const QFont& font)
 {
     painter.setRenderHint(QPainter::Antialiasing);
+    const double scale = painter.device()->devicePixelRatioF();
+    painter.drawPixmap(square.topLeft(), bodyOf(square.size(), scale, look, colours));
     const Drawing d{painter, square.center(), std::min(square.width(), square.height()) / 2, look, colours};
-    const double pointer = look.isMapped ? kMappedPointer : -kTurn;
-    drawTicks(d);
-    drawShadow(d);
-    drawRing(d, pointer);
     drawNumber(d, font);
-    painter.setOpacity(look.isEnabled ? 1 : 0.6);
-    drawSkirt(d, pointer);
-    drawCap(d);
-    painter.setOpacity(1);
-    drawPointer(d, pointer);
     drawMarks(d);
 }
 
