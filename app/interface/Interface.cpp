@@ -195,6 +195,7 @@ Interface::Interface(ViewController& controller) : controller_(controller), logg
     windows_.emplace_back(makeAccountWindow());
     windows_.emplace_back(makeUploadWindow());
     windows_.emplace_back(makeDownloadWindow());
+    nameObjects();
     connectTextFields();
     connectButtons();
     connectWindows();
@@ -211,6 +212,17 @@ Interface::Interface(ViewController& controller) : controller_(controller), logg
 Interface::~Interface()
 {
     controller_.setLabLoggedInAs(nullptr);
+}
+
+void Interface::nameObjects()
+{
+    for (const auto& window : windows_) {
+        named_.emplace(window->objectName().toStdString(), window.get());
+        for (QObject* object : window->findChildren<QObject*>()) {
+            if (!object->objectName().isEmpty())
+                named_.emplace(object->objectName().toStdString(), object);
+        }
+    }
 }
 
 void Interface::connectTextFields()

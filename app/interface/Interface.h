@@ -6,7 +6,10 @@
 
 #include <QWidget>
 
+#include <functional>
+#include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
 class QAction;
@@ -31,22 +34,20 @@ public:
     QWidget* mainWindow() const { return windows_.front().get(); }
     /// A tool tip with the shortcut of the menu item that does the same.
     static QString withShortcut(const QString& toolTip, const QAction& item);
-    /// The object of that name and type in any of the windows, or null.
+    /// The object of that name and type in any of the windows, or null. Names may come twice in different types.
     template <typename T>
     T* find(const char* name) const
     {
-        for (const auto& window : windows_) {
-            if (window->objectName() == QLatin1String(name)) {
-                if (auto* self = qobject_cast<T*>(window.get()))
-                    return self;
-            }
-            if (auto* child = window->findChild<T*>(QLatin1String(name)))
-                return child;
+        const auto [first, last] = named_.equal_range(name);
+        for (auto entry = first; entry != last; ++entry) {
+            if (auto* object = qobject_cast<T*>(entry->second))
+                return object;
         }
         return nullptr;
     }
 
 private:
+    void nameObjects();
     void connectTextFields();
     void connectButtons();
     void connectWindows();
@@ -60,6 +61,9 @@ private:
 
     ViewController& controller_;
     std::vector<std::unique_ptr<QWidget>> windows_;
+    /// Windows and all that was made with them. A walk through the windows for each of the hundred names would take
+    /// longer than making what they name.
+    std::multimap<std::string, QObject*, std::less<>> named_;
     /// The label that the controller refers to without owning it.
     std::shared_ptr<platform::TextField> loggedInAs_;
     std::vector<platform::Connection> connections_;

@@ -127,7 +127,8 @@ QIcon applicationIcon()
 {
     linkResources();
     QIcon icon;
-    for (const int pixels : {16, 32, 48, 128, 256})
+    // Read at every start. What shows it larger has the picture that was installed for the desktop.
+    for (const int pixels : {16, 32, 48, 128})
         icon.addFile(QStringLiteral(":/icon/%1.png").arg(pixels));
     return icon;
 }

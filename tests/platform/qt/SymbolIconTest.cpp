@@ -215,7 +215,7 @@ TEST(ApplicationIconTest, HasASharpPictureForEverySize)
 {
     const QIcon icon = applicationIcon();
     ASSERT_FALSE(icon.isNull());
-    for (const int size : {16, 32, 48, 128, 256}) {
+    for (const int size : {16, 32, 48, 128}) {
         const QImage image = picture(icon, size);
         EXPECT_EQ(image.size(), QSize(size, size));
         EXPECT_GT(coverage(image), 0.5);
