@@ -62,9 +62,13 @@ public:
             }
             const double ours = run.counters.at(kOurs), yardstick = run.counters.at(kYardstick);
             const double limit = run.counters.at(kLimit), ratio = ours / yardstick;
-            std::printf("%-45s %10.2f %10.2f %7.2f %7.2f  %s%s\n", run.run_name.function_name.c_str(), ours, yardstick,
-                        ratio, limit, run.report_label.c_str(), ratio <= limit ? "" : "  <-- over");
-            isWithin_ = isWithin_ && ratio <= limit;
+            const bool isOver = limit > 0 && ratio > limit;
+            char most[16] = "-";
+            if (limit > 0)
+                std::snprintf(most, sizeof most, "%.2f", limit);
+            std::printf("%-45s %10.2f %10.2f %7.2f %7s  %s%s\n", run.run_name.function_name.c_str(), ours, yardstick,
+                        ratio, most, run.report_label.c_str(), isOver ? "  <-- over" : "");
+            isWithin_ = isWithin_ && !isOver;
         }
         std::fflush(stdout);
     }

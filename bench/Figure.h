@@ -1,7 +1,7 @@
 #pragma once
 // A figure: what one piece of work costs beside a yardstick that is measured in turn with it, so that a busy machine
-// slows both. Times are the processor's, which leaves out what else the machine does meanwhile; nothing measured here
-// waits. Of each side the least of all runs counts: whatever disturbs a run only adds to it.
+// slows both. Times are the processor's, which leaves out what else the machine does meanwhile, but where a figure says
+// that it is the wall clock's. Of each side the least of all runs counts: whatever disturbs a run only adds to it.
 
 #include <functional>
 #include <string>
@@ -15,7 +15,7 @@ using Measure = std::function<double()>;
 struct Figure {
     std::string name;
     std::string yardstick;
-    double limit;
+    double limit; ///< 0 for a figure that is only told
     int runs;
     /// Makes both sides ready; called when the figure's turn comes. What the measures hold is gone after it.
     std::function<std::pair<Measure, Measure>()> prepare;

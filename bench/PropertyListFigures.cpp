@@ -1,6 +1,6 @@
-// A parameter-order file of a hundred thousand texts, read and written, beside the property-list library that Debian
-// has and its converter. The converter only copies a file that is in the form asked for already, so it is compared
-// where it converts; in one form the library is, in this process.
+// A parameter-order file of a hundred thousand texts, read and written, beside Debian's converter of property lists. The
+// converter only copies a file that is in the form asked for already, so both convert to the other one. What the
+// converter's library takes to read and write one form, in this process, is told too.
 
 #include "bench/ChildProcess.h"
 #include "bench/Figure.h"
@@ -96,12 +96,12 @@ void addForm(Form form, double limit)
 {
     const std::string name = form == Form::xml ? "XML" : "binary";
     const Form other = form == Form::xml ? Form::binary : Form::xml;
-    add(Figure{"parse and write 100,000 texts, " + name, "the library", limit, 9, [form] {
+    add(Figure{"same form again, 100,000 texts, " + name, "plistutil's library", 0, 9, [form] {
                    const auto files = std::make_shared<Files>(kTexts, form);
                    return std::pair<Measure, Measure>([files] { return files->parseAndWrite(); },
                                                       [files, form] { return files->libraryParseAndWrite(form); });
                }});
-    add(Figure{"convert 100,000 texts from " + name, "plistutil", limit, 9, [form, other] {
+    add(Figure{"parse and write 100,000 texts, from " + name, "plistutil", limit, 9, [form, other] {
                    const auto files = std::make_shared<Files>(kTexts, form);
                    const double start = files->converterStart(other);
                    return std::pair<Measure, Measure>(
