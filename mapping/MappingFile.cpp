@@ -21,16 +21,16 @@ const plist::Array* arrayAt(const plist::Dictionary& file, std::string_view key)
 }
 
 /// The texts of an array, in order; what is no text reads as an empty slot.
-std::vector<std::string> textsAt(const plist::Dictionary& file, std::string_view key)
+Elements textsAt(const plist::Dictionary& file, std::string_view key)
 {
-    std::vector<std::string> texts;
+    Elements texts;
     const plist::Array* array = arrayAt(file, key);
     if (!array)
         return texts;
     texts.reserve(array->size());
     for (const plist::Value& element : *array) {
         const std::string* text = element.asString();
-        texts.push_back(text ? *text : kEmptyElement);
+        texts.push_back(text ? std::string_view(*text) : kEmptyElement);
     }
     return texts;
 }
@@ -50,7 +50,7 @@ plist::Array arrayOf(const std::vector<std::string>& texts)
 
 LoadedMapping loadMapping(const plist::Dictionary& file, std::optional<std::int32_t> keptMode)
 {
-    const std::vector<std::string> catalogue = textsAt(file, kCatalogue);
+    const Elements catalogue = textsAt(file, kCatalogue);
     const std::optional<std::int32_t> mode = keptMode ? keptMode : recordedMode(file);
     LoadedMapping loaded;
     loaded.parameters = parameterList(catalogue);

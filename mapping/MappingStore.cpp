@@ -60,9 +60,11 @@ LoadedMapping readMapping(const Path& file, std::optional<std::int32_t> keptMode
                           const std::optional<KnownContent>& known)
 {
     auto bytes = files::read(file, kLargestFile);
-    if (bytes && known && *bytes == known->bytes)
+    const bool isKnown = bytes && known && *bytes == known->bytes;
+    auto content = bytes && !isKnown ? parsed(std::move(*bytes)) : std::nullopt;
+    bytes.reset(); // a large file's mapping is made without a second copy of it in memory
+    if (isKnown)
         return loadMapping(*known->document.root.asDictionary(), keptMode);
-    auto content = bytes ? parsed(std::move(*bytes)) : std::nullopt;
     return loadMapping(content ? dictionaryOf(*content) : plist::Dictionary(), keptMode);
 }
 

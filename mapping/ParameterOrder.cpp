@@ -57,30 +57,30 @@ std::optional<std::int32_t> modeFromText(std::string_view text)
     return std::nullopt;
 }
 
-std::int32_t guessedMode(const std::vector<std::string>& catalogue)
+std::int32_t guessedMode(const Elements& catalogue)
 {
     // Without its first letter, so that Volume and volume both count.
-    const auto speaksOfVolume = [](const std::string& element) { return element.find("olume") != std::string::npos; };
+    const auto speaksOfVolume = [](std::string_view element) { return element.find("olume") != std::string::npos; };
     return std::any_of(catalogue.begin(), catalogue.end(), speaksOfVolume) ? kModeInstrument : kModeInsertEffect;
 }
 
-std::vector<std::string> catalogueOf(const std::vector<std::string>& order)
+std::vector<std::string> catalogueOf(const Elements& order)
 {
     std::vector<std::string> catalogue = {kEmptyElement};
     std::unordered_set<std::string_view> seen = {kEmptyElement};
-    for (const std::string& element : order) {
+    for (const std::string_view element : order) {
         if (seen.insert(element).second)
-            catalogue.push_back(element);
+            catalogue.emplace_back(element);
     }
     return catalogue;
 }
 
-std::vector<Record> parameterList(const std::vector<std::string>& catalogue)
+std::vector<Record> parameterList(const Elements& catalogue)
 {
     std::vector<Record> list;
     list.reserve(catalogue.size() + 1);
     list.push_back(emptyEntry(0, 0));
-    for (const std::string& element : catalogue) {
+    for (const std::string_view element : catalogue) {
         Record parameter = entryFromElement(element, 0, 0);
         if (!(isEmptyEntry(parameter) && parameter.text(kParamNum) == kEmptyNumber))
             list.push_back(std::move(parameter));
@@ -88,12 +88,12 @@ std::vector<Record> parameterList(const std::vector<std::string>& catalogue)
     return list;
 }
 
-std::vector<Record> mappingOf(const std::vector<std::string>& order)
+std::vector<Record> mappingOf(const Elements& order)
 {
     std::vector<Record> entries;
     entries.reserve(order.size() + kPotsPerPage);
     std::int32_t page = 1;
-    for (const std::string& element : order) {
+    for (const std::string_view element : order) {
         const auto position = static_cast<std::int32_t>(entries.size());
         page = pageOfElement(position + 1);
         entries.push_back(entryFromElement(element, page, position));

@@ -29,6 +29,12 @@ inline constexpr char kEmptyElement[] = "-1";
 inline constexpr std::int32_t kModeInstrument = 1;
 inline constexpr std::int32_t kModeInsertEffect = 0;
 
+/// The elements of an order or a catalogue, which somebody else keeps.
+struct Elements : std::vector<std::string_view> {
+    using vector::vector;
+    Elements(const std::vector<std::string>& texts) : vector(texts.begin(), texts.end()) {}
+};
+
 // Parse
 
 /// An entry of the element with the given page and position.
@@ -51,16 +57,16 @@ std::int32_t pageOfElement(std::int32_t n);
 std::optional<std::int32_t> modeFromText(std::string_view text);
 
 /// The mode a catalogue suggests: instrument when one of its elements speaks of a volume, else insert/effect.
-std::int32_t guessedMode(const std::vector<std::string>& catalogue);
+std::int32_t guessedMode(const Elements& catalogue);
 
 /// Every distinct parameter of an order, in order of first appearance, behind a leading "-1".
-std::vector<std::string> catalogueOf(const std::vector<std::string>& order);
+std::vector<std::string> catalogueOf(const Elements& order);
 
 /// The list offered for assignment: the blank entry, then the catalogue's parameters; pages and positions are 0.
-std::vector<platform::Record> parameterList(const std::vector<std::string>& catalogue);
+std::vector<platform::Record> parameterList(const Elements& catalogue);
 
 /// The mapping of an order, its last page filled up with empty entries: at least one page of eight.
-std::vector<platform::Record> mappingOf(const std::vector<std::string>& order);
+std::vector<platform::Record> mappingOf(const Elements& order);
 
 // Write
 
