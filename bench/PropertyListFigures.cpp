@@ -1,5 +1,5 @@
-// A parameter-order file of a hundred thousand texts, read and written, beside Debian's converter of property lists. The
-// converter only copies a file that is in the form asked for already, so both convert to the other one. What the
+// A parameter-order file of a hundred thousand texts, read and written, beside Debian's converter of property lists.
+// The converter only copies a file that is in the form asked for already, so both convert to the other one. What the
 // converter's library takes to read and write one form, in this process, is told too.
 
 #include "bench/ChildProcess.h"
