@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
+#include <string_view>
 
 #include <time.h>
 
@@ -20,6 +22,7 @@ constexpr double kMostGrowth = 20;
 constexpr char kOurs[] = "ours";
 constexpr char kYardstick[] = "yardstick";
 constexpr char kLimit[] = "limit";
+constexpr std::string_view kSlack = "--slack=";
 
 /// The least that each of the measures answered.
 std::pair<double, double> leastOf(benchmark::State& state, const Measure& one, const Measure& other)
@@ -46,6 +49,8 @@ void report(benchmark::State& state, double ours, double yardstick, double limit
 /// One line a figure.
 class Table final : public benchmark::BenchmarkReporter {
 public:
+    explicit Table(double slack) : slack_(slack) {}
+
     bool ReportContext(const Context&) override
     {
         std::printf("%-45s %10s %10s %7s %7s  %s\n", "figure", "ours", "yardstick", "ratio", "at most", "yardstick is");
@@ -68,7 +73,7 @@ public:
                 std::snprintf(most, sizeof most, "%.2f", limit);
             std::printf("%-45s %10.2f %10.2f %7.2f %7s  %s%s\n", run.run_name.function_name.c_str(), ours, yardstick,
                         ratio, most, run.report_label.c_str(), isOver ? "  <-- over" : "");
-            isWithin_ = isWithin_ && !isOver;
+            isWithin_ = isWithin_ && (limit == 0 || ratio <= limit * slack_);
         }
         std::fflush(stdout);
     }
@@ -76,6 +81,7 @@ public:
     bool isWithin() const { return isWithin_; }
 
 private:
+    double slack_;
     bool isWithin_ = true;
 };
 
@@ -124,9 +130,15 @@ void add(const Growth& growth)
 bool runAll(int& argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);
-    Table table;
+    const std::string_view rest = argc == 2 ? argv[1] : "";
+    const bool hasSlack = rest.starts_with(kSlack);
+    if (argc > 1 && !hasSlack) {
+        std::fprintf(stderr, "bench: what is %s?\n", argv[1]);
+        return false;
+    }
+    Table table(hasSlack ? std::atof(argv[1] + kSlack.size()) : 1);
     benchmark::RunSpecifiedBenchmarks(&table);
-    return table.isWithin() && argc == 1;
+    return table.isWithin();
 }
 
 } // namespace bench

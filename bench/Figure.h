@@ -40,7 +40,8 @@ void add(const Figure& figure);
 /// Adds a benchmark that reports both times and by how much the work grew.
 void add(const Growth& growth);
 
-/// Runs what was added, or what the command line picks, and prints a table. Answers whether all is within its limits.
+/// Runs what was added, or what the command line picks, and prints a table. Answers whether all is within its limits,
+/// times the slack that the command line gives.
 bool runAll(int& argc, char** argv);
 
 void addScanFigures();

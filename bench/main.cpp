@@ -1,4 +1,5 @@
-// What the program costs: `bench [--benchmark_filter=REGEX]`. Ends with 1 where a figure is over its limit.
+// What the program costs: `bench [--slack=FACTOR] [--benchmark_filter=REGEX]`. Ends with 1 where a figure is over its
+// limit by more than the factor.
 
 #include "bench/Figure.h"
 #include "platform/qt/Application.h"
