@@ -12,7 +12,7 @@
 #include "tests/support/TestBaseUrl.h"
 #include "tests/trust/Headless.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QElapsedTimer>
 
 #include <algorithm>
@@ -214,7 +214,8 @@ bool run(Driver& driver, const std::string& operation, const char* row)
 
 int main(int argc, char** argv)
 {
-    const QCoreApplication application(argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv); // a request shows the busy pointer
     platform::files::failBeyondSizeLimits();
     if (argc < 4)
         return 2;
