@@ -1,7 +1,8 @@
 #pragma once
 // A figure: what one piece of work costs beside a yardstick that is measured in turn with it, so that a busy machine
-// slows both. Times are the processor's, which leaves out what else the machine does meanwhile, but where a figure says
-// that it is the wall clock's. Of each side the least of all runs counts: whatever disturbs a run only adds to it.
+// slows both. Times are the processor's, which leaves out what else the machine does meanwhile, and of each side the
+// least of all runs counts: whatever disturbs a run only adds to it. Where a figure says that its times are the wall
+// clock's, luck takes away from them too, and the median counts.
 
 #include <functional>
 #include <string>
@@ -20,6 +21,7 @@ struct Figure {
     /// Makes both sides ready; called when the figure's turn comes. What the measures hold is gone after it.
     std::function<std::pair<Measure, Measure>()> prepare;
     std::string unit = "ms";
+    bool isWallClock = false;
 };
 
 /// The same work at two sizes, the second ten times the first.

@@ -8,16 +8,27 @@
 
 namespace mapping {
 
-std::size_t MappedPots::Hash::operator()(const platform::Record& record) const
+MappedPots::Parameter::Parameter(const platform::Record& record)
+    : number(record.text(kParamNum)), name(record.text(kParameter))
+{}
+
+bool MappedPots::Parameter::isEmpty() const
 {
-    const std::hash<std::string_view> hash;
-    return hash(record.text(kParamNum)) * 31 + hash(record.text(kParameter));
+    return name == kEmptyName;
 }
 
-bool MappedPots::IsSame::operator()(const platform::Record& one, const platform::Record& other) const
+std::size_t MappedPots::Hash::operator()(const Parameter& parameter) const
 {
-    return one.isCopyOf(other) ||
-           (one.text(kParamNum) == other.text(kParamNum) && one.text(kParameter) == other.text(kParameter));
+    const std::hash<std::string_view> hash;
+    return hash(parameter.number) * 31 + hash(parameter.name);
+}
+
+MappedPots::Use& MappedPots::useOf(const Parameter& parameter, const platform::Record& record)
+{
+    const auto [use, isNew] = uses_.try_emplace(parameter);
+    if (isNew)
+        use->second.keeper = record;
+    return use->second;
 }
 
 void MappedPots::setParameters(const std::vector<platform::Record>& parameters)
@@ -28,10 +39,11 @@ void MappedPots::setParameters(const std::vector<platform::Record>& parameters)
     uses_.reserve(uses_.size() + parameters.size());
     mappedCount_ = 0;
     parameterCount_ = 0;
-    for (const platform::Record& parameter : parameters) {
-        if (isEmptyEntry(parameter))
+    for (const platform::Record& record : parameters) {
+        const Parameter parameter(record);
+        if (parameter.isEmpty())
             continue;
-        Use& use = uses_[parameter];
+        Use& use = useOf(parameter, record);
         ++use.offered;
         ++parameterCount_;
         mappedCount_ += use.first == kNone ? 0 : 1;
@@ -57,9 +69,10 @@ void MappedPots::setEntries(const std::vector<platform::Record>& entries, std::i
 
 void MappedPots::place(const platform::Record& entry, std::int32_t position)
 {
-    if (isEmptyEntry(entry))
+    const Parameter parameter(entry);
+    if (parameter.isEmpty())
         return;
-    Use& use = uses_[entry];
+    Use& use = useOf(parameter, entry);
     mappedCount_ += use.first == kNone ? use.offered : 0;
     // A load places from front to back, so that even one parameter on every pot finds its place at once.
     std::int32_t before = use.last < position ? use.last : kNone;
@@ -74,9 +87,10 @@ void MappedPots::place(const platform::Record& entry, std::int32_t position)
 
 void MappedPots::remove(const platform::Record& entry, std::int32_t position)
 {
-    if (isEmptyEntry(entry))
+    const Parameter parameter(entry);
+    if (parameter.isEmpty())
         return;
-    Use& use = uses_[entry];
+    Use& use = useOf(parameter, entry);
     std::int32_t before = kNone;
     for (std::int32_t next = use.first; next != position; next = nextOf(next))
         before = next;
@@ -85,9 +99,10 @@ void MappedPots::remove(const platform::Record& entry, std::int32_t position)
     mappedCount_ -= use.first == kNone ? use.offered : 0;
 }
 
-std::int32_t MappedPots::firstPositionOf(const platform::Record& parameter) const
+std::int32_t MappedPots::firstPositionOf(const platform::Record& record) const
 {
-    const auto use = isEmptyEntry(parameter) ? uses_.end() : uses_.find(parameter);
+    const Parameter parameter(record);
+    const auto use = parameter.isEmpty() ? uses_.end() : uses_.find(parameter);
     return use == uses_.end() ? kNone : use->second.first;
 }
 

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -30,26 +31,33 @@ public:
 private:
     static constexpr std::int32_t kNone = -1;
 
-    /// Records are one parameter when they have its number and name.
-    struct Hash {
-        std::size_t operator()(const platform::Record& record) const;
+    /// Records are one parameter when they have its number and name. A record keeps both.
+    struct Parameter {
+        explicit Parameter(const platform::Record& record);
+        bool isEmpty() const;
+        bool operator==(const Parameter&) const = default;
+
+        std::string_view number;
+        std::string_view name;
     };
-    struct IsSame {
-        bool operator()(const platform::Record& one, const platform::Record& other) const;
+    struct Hash {
+        std::size_t operator()(const Parameter& parameter) const;
     };
     /// Where a parameter stands; next_ leads from its first position to its last.
     struct Use {
+        platform::Record keeper;  ///< of the parameter's number and name
         std::int32_t offered = 0; ///< rows of the list with this number and name
         std::int32_t first = kNone;
         std::int32_t last = kNone;
     };
 
-    std::int32_t firstPositionOf(const platform::Record& parameter) const;
+    Use& useOf(const Parameter& parameter, const platform::Record& record);
+    std::int32_t firstPositionOf(const platform::Record& record) const;
     std::int32_t& nextOf(std::int32_t position) { return next_[static_cast<std::size_t>(position)]; }
     void place(const platform::Record& entry, std::int32_t position);
     void remove(const platform::Record& entry, std::int32_t position);
 
-    std::unordered_map<platform::Record, Use, Hash, IsSame> uses_;
+    std::unordered_map<Parameter, Use, Hash> uses_;
     std::vector<platform::Record> placed_;
     std::vector<std::int32_t> next_;
     std::int32_t mappedCount_ = 0;

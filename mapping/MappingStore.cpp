@@ -61,11 +61,10 @@ LoadedMapping readMapping(const Path& file, std::optional<std::int32_t> keptMode
 {
     auto bytes = files::read(file, kLargestFile);
     const bool isKnown = bytes && known && *bytes == known->bytes;
-    auto content = bytes && !isKnown ? parsed(std::move(*bytes)) : std::nullopt;
+    const auto read = bytes && !isKnown ? parsed(std::move(*bytes)) : std::nullopt;
     bytes.reset(); // a large file's mapping is made without a second copy of it in memory
-    if (isKnown)
-        return loadMapping(*known->document.root.asDictionary(), keptMode);
-    return loadMapping(content ? dictionaryOf(*content) : plist::Dictionary(), keptMode);
+    const auto& content = isKnown ? known : read;
+    return content ? loadMapping(*content->document.root.asDictionary(), keptMode) : loadMapping({}, keptMode);
 }
 
 std::optional<KnownContent> markFile(const Path& file)

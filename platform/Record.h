@@ -4,7 +4,6 @@
 // the two is changed, so a list of thousands is copied and compared at the cost of its pointers; records made from one
 // set of keys share that too.
 
-#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <memory>

@@ -34,7 +34,8 @@ public:
     QWidget* mainWindow() const { return windows_.front().get(); }
     /// A tool tip with the shortcut of the menu item that does the same.
     static QString withShortcut(const QString& toolTip, const QAction& item);
-    /// The object of that name and type in any of the windows, or null. Names may come twice in different types.
+    /// The object of that name and type in any of the windows, or null: of what the windows were made with and keep.
+    /// Names may come twice in different types.
     template <typename T>
     T* find(const char* name) const
     {

@@ -39,10 +39,8 @@ std::vector<char*> pointers(std::vector<std::string>& texts)
 
 std::vector<std::string> environment(const Path& watched, const Path& trace, const Fault& fault)
 {
-    std::vector<std::string> settings;
-    for (char** each = environ; *each; ++each)
-        settings.emplace_back(*each);
-    settings.push_back("LD_PRELOAD=" KV_FILE_FAULTS);
+    // The first of a name counts.
+    std::vector<std::string> settings = {"LD_PRELOAD=" KV_FILE_FAULTS};
     // The preloaded library stands before the sanitizers' own, which only calls from the one to the other.
     settings.push_back("ASAN_OPTIONS=verify_asan_link_order=0");
     settings.push_back("KV_FAULT_FOLDER=" + watched.native());
@@ -54,6 +52,8 @@ std::vector<std::string> environment(const Path& watched, const Path& trace, con
         settings.push_back("KV_FAULT_LASTS=1");
     if (!fault.obstacle.empty())
         settings.push_back("KV_OBSTACLE=" + fault.obstacle);
+    for (char** each = environ; *each; ++each)
+        settings.emplace_back(*each);
     return settings;
 }
 

@@ -58,6 +58,20 @@ protected:
         return true;
     }
 
+    /// What is told of a download or a recall must be so.
+    void expectNoLie(const DriverRun& run, const Files& files) const
+    {
+        const auto content = [](const Files& all, const char* name) {
+            return all.contains(name) ? std::optional(all.at(name)) : std::nullopt;
+        };
+        if (run.wrote("told OK Done")) {
+            EXPECT_EQ(content(files, kDownloaded), content(after_, kDownloaded));
+        }
+        if (run.wrote("told Recall file does not exist")) {
+            EXPECT_EQ(files, before_);
+        }
+    }
+
     void expectOldOrNew(const Files& files) const
     {
         for (const auto& [name, content] : files) {
@@ -114,6 +128,7 @@ protected:
             EXPECT_TRUE(run.goesOn());
             EXPECT_TRUE(isToldAsAlways(run));
             const Files files = folder_.files();
+            expectNoLie(run, files);
             expectOldOrNew(files);
             EXPECT_TRUE(!isLost(files) || mayBeLost(fault));
             EXPECT_TRUE(!hasPartial(files) || mayLeavePartial(fault));

@@ -50,7 +50,7 @@ protected:
             if (traces)
                 std::cerr << done.back() << std::endl;
             complaints_.clear();
-            look(steps[i]);
+            look();
             if (!complaints_.empty())
                 return Failure{i, complaints_, std::move(done)};
         }
@@ -94,15 +94,14 @@ private:
                what + ": " + testing::PrintToString(actual) + " instead of " + testing::PrintToString(expected));
     }
 
-    void look(int step)
+    void look()
     {
         lookAtPages();
         lookAtPanel();
         lookAtLists();
         lookAtUnsaved();
         lookAtFiles();
-        if (step % 5 == 0)
-            lookAtHistory();
+        lookAtHistory();
     }
 
     void lookAtPages()

@@ -12,8 +12,8 @@
 #include "tests/support/TestBaseUrl.h"
 #include "tests/trust/Headless.h"
 
-#include <QGuiApplication>
 #include <QElapsedTimer>
+#include <QGuiApplication>
 
 #include <algorithm>
 #include <cstdlib>

@@ -47,6 +47,15 @@ def checksum(text):
     return zlib.crc32(text.encode())
 
 
+def exactly(value):
+    """The value so that what equals it is the same: of the same types, dictionaries in the same order."""
+    if isinstance(value, dict):
+        return "dict", [(key, exactly(each)) for key, each in value.items()]
+    if isinstance(value, list):
+        return "list", [exactly(each) for each in value]
+    return type(value).__name__, repr(value)
+
+
 class Disagreement(Exception):
     pass
 
@@ -87,8 +96,11 @@ class Folder:
                 if found != expected:
                     raise Disagreement(f"{name} holds other bytes")
             else:
-                read = plistlib.loads(found)
-                if read != expected or list(read) != list(expected):
+                try:
+                    read = plistlib.loads(found)
+                except Exception as failure:  # whatever the reader says of bytes that are no property list
+                    raise Disagreement(f"{name} cannot be read: {failure}") from failure
+                if exactly(read) != exactly(expected):
                     raise Disagreement(f"{name} holds {read} instead of {expected}")
             self.files[name] = found
         self.stamps = stamps
