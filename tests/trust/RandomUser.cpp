@@ -55,6 +55,8 @@ const char* const kSeldomUsed[] = {
     "btnRunCheck",
     "kvHelpMe",
 };
+const char* const kCommunityFields[] = {"cwinUserName", "cwinPinCode", "cwinUserNameNew", "cwinEmailAddrNew",
+                                        "cwinUploadComments"};
 const char* const kCommunity[] = {
     "kvLoginToCloudAccount", "kv_btn_cloudLibrary",  "kv_btn_cloudLibraryDownload", "cwinLoginAttempt",
     "cwinNewUserCreate",     "kvCommunityUploadBtn", "cwinPlistAvailable",          "kvCommunityLoadSelectedDownload",
@@ -142,10 +144,12 @@ std::string replyTo(const std::string& request, std::size_t number)
 } // namespace
 
 const RandomUser::Deed RandomUser::kDeeds[] = {
-    {24, &RandomUser::pressPotButton}, {24, &RandomUser::pressButton}, {3, &RandomUser::choosePlugin},
-    {14, &RandomUser::chooseRow},      {6, &RandomUser::typeSearch},   {20, &RandomUser::pressKey},
-    {1, &RandomUser::sortPlugins},     {8, &RandomUser::drop},         {4, &RandomUser::choosePage},
-    {5, &RandomUser::useCommunity},
+    {24, &RandomUser::pressPotButton},  {24, &RandomUser::pressButton},
+    {3, &RandomUser::choosePlugin},     {14, &RandomUser::chooseRow},
+    {6, &RandomUser::typeSearch},       {20, &RandomUser::pressKey},
+    {1, &RandomUser::sortPlugins},      {8, &RandomUser::drop},
+    {4, &RandomUser::choosePage},       {5, &RandomUser::useCommunity},
+    {3, &RandomUser::typeForCommunity},
 };
 
 RandomUser::Chance::Chance(unsigned seed, int step)
@@ -220,10 +224,7 @@ std::string RandomUser::typeSearch(Chance& chance)
         return "clear the search";
     }
     const std::string text = chance.oneOf(kSearches);
-    search->setFocus();
-    QInputMethodEvent typed; // key clicks are for ASCII only
-    typed.setCommitString(toQt(text));
-    QApplication::sendEvent(search, &typed);
+    type(search, text);
     return "search for \"" + text + "\"";
 }
 
@@ -282,6 +283,25 @@ std::string RandomUser::useCommunity(Chance& chance)
     const char* name = chance.oneOf(kCommunity);
     std::string done = loaded().find<QAbstractButton>(name) ? clickButton(name) : clickRowAt(name, chance.below(3));
     return done;
+}
+
+std::string RandomUser::typeForCommunity(Chance& chance)
+{
+    const char* name = chance.oneOf(kCommunityFields);
+    const std::string text = chance.oneOf(kSearches);
+    auto* field = find<QWidget>(name);
+    if (!field->isVisible())
+        return {};
+    type(field, text);
+    return "type \"" + text + "\" into " + name;
+}
+
+void RandomUser::type(QWidget* field, const std::string& text)
+{
+    field->setFocus();
+    QInputMethodEvent typed; // key clicks are for ASCII only
+    typed.setCommitString(toQt(text));
+    QApplication::sendEvent(field, &typed);
 }
 
 std::string RandomUser::clickButton(const char* name)

@@ -52,7 +52,9 @@ private:
     std::string drop(Chance& chance);
     std::string choosePage(Chance& chance);
     std::string useCommunity(Chance& chance);
+    std::string typeForCommunity(Chance& chance);
 
+    static void type(QWidget* field, const std::string& text);
     std::string clickButton(const char* name);
     std::string clickRowAt(const char* list, int row);
     void answerAlerts();
