@@ -10,8 +10,6 @@
 #include <string_view>
 #include <vector>
 
-#include <time.h>
-
 namespace bench {
 
 namespace {
@@ -91,18 +89,18 @@ private:
 
 } // namespace
 
-double processorMilliseconds()
+double millisecondsOn(clockid_t clock)
 {
     timespec time = {};
-    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    ::clock_gettime(clock, &time);
     return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
 }
 
 double millisecondsOf(const std::function<void()>& work)
 {
-    const double start = processorMilliseconds();
+    const double start = millisecondsOn(CLOCK_PROCESS_CPUTIME_ID);
     work();
-    return processorMilliseconds() - start;
+    return millisecondsOn(CLOCK_PROCESS_CPUTIME_ID) - start;
 }
 
 void add(const Figure& figure)

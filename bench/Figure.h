@@ -8,6 +8,8 @@
 #include <string>
 #include <utility>
 
+#include <time.h>
+
 namespace bench {
 
 /// Does the work once and answers what it took, in the figure's unit.
@@ -32,9 +34,9 @@ struct Growth {
     std::function<Measure(int size)> prepare;
 };
 
-/// What this process has had of the processor so far.
-double processorMilliseconds();
-/// The same for one call.
+/// What a clock of the system shows.
+double millisecondsOn(clockid_t clock);
+/// What one call has of the processor.
 double millisecondsOf(const std::function<void()>& work);
 
 /// Adds a benchmark that reports both sides and their ratio.

@@ -22,13 +22,6 @@ struct Report {
     double peakMiB;
 };
 
-double now()
-{
-    timespec time = {};
-    ::clock_gettime(CLOCK_MONOTONIC, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
 /// Runs a program until its window has been painted and the plug-in, if any, been chosen: on the X server where there
 /// is one, with so many pixels to a point.
 Report probe(const Home& home, const char* program, int scale, const std::string& plugin = {})
@@ -38,7 +31,8 @@ Report probe(const Home& home, const char* program, int scale, const std::string
                          "QT_SCALE_FACTOR=" + std::to_string(scale), std::string("QT_PLUGIN_PATH=") + KV_PROBE_FOLDER,
                          "QT_QPA_GENERIC_PLUGINS=kvprobe", "KV_BENCH_REPORT=" + report,
                          // What the network takes is not ours: the log-in check is refused at once.
-                         "http_proxy=http://127.0.0.1:9", "KV_BENCH_STARTED=" + std::to_string(now())};
+                         "http_proxy=http://127.0.0.1:9",
+                         "KV_BENCH_STARTED=" + std::to_string(millisecondsOn(CLOCK_MONOTONIC))};
     if (!plugin.empty())
         environment.push_back("KV_BENCH_SELECT=" + plugin);
     run({std::string(KV_BINARY_FOLDER) + "/" + program}, environment);

@@ -14,7 +14,7 @@ QStringList symbolNames();
 /// so. Needs an application to be painted, not to be made.
 QIcon symbolIcon(const QString& name);
 
-/// The program's own icon, in its own colours, from 16 to 256 pixels.
+/// The program's own icon, in its own colours, from 16 to 128 pixels.
 QIcon applicationIcon();
 
 } // namespace platform::qt
