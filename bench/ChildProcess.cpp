@@ -40,7 +40,7 @@ double run(const Texts& command, const Texts& environment, const std::string& ou
     ::posix_spawn_file_actions_destroy(&actions);
     rusage used = {};
     if (status != 0 || ::wait4(child, &status, 0, &used) != child || status != 0)
-        throw std::runtime_error("failed: " + command.front());
+        throw std::runtime_error("failed with status " + std::to_string(status) + ": " + command.front());
     const auto milliseconds = [](const timeval& time) {
         return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
     };

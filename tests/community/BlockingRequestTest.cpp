@@ -1,7 +1,7 @@
 // What a blocking request holds up, and what it does not.
 
 #include "platform/qt/CompletionGate.h"
-#include "platform/qt/CurlHttp.h"
+#include "platform/qt/TransferHttp.h"
 #include "tests/support/Alerts.h"
 #include "tests/support/ScriptedPeer.h"
 #include "tests/support/TemporaryHome.h"
@@ -51,7 +51,7 @@ protected:
     }
 
     CompletionGate gate_;
-    CurlHttp http_{gate_};
+    TransferHttp http_{gate_};
     ScriptedPeer peer_;
 };
 
@@ -152,18 +152,15 @@ TEST_F(BlockingRequest, KeepsTheCompletionOfADownloadWaiting)
 TEST_F(BlockingRequest, DoesNotCountAgainstADownload)
 {
     const support::TemporaryHome home;
-    CurlHttp impatient(gate_, {500ms, 1000, 1000});
+    TransferHttp impatient(gate_, {500ms, 1000, std::size_t{64} << 20});
     ScriptedPeer files;
-    files.play([](ScriptedPeer::Connection& connection) {
-        connection.send("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\na");
-        connection.wait(1200ms);
-        connection.send("b");
-    });
+    const std::string content(std::size_t{16} << 20, 'x'); // more than fits into sockets and pipes
+    files.play(support::reply(content));
     bool isFinished = false;
     std::string failure;
     impatient.download(files.url(), home.path() / "file",
                        {[&] { isFinished = true; }, [&](const DownloadError& error) { failure = error.description; }});
-    support::runFor(100);
+    support::runFor(10);
     for (int i = 0; i < 3; ++i) {
         peer_.play([](ScriptedPeer::Connection& connection) {
             connection.wait(400ms);
@@ -173,6 +170,7 @@ TEST_F(BlockingRequest, DoesNotCountAgainstADownload)
     }
     EXPECT_TRUE(support::waitUntil([&] { return isFinished || !failure.empty(); }));
     EXPECT_TRUE(isFinished) << failure;
+    EXPECT_EQ(std::filesystem::file_size(home.path() / "file"), content.size());
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 
 #include "platform/Files.h"
 #include "platform/qt/CompletionGate.h"
-#include "platform/qt/CurlHttp.h"
+#include "platform/qt/TransferHttp.h"
 #include "tests/support/Alerts.h"
 #include "tests/support/ScriptedPeer.h"
 #include "tests/support/TemporaryHome.h"
@@ -24,7 +24,7 @@ class Download : public testing::Test {
 protected:
     Download() { fs::create_directory(folder_); }
 
-    void start(CurlHttp& http, const std::string& address)
+    void start(TransferHttp& http, const std::string& address)
     {
         http.download(address, file_,
                       {[this] { ++finished_; }, [this](const DownloadError& error) { error_ = error; }});
@@ -45,8 +45,8 @@ protected:
     const fs::path folder_ = home_.path() / "plug-in";
     const fs::path file_ = folder_ / "CSParameterOrder.plist.downloaded";
     CompletionGate gate_;
-    CurlHttp http_{gate_};
-    CurlHttp impatient_{gate_, {300ms, 1000, 1000}};
+    TransferHttp http_{gate_};
+    TransferHttp impatient_{gate_, {300ms, 1000, 1000}};
     ScriptedPeer peer_;
     int finished_ = 0;
     std::optional<DownloadError> error_;
@@ -204,8 +204,8 @@ TEST_F(Download, TakesSoManyBytesAndNoMore)
 
 TEST_F(Download, TakesSixtyFourMebibytesOfASharedFile)
 {
-    EXPECT_EQ(CurlHttp::Limits().file, std::size_t{64} << 20);
-    EXPECT_EQ(CurlHttp::Limits().stall, 60s);
+    EXPECT_EQ(TransferHttp::Limits().file, std::size_t{64} << 20);
+    EXPECT_EQ(TransferHttp::Limits().stall, 60s);
 }
 
 TEST_F(Download, FailsWhenTheFileCannotBeWritten)
@@ -265,7 +265,7 @@ TEST_F(Download, LeavesNothingBehindWhenTheProgramEnds)
         connection.wait(20s);
     });
     {
-        CurlHttp http(gate_);
+        TransferHttp http(gate_);
         start(http, peer_.url());
         EXPECT_TRUE(support::waitUntil([&] { return http.downloadProgress.get().received == 3; }));
         EXPECT_FALSE(fs::is_empty(folder_));

@@ -2,7 +2,7 @@
 
 #include "community/Requests.h"
 #include "platform/qt/CompletionGate.h"
-#include "platform/qt/CurlHttp.h"
+#include "platform/qt/TransferHttp.h"
 #include "tests/support/ScriptedPeer.h"
 
 #include <gtest/gtest.h>
@@ -26,8 +26,8 @@ protected:
     }
 
     CompletionGate gate_;
-    CurlHttp http_{gate_};
-    CurlHttp impatient_{gate_, {300ms, 1000, 1000}};
+    TransferHttp http_{gate_};
+    TransferHttp impatient_{gate_, {300ms, 1000, 1000}};
     ScriptedPeer peer_;
 };
 

@@ -21,6 +21,7 @@ PACKAGE = "kvorvantalogic-tool"
 PNG_SIZES = [16, 24, 32, 48, 64, 128, 256, 512]
 
 PROGRAM = "bin/kvOrvantaLogic_Tool"
+TRANSFER = "libexec/kvOrvantaLogic_Tool/transfer"
 ENTRY = f"share/applications/{IDENTIFIER}.desktop"
 METADATA = f"share/metainfo/{IDENTIFIER}.metainfo.xml"
 MODEL = "share/kvOrvantaLogic_Tool/kvOrvantaLogic_Tool.momd/Model.plist"
@@ -28,7 +29,7 @@ DOCUMENTS = f"share/doc/{PACKAGE}"
 MANUAL = "share/man/man1/kvOrvantaLogic_Tool.1.gz"
 
 EXPECTED = sorted(
-    [PROGRAM, ENTRY, METADATA, MODEL, MANUAL, f"share/icons/hicolor/scalable/apps/{IDENTIFIER}.svg"]
+    [PROGRAM, TRANSFER, ENTRY, METADATA, MODEL, MANUAL, f"share/icons/hicolor/scalable/apps/{IDENTIFIER}.svg"]
     + [f"share/icons/hicolor/{size}x{size}/apps/{IDENTIFIER}.png" for size in PNG_SIZES]
     + [f"{DOCUMENTS}/{name}" for name in ("changelog.gz", "changelog.Debian.gz", "copyright")]
 )
@@ -173,7 +174,7 @@ class DebianPackage(unittest.TestCase):
 
     def test_needs_the_libraries_and_recommends_the_rest(self):
         needed = re.findall(r"(?:^|, )([^ ,]+)", self.field("Depends"))
-        linked = run("readelf", "--dynamic", self.tree / "usr" / PROGRAM)
+        linked = "".join(run("readelf", "--dynamic", self.tree / "usr" / name) for name in (PROGRAM, TRANSFER))
         for library, package in {
             "libc.so": "libc6",
             "libcurl.so": "libcurl4",
@@ -201,7 +202,8 @@ class DebianPackage(unittest.TestCase):
                 mode, owner = line.split()[:2]
                 self.assertEqual(owner, "root/root")
                 readable = {"d": "drwxr-xr-x", "-": "-rw-r--r--"}.get(mode[0])
-                self.assertEqual(mode, "-rwxr-xr-x" if line.endswith(f"/{PROGRAM}") else readable)
+                is_program = line.endswith((f"/{PROGRAM}", f"/{TRANSFER}"))
+                self.assertEqual(mode, "-rwxr-xr-x" if is_program else readable)
 
     def test_runs_nothing_when_it_is_installed_or_removed(self):
         self.assertEqual(files_below(self.control), ["control", "md5sums"])
@@ -213,10 +215,12 @@ class DebianPackage(unittest.TestCase):
         self.assertEqual(sorted(line.split(None, 1)[1] for line in sums), [f"usr/{name}" for name in EXPECTED])
         run("md5sum", "--check", "--strict", "--quiet", self.control / "md5sums", cwd=self.tree)
 
-    def test_the_program_is_stripped_and_looks_for_libraries_where_the_system_does(self):
-        program = self.tree / "usr" / PROGRAM
-        self.assertNotRegex(run("readelf", "--section-headers", "--wide", program), r"\.symtab|\.debug_")
-        self.assertNotRegex(run("readelf", "--dynamic", program), r"RPATH|RUNPATH")
+    def test_the_programs_are_stripped_and_look_for_libraries_where_the_system_does(self):
+        for name in (PROGRAM, TRANSFER):
+            with self.subTest(program=name):
+                program = self.tree / "usr" / name
+                self.assertNotRegex(run("readelf", "--section-headers", "--wide", program), r"\.symtab|\.debug_")
+                self.assertNotRegex(run("readelf", "--dynamic", program), r"RPATH|RUNPATH")
 
 
 if __name__ == "__main__":

@@ -78,6 +78,12 @@ void ScriptedPeer::play(std::string reply)
     play([reply = std::move(reply)](Connection& connection) { connection.send(reply); });
 }
 
+void ScriptedPeer::always(std::string beginning, std::string reply)
+{
+    const std::lock_guard lock(mutex_);
+    standing_[std::move(beginning)] = std::move(reply);
+}
+
 std::vector<std::string> ScriptedPeer::requests() const
 {
     const std::lock_guard lock(mutex_);
@@ -109,12 +115,8 @@ void ScriptedPeer::accept()
 
 void ScriptedPeer::serve(int socket)
 {
-    std::string request = readRequest(socket);
-    {
-        const std::lock_guard lock(mutex_);
-        requests_.push_back(std::move(request));
-    }
-    if (const Script script = nextScript()) {
+    const std::string request = readRequest(socket);
+    if (const Script script = scriptFor(request)) {
         Connection connection(*this, socket);
         script(connection);
     }
@@ -146,9 +148,14 @@ std::string ScriptedPeer::readRequest(int socket)
     return request;
 }
 
-ScriptedPeer::Script ScriptedPeer::nextScript()
+ScriptedPeer::Script ScriptedPeer::scriptFor(const std::string& request)
 {
     const std::lock_guard lock(mutex_);
+    requests_.push_back(request);
+    for (const auto& [beginning, reply] : standing_) {
+        if (request.starts_with(beginning))
+            return [bytes = reply](Connection& connection) { connection.send(bytes); };
+    }
     if (scripts_.empty())
         return {};
     Script script = std::move(scripts_.front());

@@ -7,6 +7,7 @@
 #include <deque>
 #include <functional>
 #include <list>
+#include <map>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -46,6 +47,8 @@ public:
     void play(Script script);
     /// The bytes are the whole reply.
     void play(std::string reply);
+    /// Requests that begin so are always replied to with these bytes, and need no script.
+    void always(std::string beginning, std::string reply);
     /// Reads no further than the first bytes of a request before playing the next script.
     void hangUpEarly() { hangsUpEarly_ = true; }
 
@@ -58,7 +61,7 @@ private:
     void accept();
     void serve(int socket);
     std::string readRequest(int socket);
-    Script nextScript();
+    Script scriptFor(const std::string& request);
 
     int listener_;
     int port_ = 0;
@@ -67,6 +70,7 @@ private:
     bool isEnding_ = false;
     bool hangsUpEarly_ = false;
     std::deque<Script> scripts_;
+    std::map<std::string, std::string> standing_;
     std::vector<std::string> requests_;
     std::list<int> open_;
     std::list<std::thread> threads_;

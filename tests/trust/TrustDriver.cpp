@@ -116,12 +116,10 @@ public:
     bool download(int times)
     {
         return edit([&] {
+            // One download may run already while the next one is registered.
+            peer_.always("POST /kv_downloadreg.php", support::reply("\nregistered\n"));
+            peer_.always("GET ", support::reply(sharedMapping()));
             listShared();
-            // The registrations block; the downloads begin with the event loop.
-            for (int i = 0; i < times; ++i)
-                peer_.play(support::reply("\nregistered\n"));
-            for (int i = 0; i < times; ++i)
-                peer_.play(support::reply(sharedMapping()));
             begin();
             for (int i = 0; i < times; ++i)
                 program_.controller.kvCommunityLoadSelectedDownload();

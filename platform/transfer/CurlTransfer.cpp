@@ -1,9 +1,9 @@
-#include "platform/qt/CurlTransfer.h"
+#include "platform/transfer/CurlTransfer.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace platform::qt {
+namespace platform::transfer {
 
 namespace {
 
@@ -44,8 +44,8 @@ void allowHttpOnly(CURL* handle)
 
 } // namespace
 
-CurlTransfer::CurlTransfer(Request request, std::size_t limit, Sink sink)
-    : request_(std::move(request)), limit_(limit), sink_(std::move(sink)), handle_(curl_easy_init())
+CurlTransfer::CurlTransfer(Request request, Sink sink)
+    : request_(std::move(request)), sink_(std::move(sink)), handle_(curl_easy_init())
 {
     setUp();
     setUpHop();
@@ -149,7 +149,7 @@ std::int64_t CurlTransfer::expected() const
 {
     curl_off_t size = 0;
     curl_easy_getinfo(handle(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &size);
-    const bool isBelievable = size > 0 && static_cast<std::uint64_t>(size) <= limit_;
+    const bool isBelievable = size > 0 && static_cast<std::uint64_t>(size) <= request_.sizeLimit;
     return isBelievable ? static_cast<std::int64_t>(size) : 0;
 }
 
@@ -174,7 +174,7 @@ std::size_t CurlTransfer::take(char* bytes, std::size_t, std::size_t count, void
 {
     auto& transfer = *static_cast<CurlTransfer*>(self);
     transfer.received_ += count;
-    transfer.isTooLarge_ = transfer.received_ > transfer.limit_;
+    transfer.isTooLarge_ = transfer.received_ > transfer.request_.sizeLimit;
     if (transfer.isTooLarge_)
         return 0;
     if (transfer.isRedirect()) // nobody sees the page that says so
@@ -182,4 +182,4 @@ std::size_t CurlTransfer::take(char* bytes, std::size_t, std::size_t count, void
     return transfer.sink_({bytes, count}) ? count : 0;
 }
 
-} // namespace platform::qt
+} // namespace platform::transfer

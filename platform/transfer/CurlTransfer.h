@@ -2,6 +2,8 @@
 // One HTTP request with its redirects on a libcurl handle; whoever drives the handle asks this class what comes next.
 // Every hop has a connection of its own, so that libcurl has no reason to send anything twice.
 
+#include "platform/transfer/Protocol.h"
+
 #include <curl/curl.h>
 
 #include <chrono>
@@ -12,22 +14,15 @@
 #include <string>
 #include <string_view>
 
-namespace platform::qt {
+namespace platform::transfer {
 
 class CurlTransfer {
 public:
-    struct Request {
-        std::string address;
-        bool isPost = false;
-        std::string contentType;
-        std::string body;
-    };
     /// Takes a piece of the body; false ends the transfer.
     using Sink = std::function<bool(std::string_view)>;
     using Clock = std::chrono::steady_clock;
 
-    /// A reply body of more than `limit` bytes ends the transfer.
-    CurlTransfer(Request request, std::size_t limit, Sink sink);
+    CurlTransfer(Request request, Sink sink);
     CurlTransfer(const CurlTransfer&) = delete;
     CurlTransfer& operator=(const CurlTransfer&) = delete;
 
@@ -42,7 +37,6 @@ public:
     /// Forgets how long nothing has moved, when nobody looked at the sockets.
     void restartWatch() { movedAt_ = Clock::now(); }
 
-    std::int64_t received() const { return static_cast<std::int64_t>(received_); }
     /// Size of the body as announced, 0 when it was not.
     std::int64_t expected() const;
     /// The address of the hop that came last.
@@ -64,7 +58,6 @@ private:
     static std::size_t take(char* bytes, std::size_t one, std::size_t count, void* self);
 
     Request request_;
-    std::size_t limit_;
     Sink sink_;
     std::unique_ptr<curl_slist, FreeList> headers_;
     std::unique_ptr<CURL, FreeHandle> handle_;
@@ -77,4 +70,4 @@ private:
     Clock::time_point movedAt_ = Clock::now();
 };
 
-} // namespace platform::qt
+} // namespace platform::transfer

@@ -1,17 +1,19 @@
 #pragma once
-// HTTP over libcurl. A blocking request runs no event loop: timers, sockets and posted events wait, windows are
-// repainted from here, and what the user types or clicks meanwhile stays in the window system's queue until it is over.
+// HTTP, each request in a process of its own. A blocking request runs no event loop: timers, sockets and posted events
+// wait, windows are repainted from here, and what the user types or clicks meanwhile stays in the window system's queue
+// until it is over.
 
 #include "platform/Http.h"
 #include "platform/qt/CompletionGate.h"
-#include "platform/qt/CurlDownloads.h"
+#include "platform/qt/TransferDownloads.h"
 
 #include <chrono>
 #include <cstddef>
+#include <memory>
 
 namespace platform::qt {
 
-class CurlHttp final : public Http {
+class TransferHttp final : public Http {
 public:
     struct Limits {
         std::chrono::milliseconds stall = std::chrono::seconds(60);
@@ -19,8 +21,11 @@ public:
         std::size_t file = std::size_t{64} << 20;
     };
 
-    explicit CurlHttp(CompletionGate& gate);
-    CurlHttp(CompletionGate& gate, Limits limits);
+    explicit TransferHttp(CompletionGate& gate);
+    TransferHttp(CompletionGate& gate, Limits limits);
+
+    /// Starts the process of the next blocking request, so that its libraries are loaded when the request comes.
+    void prepare();
 
     std::optional<std::string> post(const std::string& address, const std::string& contentType,
                                     std::string_view body) override;
@@ -30,7 +35,8 @@ public:
 private:
     CompletionGate& gate_;
     Limits limits_;
-    CurlDownloads downloads_;
+    std::unique_ptr<transfer::TransferProcess> prepared_;
+    TransferDownloads downloads_;
 };
 
 } // namespace platform::qt
