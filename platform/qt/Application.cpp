@@ -15,7 +15,9 @@ Application::Application(int& argc, char** argv) : QApplication(argc, argv)
     setApplicationName(QStringLiteral("kvOrvantaLogic_Tool"));
     setApplicationDisplayName(QStringLiteral("kvOrvantaLogic Tool"));
     setApplicationVersion(QStringLiteral(KV_VERSION));
+#ifndef Q_OS_MACOS // it would stand in the Dock in place of the bundle's
     setWindowIcon(applicationIcon());
+#endif
     setDesktopFileName(QStringLiteral(KV_BUNDLE_IDENTIFIER));
     installEventFilter(&plainToolTips_);
     if (style()->name() == QLatin1String("fusion"))

@@ -1,6 +1,7 @@
 #include "platform/qt/ReadableStyle.h"
 
 #include "platform/qt/ReadableColours.h"
+#include "platform/qt/SymbolIcon.h"
 
 #include <QAbstractScrollArea>
 #include <QPainter>
@@ -63,6 +64,12 @@ void ReadableStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* 
         drawOutline(*painter, option->rect, QPen(focusColour(*option), 2), false);
     else if (isOutlined)
         drawOutline(*painter, option->rect, QPen(outlineColour(*option), 1.2), isRound);
+}
+
+QIcon ReadableStyle::standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const
+{
+    return icon == SP_LineEditClearButton ? symbolIcon(QStringLiteral("clear"))
+                                          : QProxyStyle::standardIcon(icon, option, widget);
 }
 
 } // namespace platform::qt

@@ -1,6 +1,7 @@
 #pragma once
 // Qt's own style for desktops without one, with outlines of check boxes, radio buttons and text fields, and a frame
-// around what has the focus, that stand out from the window: in dark colours the plain ones can hardly be seen.
+// around what has the focus, that stand out from the window: in dark colours the plain ones can hardly be seen. What
+// clears a text field is one of our symbols, since Qt would read the desktop's icon themes for it at every start.
 
 #include <QProxyStyle>
 
@@ -14,6 +15,7 @@ public:
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override;
+    QIcon standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const override;
 };
 
 } // namespace platform::qt

@@ -37,12 +37,60 @@ QColor colourFor(QIcon::Mode mode)
     return palette.color(QPalette::Active, QPalette::ButtonText);
 }
 
+QString fileOf(const QString& name)
+{
+    return kFolder + name + kSuffix;
+}
+
+/// Read once, when it is first painted: most symbols stand in menus that nobody has opened yet.
+class Drawing {
+public:
+    explicit Drawing(QString file) : file_(std::move(file)) {}
+
+    /// As large as fits, in the middle.
+    QImage picture(const QSize& pixels) const
+    {
+        QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+        if (image.isNull())
+            return image;
+        image.fill(Qt::transparent);
+        if (!renderer_) {
+            renderer_ = std::make_shared<QSvgRenderer>(file_);
+            renderer_->setAspectRatioMode(Qt::KeepAspectRatio);
+        }
+        QPainter painter(&image);
+        renderer_->render(&painter);
+        return image;
+    }
+
+private:
+    QString file_;
+    mutable std::shared_ptr<QSvgRenderer> renderer_;
+};
+
+/// Drawn and not read from picture files, for which Qt would load its readers of every other format, too.
+class ApplicationEngine final : public QIconEngine {
+public:
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode, QIcon::State) override
+    {
+        const qreal scale = painter->device()->devicePixelRatioF();
+        painter->drawImage(QRectF(rect), drawing_.picture((QSizeF(rect.size()) * scale).toSize()));
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode, QIcon::State) override
+    {
+        return QPixmap::fromImage(drawing_.picture(size));
+    }
+    QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override { return {{16, 16}, {32, 32}, {48, 48}}; }
+    QIconEngine* clone() const override { return new ApplicationEngine(*this); }
+
+private:
+    Drawing drawing_{QStringLiteral(":/icon/kvOrvantaLogic_Tool-small.svg")};
+};
+
 /// Keeps no picture: one that is kept would have the colour of the palette before.
 class SymbolEngine final : public QIconEngine {
 public:
-    SymbolEngine(QString name, std::shared_ptr<QSvgRenderer> drawing)
-        : name_(std::move(name)), drawing_(std::move(drawing))
-    {}
+    explicit SymbolEngine(QString name) : name_(std::move(name)), drawing_(fileOf(name_)) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override
     {
@@ -77,7 +125,7 @@ public:
     }
     QIconEngine* clone() const override
     {
-        return new SymbolEngine(name_, drawing_);
+        return new SymbolEngine(*this);
     }
 
 private:
@@ -85,19 +133,17 @@ private:
     /// colour is translucent, as it often is for what is disabled.
     QImage picture(const QSize& pixels, QIcon::Mode mode) const
     {
-        QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+        QImage image = drawing_.picture(pixels);
         if (image.isNull())
             return image;
-        image.fill(Qt::transparent);
         QPainter painter(&image);
-        drawing_->render(&painter);
         painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
         painter.fillRect(image.rect(), colourFor(mode));
         return image;
     }
 
     QString name_;
-    std::shared_ptr<QSvgRenderer> drawing_;
+    Drawing drawing_;
 };
 
 } // namespace
@@ -114,23 +160,13 @@ QStringList symbolNames()
 QIcon symbolIcon(const QString& name)
 {
     linkResources();
-    auto drawing = std::make_shared<QSvgRenderer>();
-    // Asked first, since the renderer would complain about a file that is not there.
-    const QString file = kFolder + name + kSuffix;
-    if (!QFile::exists(file) || !drawing->load(file))
-        return {};
-    drawing->setAspectRatioMode(Qt::KeepAspectRatio);
-    return QIcon(new SymbolEngine(name, std::move(drawing)));
+    return QFile::exists(fileOf(name)) ? QIcon(new SymbolEngine(name)) : QIcon();
 }
 
 QIcon applicationIcon()
 {
     linkResources();
-    QIcon icon;
-    // Read at every start. What shows it larger has the picture that was installed for the desktop.
-    for (const int pixels : {16, 32, 48, 128})
-        icon.addFile(QStringLiteral(":/icon/%1.png").arg(pixels));
-    return icon;
+    return QIcon(new ApplicationEngine);
 }
 
 } // namespace platform::qt

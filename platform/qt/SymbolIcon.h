@@ -14,7 +14,8 @@ QStringList symbolNames();
 /// so. Needs an application to be painted, not to be made.
 QIcon symbolIcon(const QString& name);
 
-/// The program's own icon, in its own colours, from 16 to 128 pixels.
+/// The program's own icon, in its own colours, for title bars and switchers. What shows it larger has the picture that
+/// was installed for the desktop.
 QIcon applicationIcon();
 
 } // namespace platform::qt

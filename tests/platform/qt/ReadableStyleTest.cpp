@@ -71,6 +71,15 @@ TEST_P(ReadableStyleTest, TheFocusStandsOutFromTheWindow)
     }
 }
 
+TEST(ReadableStyleIcons, OnlyWhatClearsAFieldIsOurs)
+{
+    const ReadableStyle style;
+    EXPECT_EQ(style.standardIcon(QStyle::SP_LineEditClearButton, nullptr, nullptr).name(), QLatin1String("clear"));
+    const QIcon other = style.standardIcon(QStyle::SP_MessageBoxWarning, nullptr, nullptr);
+    EXPECT_FALSE(other.isNull());
+    EXPECT_NE(other.name(), QLatin1String("clear"));
+}
+
 INSTANTIATE_TEST_SUITE_P(Schemes, ReadableStyleTest, testing::Bool(),
                          [](const auto& dark) { return dark.param ? "Dark" : "Light"; });
 

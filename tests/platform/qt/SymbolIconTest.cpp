@@ -20,6 +20,7 @@ const QStringList kExpected = {
     QStringLiteral("browse"),
     QStringLiteral("chart"),
     QStringLiteral("clear-all"),
+    QStringLiteral("clear"),
     QStringLiteral("folder-empty"),
     QStringLiteral("help"),
     QStringLiteral("load"),
@@ -215,7 +216,7 @@ TEST(ApplicationIconTest, HasASharpPictureForEverySize)
 {
     const QIcon icon = applicationIcon();
     ASSERT_FALSE(icon.isNull());
-    for (const int size : {16, 32, 48, 128}) {
+    for (const int size : {16, 32, 48}) {
         const QImage image = picture(icon, size);
         EXPECT_EQ(image.size(), QSize(size, size));
         EXPECT_GT(coverage(image), 0.5);
