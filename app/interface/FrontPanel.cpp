@@ -2,6 +2,7 @@
 
 #include "app/interface/DisplayLabel.h"
 #include "app/interface/DragData.h"
+#include "app/interface/Fonts.h"
 #include "app/interface/PanelDrawing.h"
 #include "app/interface/Pot.h"
 

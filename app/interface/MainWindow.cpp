@@ -1,5 +1,6 @@
 #include "app/interface/MainWindow.h"
 
+#include "app/interface/Fonts.h"
 #include "app/interface/FrontPanel.h"
 #include "app/interface/Menus.h"
 #include "app/interface/PageOverview.h"
@@ -79,7 +80,7 @@ QWidget* makeModeSwitch()
 QLayout* makeTitle()
 {
     auto* title = makeHeading(QStringLiteral("kvOrvantaLogic Tool"));
-    title->setFont(scaled(title->font(), 1.25));
+    title->setFont(titleFont(title->font(), 1));
     auto* layout = new QVBoxLayout;
     layout->setSpacing(0);
     layout->addWidget(title);
@@ -211,9 +212,7 @@ QLayout* makeStatusRow()
     layout->addWidget(makeLabel("labelHelperDisplay"), 5);
     layout->addWidget(makeLabel("pageLimitWarning"), 0);
     auto* unsaved = makeLabel("unsavedReadOut");
-    QFont bold = unsaved->font();
-    bold.setBold(true);
-    unsaved->setFont(bold);
+    unsaved->setFont(boldFont(unsaved->font()));
     layout->addWidget(unsaved, 2);
     auto* path = makeLabel("labPluginPlistLocation", Qt::ElideMiddle);
     layout->addWidget(path, 4);

@@ -1,5 +1,7 @@
 #include "app/interface/PanelDrawing.h"
 
+#include "app/interface/Fonts.h"
+
 #include <QPainter>
 #include <QPainterPath>
 

@@ -1,5 +1,7 @@
 #include "app/interface/PanelLayout.h"
 
+#include "app/interface/Fonts.h"
+
 #include <QFontMetricsF>
 
 #include <algorithm>
@@ -119,37 +121,6 @@ QSize smallestPanelSize(const QFont& font)
 {
     const double width = 2 * (kCheek + kSide) + PanelLayout::kPots * kSmallestPot;
     return {static_cast<int>(width) + 2, static_cast<int>(heightAround(font, 1)) + kSmallestPot + 3};
-}
-
-QFont scaledFont(QFont font, double factor)
-{
-    if (font.pixelSize() > 0)
-        font.setPixelSize(static_cast<int>(std::lround(font.pixelSize() * factor)));
-    else
-        font.setPointSizeF(font.pointSizeF() * factor);
-    return font;
-}
-
-QFont titleFont(const QFont& font, double scale)
-{
-    QFont title = scaledFont(font, 1.2 * scale);
-    title.setBold(true);
-    return title;
-}
-
-QFont makerFont(const QFont& font, double scale)
-{
-    QFont maker = scaledFont(font, 1.55 * scale);
-    maker.setBold(true);
-    maker.setLetterSpacing(QFont::PercentageSpacing, 122);
-    return maker;
-}
-
-QFont legendFont(const QFont& font, double scale)
-{
-    QFont legend = scaledFont(font, 0.72 * scale);
-    legend.setLetterSpacing(QFont::PercentageSpacing, 118);
-    return legend;
 }
 
 } // namespace interface

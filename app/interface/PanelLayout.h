@@ -30,11 +30,6 @@ QSize preferredPanelSize(const QFont& font);
 /// The smallest in which nothing is cut.
 QSize smallestPanelSize(const QFont& font);
 
-QFont scaledFont(QFont font, double factor);
-QFont titleFont(const QFont& font, double scale);
-QFont makerFont(const QFont& font, double scale);
-QFont legendFont(const QFont& font, double scale);
-
 /// Engraved on the face, the legend in two lines.
 inline constexpr char kMaker[] = "ORVANTA";
 inline constexpr char kLegendAbove[] = "PARAMETER";

@@ -1,5 +1,6 @@
 #include "app/interface/Widgets.h"
 
+#include "app/interface/Fonts.h"
 #include "platform/qt/ElidedLabel.h"
 #include "platform/qt/RecordListView.h"
 #include "platform/qt/SymbolIcon.h"
@@ -67,28 +68,17 @@ QPlainTextEdit* makeTextBox(const char* name, const QString& accessibleName)
     return box;
 }
 
-QFont scaled(QFont font, double factor)
-{
-    if (font.pixelSize() > 0)
-        font.setPixelSize(qRound(font.pixelSize() * factor));
-    else
-        font.setPointSizeF(font.pointSizeF() * factor);
-    return font;
-}
-
 QLabel* makeHeading(const QString& text)
 {
     auto* heading = new QLabel(text);
-    QFont font = heading->font();
-    font.setBold(true);
-    heading->setFont(font);
+    heading->setFont(boldFont(heading->font()));
     return heading;
 }
 
 QLabel* makeCaption(const QString& text)
 {
     auto* caption = new QLabel(text);
-    caption->setFont(scaled(caption->font(), 0.9));
+    caption->setFont(scaledFont(caption->font(), 0.9));
     return caption;
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 // Makers of the widgets that several windows use, each under its object name.
 
-#include <QFont>
 #include <QString>
 
 class QLabel;
@@ -25,8 +24,6 @@ platform::qt::ElidedLabel* makeLabel(const char* name, Qt::TextElideMode mode = 
 platform::qt::RecordListView* makeList(const char* name, const QString& accessibleName);
 QLineEdit* makeLine(const char* name);
 QPlainTextEdit* makeTextBox(const char* name, const QString& accessibleName);
-/// The font in another size, whether it is given in points or in pixels.
-QFont scaled(QFont font, double factor);
 /// A heading over a list or a group; not an outlet.
 QLabel* makeHeading(const QString& text);
 /// The same in smaller letters, before the buttons that it names.

@@ -1,0 +1,16 @@
+#pragma once
+// The fonts of the windows, all derived from the desktop's. `scale` is the front panel's. Each font more costs the
+// start a few tenths of a millisecond, so there are few.
+
+#include <QFont>
+
+namespace interface {
+
+QFont boldFont(QFont font);
+/// Works for a font of either kind, in points or in pixels.
+QFont scaledFont(QFont font, double factor);
+QFont titleFont(const QFont& font, double scale);
+QFont makerFont(const QFont& font, double scale);
+QFont legendFont(const QFont& font, double scale);
+
+} // namespace interface
