@@ -36,6 +36,20 @@ void writeWhole(int descriptor, const char* bytes, std::size_t size) noexcept
     }
 }
 
+bool isControl(unsigned char byte)
+{
+    return (byte < 0x20) | (byte == 0x7f);
+}
+
+/// Looks at every byte, so that the compiler can look at many at once.
+bool hasControls(std::string_view line)
+{
+    unsigned any = 0;
+    for (const char c : line)
+        any |= isControl(static_cast<unsigned char>(c));
+    return any != 0;
+}
+
 void flushDyingLog() noexcept
 {
     if (StreamLog* log = theDyingLog.exchange(nullptr))
@@ -92,11 +106,16 @@ StreamLog::~StreamLog()
 
 void StreamLog::write(std::string_view line)
 {
+    if (!hasControls(line)) {
+        append(line);
+        append("\n");
+        return;
+    }
     static constexpr char kDigits[] = "0123456789abcdef";
     std::size_t start = 0;
     for (std::size_t i = 0; i < line.size(); ++i) {
         const auto byte = static_cast<unsigned char>(line[i]);
-        if (byte >= 0x20 && byte != 0x7f)
+        if (!isControl(byte))
             continue;
         append(line.substr(start, i - start));
         const char escaped[] = {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 0xf]};

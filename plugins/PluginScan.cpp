@@ -23,6 +23,8 @@ std::string_view takeLastComponent(std::string_view& path)
 
 std::optional<platform::Record> rowForFile(std::string_view path)
 {
+    if (!path.ends_with(kOrderFile)) // hardly any of hundreds of thousands does
+        return std::nullopt;
     std::string_view rest = path;
     if (takeLastComponent(rest) != kOrderFile)
         return std::nullopt;

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <memory>
 #include <numeric>
+#include <optional>
 #include <utility>
 
 namespace platform::qt {
@@ -25,6 +26,27 @@ QCollator personsCollator()
     collator.setCaseSensitivity(Qt::CaseInsensitive);
     return collator;
 }
+
+/// What one key's texts are ordered by, made when it is asked for: the later keys of rows seldom are.
+class SortKeys {
+public:
+    SortKeys(const std::vector<Record>& content, const std::string& key)
+        : content_(content), key_(key), made_(content.size())
+    {}
+
+    const QCollatorSortKey& of(std::size_t row)
+    {
+        if (!made_[row])
+            made_[row] = collator_.sortKey(toQt(content_[row].text(key_)));
+        return *made_[row];
+    }
+
+private:
+    const std::vector<Record>& content_;
+    const std::string& key_;
+    QCollator collator_ = personsCollator();
+    std::vector<std::optional<QCollatorSortKey>> made_;
+};
 
 /// What somebody types for a letter that has its accent built in.
 QString withoutStroke(QChar letter)
@@ -77,18 +99,14 @@ private:
 ArrayController::Arrangement sortedBy(std::vector<std::string> keys, Qt::SortOrder order)
 {
     return [keys = std::move(keys), order](const ArrayController& controller) {
-        const auto& content = controller.content();
-        const QCollator collator = personsCollator();
-        std::vector<std::vector<QCollatorSortKey>> sortKeys(content.size());
-        for (std::size_t row = 0; row < content.size(); ++row) {
-            for (const std::string& key : keys)
-                sortKeys[row].push_back(collator.sortKey(toQt(content[row].text(key))));
-        }
-        Rows rows(content.size());
+        std::vector<SortKeys> sortKeys;
+        for (const std::string& key : keys)
+            sortKeys.emplace_back(controller.content(), key);
+        Rows rows(controller.content().size());
         std::iota(rows.begin(), rows.end(), std::size_t{0});
         std::stable_sort(rows.begin(), rows.end(), [&](std::size_t a, std::size_t b) {
             for (std::size_t k = 0; k < keys.size(); ++k) {
-                const int comparison = sortKeys[a][k].compare(sortKeys[b][k]);
+                const int comparison = sortKeys[k].of(a).compare(sortKeys[k].of(b));
                 if (comparison != 0)
                     return (comparison < 0) == (k > 0 || order == Qt::AscendingOrder);
             }
