@@ -64,31 +64,40 @@ void drawFace(QPainter& painter, const PanelLayout& layout, const PanelColours& 
     painter.restore();
 }
 
-void drawCheek(QPainter& painter, const QRectF& cheek, const PanelColours& c)
+/// A line of the grain from top to bottom, as the shape between its two sides: a wide pen would be slower.
+QPainterPath grainLine(double x, double sway, double height, double width)
 {
+    const double h = width / 2;
+    QPainterPath line(QPointF(x - h, 0));
+    line.cubicTo(x + sway - h, height * 0.3, x - sway - h, height * 0.6, x + sway / 2 - h, height);
+    line.lineTo(x + sway / 2 + h, height);
+    line.cubicTo(x - sway + h, height * 0.6, x + sway + h, height * 0.3, x + h, 0);
+    return line;
+}
+
+QPixmap woodOf(const QSizeF& size, double scale, const PanelColours& c)
+{
+    QPixmap picture((size * scale).toSize());
+    picture.setDevicePixelRatio(scale);
+    const QRectF cheek(QPointF(), size);
     QLinearGradient wood(cheek.topLeft(), cheek.topRight());
     wood.setColorAt(0, c.cheekDark);
     wood.setColorAt(0.35, c.cheekLight);
     wood.setColorAt(0.7, c.cheekLight.darker(112));
     wood.setColorAt(1, c.cheekDark);
-    painter.save();
-    painter.setClipRect(cheek, Qt::IntersectClip);
-    painter.fillRect(cheek, wood);
-    painter.setBrush(Qt::NoBrush);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillRect(picture.rect(), wood);
     for (int grain = 0; grain < 4; ++grain) {
-        const double x = cheek.left() + cheek.width() * (0.18 + 0.21 * grain);
+        const double x = cheek.width() * (0.18 + 0.21 * grain);
         const double sway = cheek.width() * (0.08 + 0.002 * markAt(grain));
-        QPainterPath line(QPointF(x, cheek.top()));
-        line.cubicTo({x + sway, cheek.top() + cheek.height() * 0.3}, {x - sway, cheek.top() + cheek.height() * 0.6},
-                     {x + sway / 2, cheek.bottom()});
-        painter.setPen(QPen(c.cheekGrain, 0.8 + 0.01 * markAt(grain + 7)));
-        painter.drawPath(line);
+        painter.fillPath(grainLine(x, sway, cheek.height(), 0.8 + 0.01 * markAt(grain + 7)), c.cheekGrain);
     }
-    painter.fillRect(cheek, downwards(cheek, {{0, QColor(255, 255, 255, 40)},
-                                              {0.12, QColor(255, 255, 255, 0)},
-                                              {0.8, QColor(0, 0, 0, 0)},
-                                              {1, QColor(0, 0, 0, 90)}}));
-    painter.restore();
+    painter.fillRect(picture.rect(), downwards(cheek, {{0, QColor(255, 255, 255, 40)},
+                                                       {0.12, QColor(255, 255, 255, 0)},
+                                                       {0.8, QColor(0, 0, 0, 0)},
+                                                       {1, QColor(0, 0, 0, 90)}}));
+    return picture;
 }
 
 /// The gap between cheek and face, in shadow on the side of the face.
@@ -194,9 +203,11 @@ void drawPanel(QPainter& painter, const PanelLayout& layout, const PanelColours&
     painter.save();
     painter.setClipPath(body, Qt::IntersectClip);
     drawFace(painter, layout, c);
-    const double cheek = layout.face.left() - layout.body.left();
-    drawCheek(painter, QRectF(layout.body.left(), layout.body.top(), cheek, layout.body.height()), c);
-    drawCheek(painter, QRectF(layout.face.right(), layout.body.top(), cheek, layout.body.height()), c);
+    // Both cheeks are cut from the same piece.
+    const QSizeF cheek(layout.face.left() - layout.body.left(), layout.body.height());
+    const QPixmap wood = woodOf(cheek, painter.device()->devicePixelRatioF(), c);
+    painter.drawPixmap(layout.body.topLeft(), wood);
+    painter.drawPixmap(QPointF(layout.face.right(), layout.body.top()), wood);
     drawJoint(painter, layout.face, true);
     drawJoint(painter, layout.face, false);
     painter.restore();
