@@ -1,5 +1,7 @@
 #include "platform/Files.h"
 
+#include "platform/Descriptors.h"
+
 #include <cerrno>
 #include <csignal>
 #include <utility>
@@ -36,19 +38,6 @@ private:
 Descriptor openToRead(const Path& path)
 {
     return Descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-}
-
-bool writeWhole(int descriptor, std::string_view bytes)
-{
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
 }
 
 bool flushToDisk(int descriptor)

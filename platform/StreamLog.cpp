@@ -1,13 +1,13 @@
 #include "platform/StreamLog.h"
 
+#include "platform/Descriptors.h"
+
 #include <atomic>
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
 
-#include <poll.h>
 #include <unistd.h>
 
 namespace platform {
@@ -19,22 +19,6 @@ std::terminate_handler formerTerminate = nullptr;
 
 constexpr int kFatalSignals[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGABRT, SIGSEGV,
                                  SIGBUS, SIGILL, SIGFPE,  SIGXCPU, SIGXFSZ};
-
-void writeWhole(int descriptor, const char* bytes, std::size_t size) noexcept
-{
-    while (size > 0) {
-        const ssize_t written = ::write(descriptor, bytes, size);
-        if (written > 0) {
-            bytes += written;
-            size -= static_cast<std::size_t>(written);
-        } else if (errno == EAGAIN) {
-            pollfd writable = {descriptor, POLLOUT, 0};
-            ::poll(&writable, 1, -1);
-        } else if (errno != EINTR) {
-            return; // nobody reads the log any more
-        }
-    }
-}
 
 bool isControl(unsigned char byte)
 {
@@ -131,7 +115,7 @@ void StreamLog::append(std::string_view bytes)
     if (bytes.size() > buffer_.size() - used_)
         flush();
     if (bytes.size() > buffer_.size()) {
-        writeWhole(descriptor_, bytes.data(), bytes.size());
+        writeWhole(descriptor_, bytes); // or not at all, when nobody reads the log any more
         return;
     }
     std::memcpy(buffer_.data() + used_, bytes.data(), bytes.size());
@@ -140,13 +124,13 @@ void StreamLog::append(std::string_view bytes)
 
 void StreamLog::flush()
 {
-    writeWhole(descriptor_, buffer_.data(), used_);
+    writeWhole(descriptor_, {buffer_.data(), used_});
     used_ = 0;
 }
 
 void StreamLog::flushFromSignal() noexcept
 {
-    writeWhole(descriptor_, buffer_.data(), used_);
+    writeWhole(descriptor_, {buffer_.data(), used_});
     used_ = 0;
 }
 

@@ -98,6 +98,12 @@ void DesktopWorkspace::openFile(const std::filesystem::path& path)
     QDesktopServices::openUrl(QUrl::fromEncoded(QByteArray::fromStdString(fileUrl(path)), QUrl::StrictMode));
 }
 
+std::filesystem::path besideProgram(const char* name)
+{
+    const auto folder = QFile::encodeName(QCoreApplication::applicationDirPath()).toStdString();
+    return (std::filesystem::path(folder) / ".." / name).lexically_normal();
+}
+
 std::filesystem::path UserFolders::home() const
 {
     if (const char* home = environmentOr("HOME", nullptr))
@@ -122,8 +128,7 @@ std::filesystem::path UserFolders::userApplicationSupport() const
 
 std::filesystem::path UserFolders::resources() const
 {
-    const auto program = QFile::encodeName(QCoreApplication::applicationDirPath()).toStdString();
-    return (std::filesystem::path(program) / ".." / KV_RESOURCES_FOLDER).lexically_normal();
+    return besideProgram(KV_RESOURCES_FOLDER);
 }
 
 std::string TranslatedTexts::localizedString(const std::string& english) const

@@ -1,7 +1,7 @@
 #include "platform/qt/TransferDownloads.h"
 
-#include <QCoreApplication>
-#include <QFile>
+#include "platform/qt/SystemEffects.h"
+
 #include <QSocketNotifier>
 
 #include <algorithm>
@@ -13,15 +13,14 @@ using transfer::TransferProcess;
 
 namespace {
 
-constexpr char kCannotWrite[] = "The file could not be written";
+/// How often is looked for a process that does not answer.
+constexpr std::chrono::seconds kWatch{1};
 
 } // namespace
 
 std::unique_ptr<TransferProcess> startTransfer()
 {
-    const auto folder = QFile::encodeName(QCoreApplication::applicationDirPath()).toStdString();
-    const std::filesystem::path program = std::filesystem::path(folder) / ".." / KV_HELPERS_FOLDER / "transfer";
-    return std::make_unique<TransferProcess>(program.lexically_normal());
+    return std::make_unique<TransferProcess>(besideProgram(KV_TRANSFER_PROGRAM));
 }
 
 struct TransferDownloads::Download {
@@ -40,6 +39,8 @@ struct TransferDownloads::Download {
 TransferDownloads::TransferDownloads(CompletionGate& gate, std::chrono::milliseconds stallLimit, std::size_t sizeLimit)
     : gate_(gate), stallLimit_(stallLimit), sizeLimit_(sizeLimit)
 {
+    watch_.setInterval(kWatch);
+    connect(&watch_, &QTimer::timeout, this, &TransferDownloads::endSilent);
     connect(&gate_, &CompletionGate::opened, this, &TransferDownloads::scheduleDelivery);
 }
 
@@ -52,12 +53,14 @@ void TransferDownloads::start(const std::string& address, const std::filesystem:
     running_.push_back(std::make_unique<Download>(destination, unusedPart(destination), std::move(handlers)));
     Download& download = *running_.back();
     if (!download.file.isOpen())
-        return end(download, {false, kCannotWrite, address});
+        return end(download, {false, TransferProcess::kNotWritten, address});
     download.process = startTransfer();
     download.process->send({address, false, {}, {}, stallLimit_, sizeLimit_});
     if (download.process->outcome())
         return end(download, *download.process->outcome());
     download.notifier = std::make_unique<QSocketNotifier>(download.process->descriptor(), QSocketNotifier::Read);
+    if (!watch_.isActive())
+        watch_.start();
     connect(download.notifier.get(), &QSocketNotifier::activated, this, [this, &download] { receive(download); });
     Q_EMIT progressed();
 }
@@ -115,10 +118,19 @@ void TransferDownloads::receive(Download& download)
         end(download, *download.process->outcome());
 }
 
+void TransferDownloads::endSilent()
+{
+    for (std::size_t i = running_.size(); i-- > 0;) {
+        running_[i]->process->failIfSilent();
+        if (const auto outcome = running_[i]->process->outcome())
+            end(*running_[i], *outcome);
+    }
+}
+
 void TransferDownloads::end(Download& download, transfer::Outcome outcome)
 {
     if (outcome.isWhole && !download.file.finish())
-        outcome = {false, kCannotWrite, std::move(outcome.address)};
+        outcome = {false, TransferProcess::kNotWritten, std::move(outcome.address)};
     if (outcome.isWhole)
         complete(std::move(download.handlers.finished));
     else
@@ -130,6 +142,8 @@ void TransferDownloads::end(Download& download, transfer::Outcome outcome)
         download.notifier.release()->deleteLater(); // it may be the one that called
     }
     std::erase_if(running_, [&](const auto& each) { return each.get() == &download; });
+    if (running_.empty())
+        watch_.stop();
     Q_EMIT progressed();
 }
 

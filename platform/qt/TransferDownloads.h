@@ -8,6 +8,7 @@
 #include "platform/transfer/TransferProcess.h"
 
 #include <QObject>
+#include <QTimer>
 
 #include <deque>
 #include <memory>
@@ -36,6 +37,7 @@ private:
     struct Download;
 
     void receive(Download& download);
+    void endSilent();
     void end(Download& download, transfer::Outcome outcome);
     void complete(std::function<void()> tell);
     void scheduleDelivery();
@@ -47,6 +49,7 @@ private:
     CompletionGate& gate_;
     std::chrono::milliseconds stallLimit_;
     std::size_t sizeLimit_;
+    QTimer watch_;
     std::vector<std::unique_ptr<Download>> running_;
     std::deque<std::function<void()>> completed_;
 };

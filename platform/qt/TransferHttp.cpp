@@ -3,10 +3,7 @@
 #include <QApplication>
 #include <QWidget>
 
-#include <csignal>
 #include <utility>
-
-#include <poll.h>
 
 namespace platform::qt {
 
@@ -44,12 +41,6 @@ private:
     Clock::time_point due_ = Clock::now() + kRepaintAfter;
 };
 
-bool isReadable(int descriptor, milliseconds wait)
-{
-    pollfd awaited = {descriptor, POLLIN, 0};
-    return ::poll(&awaited, 1, static_cast<int>(wait.count())) > 0;
-}
-
 } // namespace
 
 TransferHttp::TransferHttp(CompletionGate& gate) : TransferHttp(gate, Limits()) {}
@@ -57,7 +48,6 @@ TransferHttp::TransferHttp(CompletionGate& gate) : TransferHttp(gate, Limits()) 
 TransferHttp::TransferHttp(CompletionGate& gate, Limits limits)
     : gate_(gate), limits_(limits), downloads_(gate, limits.stall, limits.file)
 {
-    std::signal(SIGPIPE, SIG_IGN); // a process that has ended is a failed transfer, not the end of the program
     QObject::connect(&downloads_, &TransferDownloads::progressed, &downloads_,
                      [this] { downloadProgress.set(downloads_.progress()); });
 }
@@ -72,6 +62,8 @@ std::optional<std::string> TransferHttp::post(const std::string& address, const 
 {
     const CompletionGate::Hold hold(gate_);
     const BusyPointer busy;
+    if (prepared_ && prepared_->isReadable(milliseconds(0)))
+        prepared_.reset(); // without a request it has nothing to say but that it has ended
     const auto process = prepared_ ? std::move(prepared_) : startTransfer();
     process->send({address, true, contentType, std::string(body), limits_.stall, limits_.reply});
     std::string reply;
@@ -82,8 +74,10 @@ std::optional<std::string> TransferHttp::post(const std::string& address, const 
                                                           }};
     Repaint repaint;
     while (!process->outcome()) {
-        if (isReadable(process->descriptor(), kRepaintAfter))
+        if (process->isReadable(kRepaintAfter))
             process->receive(listener);
+        else
+            process->failIfSilent();
         repaint.whenDue();
     }
     return process->outcome()->isWhole ? std::optional(std::move(reply)) : std::nullopt;

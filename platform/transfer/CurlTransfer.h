@@ -34,9 +34,6 @@ public:
 
     /// Whether nothing at all has moved for as long as `limit`.
     bool isStalled(std::chrono::milliseconds limit);
-    /// Forgets how long nothing has moved, when nobody looked at the sockets.
-    void restartWatch() { movedAt_ = Clock::now(); }
-
     /// Size of the body as announced, 0 when it was not.
     std::int64_t expected() const;
     /// The address of the hop that came last.
@@ -50,6 +47,8 @@ private:
         void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
     };
 
+    /// Forgets how long nothing has moved.
+    void restartWatch() { movedAt_ = Clock::now(); }
     void setUp();
     void setUpHop();
     /// Whether the reply whose headers have arrived leads elsewhere.

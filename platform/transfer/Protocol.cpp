@@ -1,7 +1,11 @@
 #include "platform/transfer/Protocol.h"
 
+#include "platform/Descriptors.h"
+
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include <unistd.h>
 
@@ -11,8 +15,11 @@ namespace {
 
 using Number = std::uint64_t;
 
-constexpr std::size_t kHeadSize = 2 * sizeof(Number);
-constexpr Number kLargestMessage = Number{1} << 20;
+/// Counts up with every change of what is sent: a program that was replaced while it runs starts its successor's.
+constexpr Number kLayout = 1;
+constexpr std::size_t kFrameSize = 2 * sizeof(Number);
+/// Pieces of a body are small; an address may have whatever length.
+constexpr Number kLargestMessage = Number{16} << 20;
 
 class Packer {
 public:
@@ -71,19 +78,6 @@ private:
     std::optional<std::string_view> bytes_;
 };
 
-bool writeAll(int descriptor, std::string_view bytes)
-{
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
-
 std::optional<std::string> readAll(int descriptor, Number size)
 {
     std::string bytes;
@@ -101,7 +95,7 @@ std::optional<std::string> readAll(int descriptor, Number size)
 
 bool sendMessage(int descriptor, MessageReader::Kind kind, std::string_view content)
 {
-    return writeAll(descriptor, Packer().number(static_cast<Number>(kind)).text(content).packed());
+    return writeWhole(descriptor, Packer().number(static_cast<Number>(kind)).text(content).packed());
 }
 
 } // namespace
@@ -111,14 +105,18 @@ bool sendRequest(int descriptor, const Request& request)
     Packer packer;
     packer.text(request.address).number(request.isPost).text(request.contentType).text(request.body);
     packer.number(static_cast<Number>(request.stallLimit.count())).number(request.sizeLimit);
-    return writeAll(descriptor, Packer().number(packer.packed().size()).packed()) &&
-           writeAll(descriptor, packer.packed());
+    const auto patience = static_cast<int>(request.stallLimit.count());
+    return writeWhole(descriptor, Packer().number(kLayout).number(packer.packed().size()).packed(), patience) &&
+           writeWhole(descriptor, packer.packed(), patience);
 }
 
 std::optional<Request> receiveRequest(int descriptor)
 {
-    const auto head = readAll(descriptor, sizeof(Number));
-    const auto bytes = head ? readAll(descriptor, *Unpacker(*head).number()) : std::nullopt;
+    const auto frame = readAll(descriptor, kFrameSize);
+    Unpacker sizes(frame ? std::string_view(*frame) : std::string_view());
+    if (sizes.number() != kLayout)
+        return std::nullopt;
+    const auto bytes = readAll(descriptor, *sizes.number());
     if (!bytes)
         return std::nullopt;
     Unpacker unpacker(*bytes);
@@ -138,14 +136,20 @@ std::optional<Request> receiveRequest(int descriptor)
                    *sizeLimit};
 }
 
-bool sendExpected(int descriptor, std::int64_t size)
+bool sendHead(int descriptor, const Head& head)
 {
-    return sendMessage(descriptor, MessageReader::Kind::expected, Packer().number(static_cast<Number>(size)).packed());
+    return sendMessage(descriptor, MessageReader::Kind::head,
+                       Packer().number(static_cast<Number>(head.size)).text(head.address).packed());
 }
 
 bool sendBody(int descriptor, std::string_view piece)
 {
     return sendMessage(descriptor, MessageReader::Kind::body, piece);
+}
+
+bool sendSignOfLife(int descriptor)
+{
+    return sendMessage(descriptor, MessageReader::Kind::signOfLife, {});
 }
 
 bool sendOutcome(int descriptor, const Outcome& outcome)
@@ -164,23 +168,26 @@ void MessageReader::append(std::string_view bytes)
 std::optional<MessageReader::Message> MessageReader::next()
 {
     const std::string_view left = std::string_view(bytes_).substr(taken_);
-    if (isBroken_ || left.size() < kHeadSize)
+    if (isBroken_ || left.size() < kFrameSize)
         return std::nullopt;
-    Unpacker head(left);
-    const auto kind = static_cast<Kind>(*head.number());
-    const Number size = *head.number();
-    isBroken_ = kind < Kind::expected || kind > Kind::outcome || size > kLargestMessage;
-    if (isBroken_ || left.size() - kHeadSize < size)
+    Unpacker frame(left);
+    const auto kind = static_cast<Kind>(*frame.number());
+    const Number size = *frame.number();
+    isBroken_ = kind < Kind::head || kind > Kind::outcome || size > kLargestMessage;
+    if (isBroken_ || left.size() - kFrameSize < size)
         return std::nullopt;
-    taken_ += kHeadSize + size;
-    return Message{kind, left.substr(kHeadSize, size)};
+    taken_ += kFrameSize + size;
+    return Message{kind, left.substr(kFrameSize, size)};
 }
 
-std::optional<std::int64_t> expectedIn(std::string_view content)
+std::optional<Head> headIn(std::string_view content)
 {
     Unpacker unpacker(content);
     const auto size = unpacker.number();
-    return unpacker.isAtEnd() ? std::optional(static_cast<std::int64_t>(*size)) : std::nullopt;
+    auto address = unpacker.text();
+    if (!unpacker.isAtEnd())
+        return std::nullopt;
+    return Head{static_cast<std::int64_t>(*size), std::move(*address)};
 }
 
 std::optional<Outcome> outcomeIn(std::string_view content)

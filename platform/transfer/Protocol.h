@@ -1,7 +1,6 @@
 #pragma once
 // What the program and a transfer's process say to each other over a pipe each way: the request there, and back
-// messages, of which the outcome is the last. Both come from one build and run on one machine, so numbers go as they
-// lie in memory.
+// messages, of which the outcome is the last. Both run on one machine, so numbers go as they lie in memory.
 
 #include <chrono>
 #include <cstddef>
@@ -28,19 +27,28 @@ struct Outcome {
     std::string address;     ///< of the hop that came last
 };
 
+/// What comes before the first piece of the body.
+struct Head {
+    std::int64_t size = 0; ///< of the body, as the server announced it; 0 when it did not
+    std::string address;   ///< of the hop that the body comes from
+};
+
+/// Waits no longer than the request may stand still.
 bool sendRequest(int descriptor, const Request& request);
-/// Waits for the whole of it; none when the other side ended before.
+/// Waits for the whole of it. None when the other side ended before, or when it is another version, whose messages are
+/// others.
 std::optional<Request> receiveRequest(int descriptor);
 
-/// How large the body will be, as the server announced it.
-bool sendExpected(int descriptor, std::int64_t size);
+bool sendHead(int descriptor, const Head& head);
 bool sendBody(int descriptor, std::string_view piece);
+/// Nothing has come, and the process still waits for it.
+bool sendSignOfLife(int descriptor);
 bool sendOutcome(int descriptor, const Outcome& outcome);
 
 /// Puts messages together from pieces as they arrive.
 class MessageReader {
 public:
-    enum class Kind : std::uint64_t { expected = 1, body, outcome };
+    enum class Kind : std::uint64_t { head = 1, body, signOfLife, outcome };
     struct Message {
         Kind kind;
         std::string_view content; ///< until the next call
@@ -59,7 +67,7 @@ private:
 };
 
 /// None when the content is not one.
-std::optional<std::int64_t> expectedIn(std::string_view content);
+std::optional<Head> headIn(std::string_view content);
 std::optional<Outcome> outcomeIn(std::string_view content);
 
 } // namespace platform::transfer

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,6 +15,12 @@ extern "C" char** environ;
 namespace platform::transfer {
 
 namespace {
+
+using std::chrono::milliseconds;
+
+constexpr char kEndedUnexpectedly[] = "The transfer ended unexpectedly";
+/// By how much the process may be late with a sign of life.
+constexpr milliseconds kGrace = std::chrono::seconds(3);
 
 struct Pipe {
     int read = -1;
@@ -39,8 +46,14 @@ Pipe makePipe()
     int ends[2];
     if (::pipe(ends) != 0)
         return {};
-    const int read = placed(ends[0]);
-    return {read, placed(ends[1])};
+    Pipe pipe;
+    pipe.read = placed(ends[0]);
+    pipe.write = placed(ends[1]);
+    if (pipe.read >= 0 && pipe.write >= 0)
+        return pipe;
+    close(pipe.read);
+    close(pipe.write);
+    return {};
 }
 
 /// Negative when it could not be started.
@@ -61,6 +74,7 @@ pid_t start(const std::filesystem::path& program, int input, int output)
 
 TransferProcess::TransferProcess(const std::filesystem::path& program)
 {
+    std::signal(SIGPIPE, SIG_IGN);
     Pipe requests = makePipe();
     Pipe replies = makePipe();
     if (requests.write >= 0 && replies.write >= 0)
@@ -87,10 +101,26 @@ TransferProcess::~TransferProcess()
 void TransferProcess::send(const Request& request)
 {
     address_ = request.address;
+    patience_ = request.stallLimit + kGrace;
+    ::fcntl(requests_, F_SETFL, O_NONBLOCK);
     if (outcome_)
         outcome_->address = address_;
     else if (!sendRequest(requests_, request))
-        fail("The transfer ended unexpectedly");
+        fail(kEndedUnexpectedly);
+    heardAt_ = Clock::now();
+}
+
+bool TransferProcess::isReadable(milliseconds wait) const
+{
+    pollfd awaited = {replies_, POLLIN, 0};
+    return ::poll(&awaited, 1, static_cast<int>(wait.count())) > 0;
+}
+
+void TransferProcess::failIfSilent()
+{
+    // What has come while nobody listened counts.
+    if (!outcome_ && Clock::now() - heardAt_ > patience_ && !isReadable(milliseconds(0)))
+        fail("The transfer does not answer");
 }
 
 void TransferProcess::receive(const Listener& listener)
@@ -102,29 +132,35 @@ void TransferProcess::receive(const Listener& listener)
     if (got < 0 && errno == EINTR)
         return;
     if (got <= 0)
-        return fail("The transfer ended unexpectedly");
+        return fail(kEndedUnexpectedly);
+    heardAt_ = Clock::now();
     reader_.append({buffer, static_cast<std::size_t>(got)});
     while (const auto message = outcome_ ? std::nullopt : reader_.next())
         take(*message, listener);
     if (reader_.isBroken())
-        fail("The transfer ended unexpectedly");
+        fail(kEndedUnexpectedly);
 }
 
 void TransferProcess::take(const MessageReader::Message& message, const Listener& listener)
 {
     switch (message.kind) {
-    case MessageReader::Kind::expected:
-        if (const auto size = expectedIn(message.content))
-            listener.expected(*size);
+    case MessageReader::Kind::head: {
+        auto head = headIn(message.content);
+        if (!head)
+            return fail(kEndedUnexpectedly);
+        address_ = std::move(head->address);
+        listener.expected(head->size);
         break;
+    }
     case MessageReader::Kind::body:
         if (!listener.body(message.content))
-            fail("What was received could not be kept");
+            fail(kNotWritten);
         break;
+    case MessageReader::Kind::signOfLife: break;
     case MessageReader::Kind::outcome:
         outcome_ = outcomeIn(message.content);
         if (!outcome_)
-            fail("The transfer ended unexpectedly");
+            fail(kEndedUnexpectedly);
         break;
     }
 }

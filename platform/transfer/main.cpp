@@ -9,7 +9,6 @@
 #include <csignal>
 #include <cstdlib>
 
-#include <poll.h>
 #include <unistd.h>
 
 namespace {
@@ -23,26 +22,22 @@ using std::chrono::milliseconds;
     std::_Exit(EXIT_SUCCESS);
 }
 
-/// Nothing follows the request, so standard input is readable when the program has closed it.
-bool isAlone()
-{
-    pollfd program = {STDIN_FILENO, POLLIN, 0};
-    return ::poll(&program, 1, 0) != 0;
-}
-
 CURLcode perform(CurlTransfer& transfer, milliseconds stallLimit)
 {
     CURLM* const multi = curl_multi_init();
     const auto mostWait = static_cast<int>(std::min<milliseconds>(std::chrono::seconds(1), stallLimit / 4).count());
-    curl_waitfd program = {STDIN_FILENO, CURL_WAIT_POLLIN, 0};
+    auto saidAt = CurlTransfer::Clock::now();
     CURLcode result = CURLE_OK;
     do {
         curl_multi_add_handle(multi, transfer.handle());
         int running = 1;
         while (curl_multi_perform(multi, &running) == CURLM_OK && running > 0 && !transfer.isStalled(stallLimit)) {
-            curl_multi_poll(multi, &program, 1, mostWait, nullptr);
-            if (isAlone())
-                end();
+            curl_multi_poll(multi, nullptr, 0, mostWait, nullptr);
+            if (CurlTransfer::Clock::now() - saidAt < std::chrono::seconds(1))
+                continue;
+            if (!platform::transfer::sendSignOfLife(STDOUT_FILENO))
+                end(); // so has the program
+            saidAt = CurlTransfer::Clock::now();
         }
         int left = 0;
         const CURLMsg* message = curl_multi_info_read(multi, &left);
@@ -64,12 +59,11 @@ int main()
         end();
     bool isAnnounced = false;
     CurlTransfer transfer(*request, [&](std::string_view piece) {
-        if (!isAnnounced && !sendExpected(STDOUT_FILENO, transfer.expected()))
+        if (!isAnnounced && !sendHead(STDOUT_FILENO, {transfer.expected(), transfer.address()}))
             end();
         isAnnounced = true;
-        if (!sendBody(STDOUT_FILENO, piece))
+        if (!sendBody(STDOUT_FILENO, piece)) // waits while the program does not read
             end();
-        transfer.restartWatch(); // while the program did not read, nobody could move anything
         return true;
     });
     const CURLcode result = perform(transfer, request->stallLimit);

@@ -9,6 +9,11 @@
 
 #include <QElapsedTimer>
 
+#include <csignal>
+#include <fstream>
+
+#include <sys/wait.h>
+
 namespace platform::qt {
 
 namespace {
@@ -283,6 +288,32 @@ TEST_F(Post, TakesThePageOfARedirectThatLeadsNowhere)
     EXPECT_EQ(post("choice"), "page");
     EXPECT_EQ(peer_.requests().size(), 2u);
 }
+
+TEST_F(Post, GoesThroughAProcessThatWasPreparedOnce)
+{
+    peer_.play(support::reply("first"));
+    peer_.play(support::reply("second"));
+    http_.prepare();
+    EXPECT_EQ(post("one"), "first");
+    EXPECT_EQ(post("two"), "second");
+    http_.prepare(); // never used
+}
+
+#ifdef Q_OS_LINUX
+TEST_F(Post, NeedsNoPreparedProcessThatHasDied)
+{
+    peer_.play(support::reply("reply"));
+    http_.prepare();
+    std::ifstream children("/proc/thread-self/children");
+    pid_t prepared = 0;
+    ASSERT_TRUE(children >> prepared);
+    ASSERT_EQ(::kill(prepared, SIGKILL), 0);
+    siginfo_t ended = {};
+    ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(prepared), &ended, WEXITED | WNOWAIT), 0);
+    EXPECT_EQ(post("once"), "reply");
+    EXPECT_EQ(peer_.requests().size(), 1u);
+}
+#endif
 
 TEST_F(Post, GoesThroughTheProxyOfTheEnvironmentExceptToThisMachine)
 {

@@ -21,6 +21,15 @@ bool ScriptedPeer::Connection::send(std::string_view bytes)
     return true;
 }
 
+bool ScriptedPeer::Connection::waitForTheEnd()
+{
+    char byte = 0;
+    while (::recv(socket_, &byte, 1, 0) > 0) {
+    }
+    const std::lock_guard lock(peer_.mutex_);
+    return !peer_.isEnding_;
+}
+
 bool ScriptedPeer::Connection::wait(std::chrono::milliseconds time)
 {
     std::unique_lock lock(peer_.mutex_);

@@ -25,6 +25,8 @@ public:
 
         /// False when the other side or the test has ended it.
         bool send(std::string_view bytes);
+        /// Says nothing until the other side hangs up; false when the test ended before.
+        bool waitForTheEnd();
         /// Waits; false when the test ended meanwhile.
         bool wait(std::chrono::milliseconds time);
 

@@ -97,11 +97,40 @@ TEST_F(Protocol, ARequestThatIsNotWholeIsNone)
     }
 }
 
+TEST_F(Protocol, ARequestOfAnotherVersionIsNone)
+{
+    ASSERT_TRUE(sendRequest(writing(), kRequest));
+    std::string other = sent();
+    ++other.front();
+    connect();
+    ASSERT_EQ(::write(writing(), other.data(), other.size()), static_cast<ssize_t>(other.size()));
+    hangUp(1);
+    EXPECT_FALSE(receiveRequest(reading()));
+}
+
+TEST_F(Protocol, AnOutcomeTakesEveryAddress)
+{
+    const std::string address = "http://a/" + std::string(8'000'000, 'x');
+    std::thread sender([&] {
+        sendOutcome(writing(), {true, {}, address});
+        hangUp(1);
+    });
+    MessageReader reader;
+    char buffer[65536];
+    for (ssize_t got; (got = ::read(reading(), buffer, sizeof buffer)) > 0;)
+        reader.append({buffer, static_cast<std::size_t>(got)});
+    sender.join();
+    const auto message = reader.next();
+    ASSERT_TRUE(message);
+    EXPECT_EQ(outcomeIn(message->content)->address, address);
+}
+
 TEST_F(Protocol, MessagesArriveInWhateverPieces)
 {
-    ASSERT_TRUE(sendExpected(writing(), 5));
+    ASSERT_TRUE(sendHead(writing(), {5, "http://a/"}));
     ASSERT_TRUE(sendBody(writing(), "ab\0"s));
     ASSERT_TRUE(sendBody(writing(), ""));
+    ASSERT_TRUE(sendSignOfLife(writing()));
     ASSERT_TRUE(sendOutcome(writing(), {false, "Went wrong", "http://b/"}));
     const std::string bytes = sent();
     for (std::size_t piece = 1; piece <= bytes.size(); ++piece) {
@@ -112,13 +141,17 @@ TEST_F(Protocol, MessagesArriveInWhateverPieces)
             while (const auto message = reader.next())
                 messages.emplace_back(message->kind, message->content);
         }
-        ASSERT_EQ(messages.size(), 4u) << piece;
-        EXPECT_EQ(messages[0].first, Kind::expected);
-        EXPECT_EQ(expectedIn(messages[0].second), 5);
+        ASSERT_EQ(messages.size(), 5u) << piece;
+        EXPECT_EQ(messages[0].first, Kind::head);
+        const auto head = headIn(messages[0].second);
+        ASSERT_TRUE(head);
+        EXPECT_EQ(head->size, 5);
+        EXPECT_EQ(head->address, "http://a/");
         EXPECT_EQ(messages[1], std::pair(Kind::body, "ab\0"s));
         EXPECT_EQ(messages[2], std::pair(Kind::body, ""s));
-        EXPECT_EQ(messages[3].first, Kind::outcome);
-        const auto outcome = outcomeIn(messages[3].second);
+        EXPECT_EQ(messages[3], std::pair(Kind::signOfLife, ""s));
+        EXPECT_EQ(messages[4].first, Kind::outcome);
+        const auto outcome = outcomeIn(messages[4].second);
         ASSERT_TRUE(outcome);
         EXPECT_FALSE(outcome->isWhole);
         EXPECT_EQ(outcome->description, "Went wrong");
@@ -141,9 +174,10 @@ TEST_F(Protocol, WhatIsNoMessageIsTold)
 
 TEST_F(Protocol, ContentThatDoesNotFitIsNone)
 {
-    EXPECT_FALSE(expectedIn(""));
-    EXPECT_FALSE(expectedIn("1234567"));
-    EXPECT_FALSE(expectedIn("123456789"));
+    EXPECT_FALSE(headIn(""));
+    EXPECT_FALSE(headIn(std::string(15, '\0')));
+    EXPECT_TRUE(headIn(std::string(16, '\0')));
+    EXPECT_FALSE(headIn(std::string(17, '\0')));
     EXPECT_FALSE(outcomeIn(""));
     EXPECT_FALSE(outcomeIn(std::string(24, '\xff')));
     EXPECT_TRUE(outcomeIn(std::string(24, '\0')));
