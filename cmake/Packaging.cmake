@@ -1,5 +1,5 @@
-# What is installed beside the program on a Linux desktop, and the Debian package that CPack makes of it all. The program
-# and its model are installed where they are built, in app/; nothing else of the tree is.
+# What is installed beside the program on a Linux desktop, and the Debian package that CPack makes of it all. The program,
+# the one that carries out its requests and its model are installed in app/; nothing else of the tree is.
 
 set(KV_PACKAGE kvorvantalogic-tool)
 set(KV_PACKAGE_RELEASE 1)
