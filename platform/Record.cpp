@@ -21,7 +21,10 @@ struct Slot {
 /// Where a key stands; as many as there are keys where it is none of them.
 std::size_t placeOf(std::string_view key, const std::vector<std::string>& keys)
 {
-    return static_cast<std::size_t>(std::find(keys.begin(), keys.end(), key) - keys.begin());
+    std::size_t place = 0;
+    while (place < keys.size() && keys[place] != key)
+        ++place;
+    return place;
 }
 
 std::size_t textBytesOf(std::span<const Record::ValueView> values)
@@ -71,6 +74,14 @@ struct Record::Content {
         if (slot.size == kNumber)
             return slot.at;
         return std::string_view(texts() + slot.at, slot.size);
+    }
+
+    /// None where there is no text, or no place.
+    std::optional<std::string_view> textAt(std::size_t place)
+    {
+        if (place == keys->size() || slots()[place].size == kNumber)
+            return std::nullopt;
+        return std::string_view(texts() + slots()[place].at, slots()[place].size);
     }
 
     bool isEqual(Content& other)
@@ -153,12 +164,7 @@ bool Record::operator==(const Record& other) const
 
 std::optional<std::string_view> Record::findText(std::string_view key) const
 {
-    const std::size_t place = placeOf(key, keys());
-    if (place == keys().size())
-        return std::nullopt;
-    const ValueView value = content_->at(place);
-    const auto* text = std::get_if<std::string_view>(&value);
-    return text ? std::optional(*text) : std::nullopt;
+    return content_ ? content_->textAt(placeOf(key, *content_->keys)) : std::nullopt;
 }
 
 std::int32_t Record::number(std::string_view key) const
