@@ -3,6 +3,7 @@
 #include "mapping/ParameterOrder.h"
 
 #include <algorithm>
+#include <bit>
 #include <functional>
 #include <utility>
 
@@ -17,26 +18,42 @@ bool MappedPots::Parameter::isEmpty() const
     return name == kEmptyName;
 }
 
-std::size_t MappedPots::Hash::operator()(const Parameter& parameter) const
+std::size_t MappedPots::placeOf(const Parameter& parameter) const
 {
     const std::hash<std::string_view> hash;
-    return hash(parameter.number) * 31 + hash(parameter.name);
+    const std::size_t last = table_.size() - 1; // a power of two less one
+    std::size_t place = (hash(parameter.number) * 31 + hash(parameter.name)) & last;
+    while (table_[place] != 0 && uses_[table_[place] - 1].parameter != parameter)
+        place = (place + 1) & last;
+    return place;
+}
+
+void MappedPots::makeTable(std::size_t uses)
+{
+    table_.assign(std::bit_ceil(2 * uses + 1), 0);
+    for (std::size_t i = 0; i < uses_.size(); ++i)
+        table_[placeOf(uses_[i].parameter)] = static_cast<std::uint32_t>(i + 1);
 }
 
 MappedPots::Use& MappedPots::useOf(const Parameter& parameter, const platform::Record& record)
 {
-    const auto [use, isNew] = uses_.try_emplace(parameter);
-    if (isNew)
-        use->second.keeper = record;
-    return use->second;
+    if (2 * (uses_.size() + 1) > table_.size())
+        makeTable(2 * (uses_.size() + 1));
+    std::uint32_t& place = table_[placeOf(parameter)];
+    if (place == 0) {
+        uses_.push_back({parameter, record});
+        place = static_cast<std::uint32_t>(uses_.size());
+    }
+    return uses_[place - 1];
 }
 
 void MappedPots::setParameters(const std::vector<platform::Record>& parameters)
 {
-    std::erase_if(uses_, [](const auto& use) { return use.second.first == kNone; });
-    for (auto& [parameter, use] : uses_)
+    std::erase_if(uses_, [](const Use& use) { return use.first == kNone; });
+    for (Use& use : uses_)
         use.offered = 0;
     uses_.reserve(uses_.size() + parameters.size());
+    makeTable(uses_.size() + parameters.size());
     mappedCount_ = 0;
     parameterCount_ = 0;
     for (const platform::Record& record : parameters) {
@@ -102,8 +119,10 @@ void MappedPots::remove(const platform::Record& entry, std::int32_t position)
 std::int32_t MappedPots::firstPositionOf(const platform::Record& record) const
 {
     const Parameter parameter(record);
-    const auto use = parameter.isEmpty() ? uses_.end() : uses_.find(parameter);
-    return use == uses_.end() ? kNone : use->second.first;
+    if (parameter.isEmpty() || table_.empty())
+        return kNone;
+    const std::uint32_t use = table_[placeOf(parameter)];
+    return use == 0 ? kNone : uses_[use - 1].first;
 }
 
 std::vector<std::int32_t> MappedPots::positionsOf(const platform::Record& parameter, std::size_t most) const

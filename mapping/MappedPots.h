@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace mapping {
@@ -40,11 +39,9 @@ private:
         std::string_view number;
         std::string_view name;
     };
-    struct Hash {
-        std::size_t operator()(const Parameter& parameter) const;
-    };
     /// Where a parameter stands; next_ leads from its first position to its last.
     struct Use {
+        Parameter parameter;
         platform::Record keeper;  ///< of the parameter's number and name
         std::int32_t offered = 0; ///< rows of the list with this number and name
         std::int32_t first = kNone;
@@ -52,12 +49,17 @@ private:
     };
 
     Use& useOf(const Parameter& parameter, const platform::Record& record);
+    /// The place of a parameter in table_, or the free one where it belongs.
+    std::size_t placeOf(const Parameter& parameter) const;
+    /// Makes room for so many uses.
+    void makeTable(std::size_t uses);
     std::int32_t firstPositionOf(const platform::Record& record) const;
     std::int32_t& nextOf(std::int32_t position) { return next_[static_cast<std::size_t>(position)]; }
     void place(const platform::Record& entry, std::int32_t position);
     void remove(const platform::Record& entry, std::int32_t position);
 
-    std::unordered_map<Parameter, Use, Hash> uses_;
+    std::vector<Use> uses_;
+    std::vector<std::uint32_t> table_; ///< hashed: 1 + where in uses_, 0 for a free place; at most half full
     std::vector<platform::Record> placed_;
     std::vector<std::int32_t> next_;
     std::int32_t mappedCount_ = 0;
