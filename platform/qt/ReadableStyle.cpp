@@ -11,14 +11,16 @@ namespace platform::qt {
 
 namespace {
 
+QColor mixed(const QColor& a, const QColor& b, double shareOfA)
+{
+    const auto mix = [shareOfA](int from, int to) { return qRound(from * shareOfA + to * (1 - shareOfA)); };
+    return {mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue())};
+}
+
 /// Well over the contrast of 3 to 1 that the outline of a control needs, in light and dark colours alike.
 QColor outlineColour(const QStyleOption& option)
 {
-    constexpr double kShareOfText = 0.6;
-    const QColor text = option.palette.color(QPalette::WindowText);
-    const QColor ground = option.palette.color(QPalette::Window);
-    const auto mixed = [](int a, int b) { return qRound(a * kShareOfText + b * (1 - kShareOfText)); };
-    return {mixed(text.red(), ground.red()), mixed(text.green(), ground.green()), mixed(text.blue(), ground.blue())};
+    return mixed(option.palette.color(QPalette::WindowText), option.palette.color(QPalette::Window), 0.6);
 }
 
 /// The selection's colour where it stands out from the window, else the text's.
@@ -45,6 +47,37 @@ void drawOutline(QPainter& painter, const QRect& rect, const QPen& pen, bool isR
     painter.restore();
 }
 
+/// A flat button: Qt's own has two gradients and three outlines, which for all the buttons of a window takes longer than
+/// everything else on them.
+void drawButton(QPainter& painter, const QStyleOption& option, bool isDefault)
+{
+    const QPalette& palette = option.palette;
+    const QColor ground = palette.color(QPalette::Window);
+    const bool isEnabled = option.state.testFlag(QStyle::State_Enabled);
+    const bool isDown = option.state.testFlag(QStyle::State_Sunken) || option.state.testFlag(QStyle::State_On);
+    const bool isHovered = option.state.testFlag(QStyle::State_MouseOver);
+    // Raised towards the light, pressed towards the dark, whatever the colours of the desktop.
+    QColor face = mixed(Qt::white, palette.color(QPalette::Button), ground.lightness() < 128 ? 0.09 : 0.55);
+    if (isDefault)
+        face = mixed(palette.color(QPalette::Highlight), face, 0.22);
+    if (!isEnabled)
+        face = mixed(face, ground, 0.4);
+    else if (isDown)
+        face = mixed(Qt::black, palette.color(QPalette::Button), 0.14);
+    else if (isHovered)
+        face = mixed(palette.color(QPalette::Highlight), face, 0.1);
+    const double strength = !isEnabled ? 0.14 : isHovered ? 0.45 : 0.3;
+    const QRectF rect(option.rect);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(mixed(palette.color(QPalette::Active, QPalette::WindowText), ground, strength));
+    painter.drawRoundedRect(rect, 3, 3);
+    painter.setBrush(face);
+    painter.drawRoundedRect(rect.adjusted(1, 1, -1, -1), 2, 2);
+    painter.restore();
+}
+
 } // namespace
 
 ReadableStyle::ReadableStyle() : QProxyStyle(QStringLiteral("fusion")) {}
@@ -52,7 +85,11 @@ ReadableStyle::ReadableStyle() : QProxyStyle(QStringLiteral("fusion")) {}
 void ReadableStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                   const QWidget* widget) const
 {
-    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+    if (element == PE_PanelButtonCommand && button && !button->features.testFlag(QStyleOptionButton::Flat))
+        drawButton(*painter, *option, button->features.testFlag(QStyleOptionButton::DefaultButton));
+    else
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
     const bool isRound = element == PE_IndicatorRadioButton;
     const bool isField = element == PE_FrameLineEdit;
     const bool isOutlined = isRound || isField || element == PE_IndicatorCheckBox;
@@ -68,8 +105,11 @@ void ReadableStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* 
 
 QIcon ReadableStyle::standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const
 {
-    return icon == SP_LineEditClearButton ? symbolIcon(QStringLiteral("clear"))
-                                          : QProxyStyle::standardIcon(icon, option, widget);
+    switch (icon) {
+    case SP_LineEditClearButton: return symbolIcon(QStringLiteral("clear"));
+    case SP_ToolBarHorizontalExtensionButton: return symbolIcon(QStringLiteral("more")); // of a menu bar too narrow
+    default: return QProxyStyle::standardIcon(icon, option, widget);
+    }
 }
 
 } // namespace platform::qt

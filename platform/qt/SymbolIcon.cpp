@@ -1,14 +1,15 @@
 #include "platform/qt/SymbolIcon.h"
 
 #include <QDir>
-#include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QIconEngine>
 #include <QPainter>
 #include <QPalette>
-#include <QSvgRenderer>
+#include <QResource>
 
-#include <memory>
+#include <algorithm>
+#include <span>
 #include <utility>
 
 /// A static library's resources are left out of the program unless something refers to them. In no namespace, since
@@ -22,8 +23,17 @@ namespace platform::qt {
 
 namespace {
 
-constexpr QLatin1String kFolder(":/symbols/");
-constexpr QLatin1String kSuffix(".svg");
+constexpr QLatin1String kSymbols(":/symbol/");
+
+/// What the build has drawn of one drawing: square pictures, one after the other.
+struct Pictures {
+    QString file;
+    QImage::Format format;
+    std::span<const int> sizes; ///< in pixels, rising
+};
+
+constexpr int kSymbolSizes[] = {KV_SYMBOL_SIZES};
+constexpr int kIconSizes[] = {KV_ICON_SIZES};
 
 QColor colourFor(QIcon::Mode mode)
 {
@@ -37,79 +47,72 @@ QColor colourFor(QIcon::Mode mode)
     return palette.color(QPalette::Active, QPalette::ButtonText);
 }
 
-QString fileOf(const QString& name)
+/// As large as fits, in the middle: as it was drawn where there is one of that size, or else the next larger one made
+/// smaller.
+QImage picture(const Pictures& pictures, const QSize& room)
 {
-    return kFolder + name + kSuffix;
+    const int wanted = std::min(room.width(), room.height());
+    const QResource file(pictures.file);
+    const qint64 bytesPerPixel = pictures.format == QImage::Format_Alpha8 ? 1 : 4;
+    const uchar* pixels = file.data();
+    const int* side = pictures.sizes.data();
+    for (const int* const largest = &pictures.sizes.back(); *side < wanted && side != largest; ++side)
+        pixels += bytesPerPixel * *side * *side;
+    if (wanted <= 0 || pixels + bytesPerPixel * *side * *side > file.data() + file.size())
+        return {};
+    const QImage drawn(pixels, *side, *side, bytesPerPixel * *side, pictures.format);
+    QImage fitting = drawn.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    if (*side != wanted)
+        fitting = fitting.scaled(wanted, wanted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    const QPoint corner((wanted - room.width()) / 2, (wanted - room.height()) / 2);
+    return fitting.size() == room ? fitting : fitting.copy(QRect(corner, room));
 }
 
-/// Read once, when it is first painted: most symbols stand in menus that nobody has opened yet.
-class Drawing {
-public:
-    explicit Drawing(QString file) : file_(std::move(file)) {}
-
-    /// As large as fits, in the middle.
-    QImage picture(const QSize& pixels) const
-    {
-        QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
-        if (image.isNull())
-            return image;
-        image.fill(Qt::transparent);
-        if (!renderer_) {
-            renderer_ = std::make_shared<QSvgRenderer>(file_);
-            renderer_->setAspectRatioMode(Qt::KeepAspectRatio);
-        }
-        QPainter painter(&image);
-        renderer_->render(&painter);
-        return image;
-    }
-
-private:
-    QString file_;
-    mutable std::shared_ptr<QSvgRenderer> renderer_;
-};
-
-/// Drawn and not read from picture files, for which Qt would load its readers of every other format, too.
+/// Not read from picture files, for which Qt would load its readers of every other format, too.
 class ApplicationEngine final : public QIconEngine {
 public:
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode, QIcon::State) override
     {
         const qreal scale = painter->device()->devicePixelRatioF();
-        painter->drawImage(QRectF(rect), drawing_.picture((QSizeF(rect.size()) * scale).toSize()));
+        painter->drawImage(QRectF(rect), picture(pictures_, (QSizeF(rect.size()) * scale).toSize()));
     }
     QPixmap pixmap(const QSize& size, QIcon::Mode, QIcon::State) override
     {
-        return QPixmap::fromImage(drawing_.picture(size));
+        return QPixmap::fromImage(picture(pictures_, size));
     }
     QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override { return {{16, 16}, {32, 32}, {48, 48}}; }
     QIconEngine* clone() const override { return new ApplicationEngine(*this); }
 
 private:
-    Drawing drawing_{QStringLiteral(":/icon/kvOrvantaLogic_Tool-small.svg")};
+    Pictures pictures_{QStringLiteral(":/icon/application"), QImage::Format_ARGB32_Premultiplied, kIconSizes};
 };
 
 /// Keeps no picture: one that is kept would have the colour of the palette before.
 class SymbolEngine final : public QIconEngine {
 public:
-    explicit SymbolEngine(QString name) : name_(std::move(name)), drawing_(fileOf(name_)) {}
+    explicit SymbolEngine(QString name)
+        : name_(std::move(name)), pictures_{kSymbols + name_, QImage::Format_Alpha8, kSymbolSizes}
+    {
+    }
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override
     {
         const qreal scale = painter->device()->devicePixelRatioF();
-        painter->drawImage(QRectF(rect), picture((QSizeF(rect.size()) * scale).toSize(), mode));
+        painter->drawImage(QRectF(rect), coloured((QSizeF(rect.size()) * scale).toSize(), mode));
     }
 
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override
     {
-        return QPixmap::fromImage(picture(size, mode));
+        return QPixmap::fromImage(coloured(size, mode));
     }
 
-    QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State, qreal scale) override
+    QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State state, qreal scale) override
     {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
         // Until 6.7 the size came in the device's pixels.
-        QPixmap result = QPixmap::fromImage(picture((QSizeF(size) * scale).toSize(), mode));
+        QPixmap result = pixmap((QSizeF(size) * scale).toSize(), mode, state);
 #else
-        QPixmap result = QPixmap::fromImage(picture(size, mode));
+        QPixmap result = pixmap(size, mode, state);
 #endif
         result.setDevicePixelRatio(scale);
         return result;
@@ -129,11 +132,9 @@ public:
     }
 
 private:
-    /// Coloured after it is drawn, so that strokes that cross do not show through each other where the palette's
-    /// colour is translucent, as it often is for what is disabled.
-    QImage picture(const QSize& pixels, QIcon::Mode mode) const
+    QImage coloured(const QSize& pixels, QIcon::Mode mode) const
     {
-        QImage image = drawing_.picture(pixels);
+        QImage image = picture(pictures_, pixels);
         if (image.isNull())
             return image;
         QPainter painter(&image);
@@ -143,7 +144,7 @@ private:
     }
 
     QString name_;
-    Drawing drawing_;
+    Pictures pictures_;
 };
 
 } // namespace
@@ -151,16 +152,13 @@ private:
 QStringList symbolNames()
 {
     linkResources();
-    QStringList names = QDir(kFolder).entryList({u'*' + kSuffix}, QDir::Files, QDir::Name);
-    for (QString& name : names)
-        name.chop(kSuffix.size());
-    return names;
+    return QDir(kSymbols).entryList(QDir::Files, QDir::Name);
 }
 
 QIcon symbolIcon(const QString& name)
 {
     linkResources();
-    return QFile::exists(fileOf(name)) ? QIcon(new SymbolEngine(name)) : QIcon();
+    return !name.contains(u'/') && QFileInfo(kSymbols + name).isFile() ? QIcon(new SymbolEngine(name)) : QIcon();
 }
 
 QIcon applicationIcon()

@@ -1,6 +1,7 @@
 #include "platform/qt/ReadableStyle.h"
 
 #include "platform/qt/ReadableColours.h"
+#include "platform/qt/SymbolIcon.h"
 #include "tests/support/Pictures.h"
 
 #include <gtest/gtest.h>
@@ -71,13 +72,15 @@ TEST_P(ReadableStyleTest, TheFocusStandsOutFromTheWindow)
     }
 }
 
-TEST(ReadableStyleIcons, OnlyWhatClearsAFieldIsOurs)
+TEST(ReadableStyleIcons, OnlyWhatEveryStartNeedsIsOurs)
 {
     const ReadableStyle style;
     EXPECT_EQ(style.standardIcon(QStyle::SP_LineEditClearButton, nullptr, nullptr).name(), QLatin1String("clear"));
+    EXPECT_EQ(style.standardIcon(QStyle::SP_ToolBarHorizontalExtensionButton, nullptr, nullptr).name(),
+              QLatin1String("more"));
     const QIcon other = style.standardIcon(QStyle::SP_MessageBoxWarning, nullptr, nullptr);
     EXPECT_FALSE(other.isNull());
-    EXPECT_NE(other.name(), QLatin1String("clear"));
+    EXPECT_FALSE(symbolNames().contains(other.name()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Schemes, ReadableStyleTest, testing::Bool(),
