@@ -1,5 +1,8 @@
 #include "app/interface/Fonts.h"
 
+#include <QFontInfo>
+#include <QPainter>
+
 #include <cmath>
 
 namespace interface {
@@ -24,18 +27,36 @@ QFont titleFont(const QFont& font, double scale)
     return boldFont(scaledFont(font, 1.2 * scale));
 }
 
-QFont makerFont(const QFont& font, double scale)
+EnlargedFont makerFont(const QFont& font, double scale)
 {
-    QFont maker = boldFont(scaledFont(font, 1.55 * scale));
+    QFont maker = boldFont(font);
     maker.setLetterSpacing(QFont::PercentageSpacing, 122);
-    return maker;
+    return {maker, 1.55 * scale};
 }
 
-QFont legendFont(const QFont& font, double scale)
+EnlargedFont legendFont(const QFont& font, double scale)
 {
-    QFont legend = scaledFont(font, 0.72 * scale);
+    QFont legend = font;
     legend.setLetterSpacing(QFont::PercentageSpacing, 118);
-    return legend;
+    return {legend, 0.72 * scale};
+}
+
+EnlargedFont numberFont(const QFont& font, double pixels)
+{
+    const QFont number = boldFont(font);
+    const double factor = pixels / QFontInfo(number).pixelSize();
+    // The font as it is, where it nearly fits, is the sharpest.
+    return {number, std::abs(factor - 1) < 0.12 ? 1 : factor};
+}
+
+void drawText(QPainter& painter, const EnlargedFont& font, const QRectF& rect, int flags, const QString& text)
+{
+    painter.save();
+    painter.setFont(font.font);
+    painter.translate(rect.topLeft());
+    painter.scale(font.factor, font.factor);
+    painter.drawText(QRectF(QPointF(), rect.size() / font.factor), flags, text);
+    painter.restore();
 }
 
 } // namespace interface

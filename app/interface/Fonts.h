@@ -4,13 +4,27 @@
 
 #include <QFont>
 
+class QPainter;
+
 namespace interface {
 
 QFont boldFont(QFont font);
 /// Works for a font of either kind, in points or in pixels.
 QFont scaledFont(QFont font, double factor);
 QFont titleFont(const QFont& font, double scale);
-QFont makerFont(const QFont& font, double scale);
-QFont legendFont(const QFont& font, double scale);
+
+/// One of the other fonts, painted this many times as large.
+struct EnlargedFont {
+    QFont font;
+    double factor;
+};
+
+EnlargedFont makerFont(const QFont& font, double scale);
+EnlargedFont legendFont(const QFont& font, double scale);
+/// The number of a pot, about so many pixels high.
+EnlargedFont numberFont(const QFont& font, double pixels);
+
+/// As QPainter::drawText.
+void drawText(QPainter& painter, const EnlargedFont& font, const QRectF& rect, int flags, const QString& text);
 
 } // namespace interface

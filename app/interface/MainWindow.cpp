@@ -174,7 +174,7 @@ QLayout* makePageControls()
 {
     auto* layout = new QHBoxLayout;
     layout->setSpacing(10);
-    addGroup(layout, {makeCaption(QObject::tr("Show page")),
+    addGroup(layout, {new QLabel(QObject::tr("Show page")),
                       makeSymbolButton("firstPageButtonPressed", QObject::tr("Show first page"),
                                        QObject::tr("Show the first page"), "page-first"),
                       makeSymbolButton("prevPageButtonPressed", QObject::tr("Show previous page"),
@@ -184,7 +184,7 @@ QLayout* makePageControls()
                       makeSymbolButton("lastPageButtonPressed", QObject::tr("Show last page"),
                                        QObject::tr("Show the last page"), "page-last")});
     layout->addWidget(makeSeparator());
-    addGroup(layout, {makeCaption(QObject::tr("Move page to")),
+    addGroup(layout, {new QLabel(QObject::tr("Move page to")),
                       makeMoveButton("kvMovePage_First", QObject::tr("First"), QObject::tr("Move page to first"),
                                      QObject::tr("Exchange this page with the first one"), "move-first"),
                       makeMoveButton("kvMovePage_Prev", QObject::tr("Previous"), QObject::tr("Move page to previous"),

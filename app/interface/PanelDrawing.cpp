@@ -2,6 +2,7 @@
 
 #include "app/interface/Fonts.h"
 
+#include <QImage>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -28,6 +29,12 @@ QColor faded(QColor colour, int alpha)
     return colour;
 }
 
+/// Of the whole panel.
+QColor outlineOf(const PanelColours& c)
+{
+    return faded(c.edgeDark, 200);
+}
+
 /// The same marks on every run, so that the metal does not flicker from one repaint to the next.
 int markAt(int line)
 {
@@ -44,72 +51,122 @@ void drawBrushing(QPainter& painter, const QRectF& face, const QColor& colour)
     }
 }
 
+/// Two soft lights above the bench, and the shadow of the cheeks where the face meets them. Blended as a picture, a part of
+/// the height at a time: half as much work as the gradients and narrow shapes themselves.
+void drawLights(QPainter& painter, const QRectF& face)
+{
+    constexpr int kHeight = 8;
+    constexpr int kShadow = 5;
+    QLinearGradient lights(0, 0, face.width(), 0);
+    for (const double at : {0.22, 0.74}) {
+        lights.setColorAt(at - 0.2, QColor(255, 255, 255, 0));
+        lights.setColorAt(at, QColor(255, 255, 255, 26));
+        lights.setColorAt(at + 0.2, QColor(255, 255, 255, 0));
+    }
+    const double scale = painter.device()->devicePixelRatioF();
+    QPixmap part((QSizeF(face.width(), kHeight) * scale).toSize());
+    part.setDevicePixelRatio(scale);
+    part.fill(Qt::transparent);
+    QPainter onPart(&part);
+    onPart.fillRect(QRectF(0, 0, face.width(), kHeight), lights);
+    for (int step = 0; step < kShadow; ++step) {
+        const QColor shade(0, 0, 0, 110 * (2 * (kShadow - step) - 1) / (2 * kShadow));
+        onPart.fillRect(QRectF(step, 0, 1, kHeight), shade);
+        onPart.fillRect(QRectF(face.width() - step - 1, 0, 1, kHeight), shade);
+    }
+    onPart.end();
+    for (double y = face.top(); y < face.bottom(); y += kHeight)
+        painter.drawPixmap(QPointF(face.left(), y), part);
+}
+
+/// Rectangles alone, with edges on whole pixels: smooth ones would be ten times the work.
 void drawFace(QPainter& painter, const PanelLayout& layout, const PanelColours& c)
 {
     const QRectF& face = layout.face;
     painter.save();
+    painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setClipRect(face, Qt::IntersectClip);
     painter.fillRect(face, downwards(face, {{0, c.faceTop}, {0.45, c.faceMiddle}, {1, c.faceBottom}}));
     drawBrushing(painter, face, c.faceBrush);
-    // Two soft lights above the bench.
-    QLinearGradient sheen(face.topLeft(), face.topRight());
-    for (const double at : {0.22, 0.74}) {
-        sheen.setColorAt(at - 0.2, QColor(255, 255, 255, 0));
-        sheen.setColorAt(at, QColor(255, 255, 255, 26));
-        sheen.setColorAt(at + 0.2, QColor(255, 255, 255, 0));
-    }
-    painter.fillRect(face, sheen);
-    painter.fillRect(QRectF(face.left(), face.top(), face.width(), 1), faded(c.edgeLight, 200));
-    painter.fillRect(QRectF(face.left(), face.bottom() - 1.5, face.width(), 1.5), faded(c.edgeDark, 150));
+    drawLights(painter, face);
+    painter.fillRect(QRectF(face.left(), face.top() + 1, face.width(), 1), faded(c.edgeLight, 160));
+    painter.fillRect(QRectF(face.left(), face.bottom() - 2, face.width(), 1), faded(c.edgeDark, 110));
+    for (const double y : {face.top(), face.bottom() - 1})
+        painter.fillRect(QRectF(face.left(), y, face.width(), 1), outlineOf(c));
     painter.restore();
 }
 
-/// A line of the grain from top to bottom, as the shape between its two sides: a wide pen would be slower.
-QPainterPath grainLine(double x, double sway, double height, double width)
+QRgb over(QRgb below, const QColor& colour, double share)
 {
-    const double h = width / 2;
-    QPainterPath line(QPointF(x - h, 0));
-    line.cubicTo(x + sway - h, height * 0.3, x - sway - h, height * 0.6, x + sway / 2 - h, height);
-    line.lineTo(x + sway / 2 + h, height);
-    line.cubicTo(x - sway + h, height * 0.6, x + sway + h, height * 0.3, x + h, 0);
-    return line;
+    const auto mix = [share](int from, int to) { return static_cast<int>(from + (to - from) * share); };
+    return qRgb(mix(qRed(below), colour.red()), mix(qGreen(below), colour.green()),
+                mix(qBlue(below), colour.blue()));
 }
 
-QPixmap woodOf(const QSizeF& size, double scale, const PanelColours& c)
+/// A row of the wood: its grain, and the light above and the shadow below that show it to be rounded.
+void grainRow(QRgb* row, int width, double scale, double down, const PanelColours& c)
 {
-    QPixmap picture((size * scale).toSize());
-    picture.setDevicePixelRatio(scale);
-    const QRectF cheek(QPointF(), size);
-    QLinearGradient wood(cheek.topLeft(), cheek.topRight());
+    for (int grain = 0; grain < 4; ++grain) {
+        const double sway = 0.05 + 0.001 * markAt(grain);
+        const double middle = (0.2 + 0.2 * grain + sway * std::sin(down * 5 + grain)) * width;
+        const double half = (0.4 + 0.005 * markAt(grain + 7)) * scale;
+        const double from = std::max(0.0, middle - half), to = std::min<double>(width, middle + half);
+        for (int x = static_cast<int>(from); x < to; ++x) {
+            const double covered = std::min(x + 1.0, to) - std::max<double>(x, from);
+            row[x] = over(row[x], c.cheekGrain, c.cheekGrain.alphaF() * covered);
+        }
+    }
+    const double light = 0.16 * (1 - down / 0.12);
+    const double shadow = 0.35 * (down - 0.8) / 0.2;
+    for (int x = 0; x < width && (light > 0 || shadow > 0); ++x)
+        row[x] = light > 0 ? over(row[x], Qt::white, light) : over(row[x], Qt::black, shadow);
+}
+
+/// The left cheek, rounded at its outer corners and with its part of the panel's outline. Made pixel by pixel: shapes as
+/// long and thin as the grain are what a painter is slowest at.
+QImage cheekOf(const QSizeF& size, double radius, double scale, const PanelColours& c)
+{
+    QImage picture((size * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    if (picture.isNull())
+        return picture;
+    const int width = picture.width();
+    QLinearGradient wood(0, 0, width, 0);
     wood.setColorAt(0, c.cheekDark);
     wood.setColorAt(0.35, c.cheekLight);
     wood.setColorAt(0.7, c.cheekLight.darker(112));
     wood.setColorAt(1, c.cheekDark);
-    QPainter painter(&picture);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillRect(picture.rect(), wood);
-    for (int grain = 0; grain < 4; ++grain) {
-        const double x = cheek.width() * (0.18 + 0.21 * grain);
-        const double sway = cheek.width() * (0.08 + 0.002 * markAt(grain));
-        painter.fillPath(grainLine(x, sway, cheek.height(), 0.8 + 0.01 * markAt(grain + 7)), c.cheekGrain);
+    QImage plain(width, 1, QImage::Format_RGB32);
+    QPainter(&plain).fillRect(plain.rect(), wood);
+    const QColor outline = outlineOf(c);
+    for (int y = 0; y < picture.height(); ++y) {
+        auto* const row = reinterpret_cast<QRgb*>(picture.scanLine(y));
+        std::copy_n(reinterpret_cast<const QRgb*>(plain.constScanLine(0)), width, row);
+        grainRow(row, width, scale, (y + 0.5) / picture.height(), c);
+        const double fromEnd = (std::min(y, picture.height() - 1 - y) + 0.5) / scale;
+        const double corner = std::max(0.0, radius - fromEnd);
+        for (int x = 0; x < width; ++x) {
+            const double fromSide = (x + 0.5) / scale;
+            const bool isCorner = corner > 0 && fromSide < radius;
+            const double depth = isCorner ? radius - std::hypot(corner, radius - fromSide) : std::min(fromEnd, fromSide);
+            if (!isCorner && depth >= 1 + 0.5 / scale)
+                continue;
+            const double outlined = std::clamp((1 - depth) * scale + 0.5, 0.0, 1.0);
+            const double covered = std::clamp(depth * scale + 0.5, 0.0, 1.0);
+            const QRgb edge = over(row[x], outline, outline.alphaF() * outlined);
+            row[x] = qPremultiply(qRgba(qRed(edge), qGreen(edge), qBlue(edge), static_cast<int>(255 * covered)));
+        }
     }
-    painter.fillRect(picture.rect(), downwards(cheek, {{0, QColor(255, 255, 255, 40)},
-                                                       {0.12, QColor(255, 255, 255, 0)},
-                                                       {0.8, QColor(0, 0, 0, 0)},
-                                                       {1, QColor(0, 0, 0, 90)}}));
+    picture.setDevicePixelRatio(scale);
     return picture;
 }
 
-/// The gap between cheek and face, in shadow on the side of the face.
-void drawJoint(QPainter& painter, const QRectF& face, bool left)
+/// Both are cut from the same piece.
+void drawCheeks(QPainter& painter, const PanelLayout& layout, const PanelColours& c)
 {
-    const double width = 5;
-    const QRectF shade = left ? QRectF(face.left(), face.top(), width, face.height())
-                              : QRectF(face.right() - width, face.top(), width, face.height());
-    QLinearGradient gradient(left ? shade.topLeft() : shade.topRight(), left ? shade.topRight() : shade.topLeft());
-    gradient.setColorAt(0, QColor(0, 0, 0, 110));
-    gradient.setColorAt(1, QColor(0, 0, 0, 0));
-    painter.fillRect(shade, gradient);
+    const QSizeF size(layout.face.left() - layout.body.left(), layout.body.height());
+    const QImage left = cheekOf(size, 7 * layout.scale, painter.device()->devicePixelRatioF(), c);
+    painter.drawImage(layout.body.topLeft(), left);
+    painter.drawImage(QPointF(layout.face.right(), layout.body.top()), left.mirrored(true, false));
 }
 
 void drawScrew(QPainter& painter, const QPointF& centre, double radius, double turn, const PanelColours& c)
@@ -137,34 +194,31 @@ void drawScrew(QPainter& painter, const QPointF& centre, double radius, double t
     painter.drawArc(QRectF(centre - QPointF(radius, radius) * 0.9, QSizeF(radius, radius) * 1.8), 60 * 16, 130 * 16);
 }
 
-void drawEngraved(QPainter& painter, const QRectF& rect, int flags, const char* text, const PanelColours& c)
+/// From the left end of a rectangle, in the middle of its height; returns how wide it is.
+double drawEngraved(QPainter& painter, const QRectF& rect, const EnlargedFont& font, const char* text,
+                    const PanelColours& c)
 {
     const QString engraved = QString::fromLatin1(text);
     painter.setPen(c.engraving);
-    painter.drawText(rect.translated(0, 1), flags, engraved);
+    drawText(painter, font, rect.translated(0, 1), Qt::AlignLeft | Qt::AlignVCenter, engraved);
     painter.setPen(c.legend);
-    painter.drawText(rect, flags, engraved);
+    drawText(painter, font, rect, Qt::AlignLeft | Qt::AlignVCenter, engraved);
+    return font.factor * QFontMetricsF(font.font).horizontalAdvance(engraved);
 }
 
 void drawName(QPainter& painter, const PanelLayout& layout, const PanelColours& c, const QFont& font)
 {
-    const QRectF& room = layout.name;
-    const QFont maker = makerFont(font, layout.nameScale);
-    painter.setFont(maker);
-    const double width = QFontMetricsF(maker).horizontalAdvance(QString::fromLatin1(kMaker));
-    drawEngraved(painter, room, Qt::AlignLeft | Qt::AlignVCenter, kMaker, c);
-
-    painter.setFont(legendFont(font, layout.nameScale));
-    const double line = QFontMetricsF(painter.font()).height() * 0.92;
-    const QRectF legend = room.adjusted(width + 15 * layout.nameScale, 0, 0, 0);
-    const double middle = room.center().y();
-    painter.setPen(QPen(c.lit, 1.5 * layout.nameScale));
-    painter.drawLine(QPointF(legend.left() - 8 * layout.nameScale, middle - line * 0.85),
-                     QPointF(legend.left() - 8 * layout.nameScale, middle + line * 0.85));
-    drawEngraved(painter, QRectF(legend.left(), middle - line, legend.width(), line), Qt::AlignLeft | Qt::AlignVCenter,
-                 kLegendAbove, c);
-    drawEngraved(painter, QRectF(legend.left(), middle, legend.width(), line), Qt::AlignLeft | Qt::AlignVCenter,
-                 kLegendBelow, c);
+    const double s = layout.nameScale;
+    const double width = drawEngraved(painter, layout.name, makerFont(font, s), kMaker, c);
+    const EnlargedFont legend = legendFont(font, s);
+    const double line = legend.factor * QFontMetricsF(legend.font).height() * 0.92;
+    const double middle = layout.name.center().y();
+    const QRectF above(layout.name.left() + width + 15 * s, middle - line, layout.name.width() - width - 15 * s, line);
+    painter.setPen(QPen(c.lit, 1.5 * s));
+    painter.drawLine(QPointF(above.left() - 8 * s, middle - line * 0.85),
+                     QPointF(above.left() - 8 * s, middle + line * 0.85));
+    drawEngraved(painter, above, legend, kLegendAbove, c);
+    drawEngraved(painter, above.translated(0, line), legend, kLegendBelow, c);
 }
 
 void drawDisplay(QPainter& painter, const QRectF& display, double radius, const PanelColours& c)
@@ -198,22 +252,8 @@ void drawPanel(QPainter& painter, const PanelLayout& layout, const PanelColours&
 {
     painter.setRenderHint(QPainter::Antialiasing);
     const double s = layout.scale;
-    QPainterPath body;
-    body.addRoundedRect(layout.body, 7 * s, 7 * s);
-    painter.save();
-    painter.setClipPath(body, Qt::IntersectClip);
     drawFace(painter, layout, c);
-    // Both cheeks are cut from the same piece.
-    const QSizeF cheek(layout.face.left() - layout.body.left(), layout.body.height());
-    const QPixmap wood = woodOf(cheek, painter.device()->devicePixelRatioF(), c);
-    painter.drawPixmap(layout.body.topLeft(), wood);
-    painter.drawPixmap(QPointF(layout.face.right(), layout.body.top()), wood);
-    drawJoint(painter, layout.face, true);
-    drawJoint(painter, layout.face, false);
-    painter.restore();
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(faded(c.edgeDark, 220), 1));
-    painter.drawPath(body);
+    drawCheeks(painter, layout, c);
 
     double turn = 0.2;
     for (const QPointF& screw : layout.screws)

@@ -1,9 +1,13 @@
 #include "app/interface/PotDrawing.h"
 
+#include "app/interface/Fonts.h"
+
 #include <QPainter>
 #include <QPainterPath>
 #include <QPixmap>
 #include <QPixmapCache>
+#include <QSemaphore>
+#include <QThreadPool>
 
 #include <algorithm>
 #include <cmath>
@@ -206,16 +210,13 @@ void drawPointer(const Drawing& d, double degrees)
     d.painter.drawLine(inner, outer);
 }
 
-void drawNumber(const Drawing& d, QFont font)
+void drawNumber(const Drawing& d, const QFont& font)
 {
-    font.setPixelSize(std::max(9, static_cast<int>(std::lround(d.at(0.19)))));
-    font.setBold(true);
-    d.painter.setFont(font);
+    const double pixels = std::max(9.0, d.at(0.19));
     d.painter.setPen(d.look.isEnabled ? d.c.legend : d.c.legendOff);
     const QPointF centre(d.centre.x(), d.centre.y() + d.at(kNumber));
-    const double half = font.pixelSize();
-    d.painter.drawText(QRectF(centre.x() - half, centre.y() - half, 2 * half, 2 * half), Qt::AlignCenter,
-                       QString::number(d.look.number));
+    drawText(d.painter, numberFont(font, pixels), QRectF(centre, centre).adjusted(-pixels, -pixels, pixels, pixels),
+             Qt::AlignCenter, QString::number(d.look.number));
 }
 
 void drawMarks(const Drawing& d)
@@ -259,14 +260,23 @@ QPixmap bodyOf(const QSizeF& size, double scale, const PotLook& look, const Pane
     QPixmap body;
     if (QPixmapCache::find(key, &body))
         return body;
-    body = QPixmap((size * scale).toSize());
-    body.setDevicePixelRatio(scale);
-    body.fill(Qt::transparent);
-    QPainter painter(&body);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF square(QPointF(), size);
-    drawBody({painter, square.center(), std::min(size.width(), size.height()) / 2, look, colours});
-    painter.end();
+    QImage picture((size * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    picture.setDevicePixelRatio(scale);
+    picture.fill(Qt::transparent);
+    const auto draw = [&] {
+        QPainter painter(&picture);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const QRectF square(QPointF(), size);
+        drawBody({painter, square.center(), std::min(size.width(), size.height()) / 2, look, colours});
+    };
+    // Qt shares every larger shape out among its threads, which takes longer than to paint it: but not in one of them.
+    QSemaphore drawn;
+    QThreadPool::globalInstance()->start([&] {
+        draw();
+        drawn.release();
+    });
+    drawn.acquire();
+    body = QPixmap::fromImage(std::move(picture));
     QPixmapCache::insert(key, body);
     return body;
 }

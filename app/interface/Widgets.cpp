@@ -75,13 +75,6 @@ QLabel* makeHeading(const QString& text)
     return heading;
 }
 
-QLabel* makeCaption(const QString& text)
-{
-    auto* caption = new QLabel(text);
-    caption->setFont(scaledFont(caption->font(), 0.9));
-    return caption;
-}
-
 QWidget* makeSeparator()
 {
     auto* line = new QFrame;

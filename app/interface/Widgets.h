@@ -27,7 +27,6 @@ QPlainTextEdit* makeTextBox(const char* name, const QString& accessibleName);
 /// A heading over a list or a group; not an outlet.
 QLabel* makeHeading(const QString& text);
 /// The same in smaller letters, before the buttons that it names.
-QLabel* makeCaption(const QString& text);
 /// A line between groups of buttons.
 QWidget* makeSeparator();
 
