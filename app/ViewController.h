@@ -186,7 +186,6 @@ public:
 private:
     class Operation;
 
-    mapping::EditingSnapshot snapshot() const;
     void finishEdit(const std::string& name, const mapping::EditingSnapshot& before, const std::string& pathBefore);
     void goThrough(const mapping::EditingChange& change, bool forward);
     /// The subtitle and the help line of the mode.

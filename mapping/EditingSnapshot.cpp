@@ -41,11 +41,6 @@ void replace(Records& records, std::size_t position, std::size_t count, const Re
         records.erase(at + overwritten, at + static_cast<std::ptrdiff_t>(count));
 }
 
-EditingNumbers numbersOf(const EditingSnapshot& snapshot)
-{
-    return {snapshot.totalPages, snapshot.curPage, snapshot.mode};
-}
-
 bool areWrittenAlike(const platform::Record& one, const platform::Record& other)
 {
     if (one.isCopyOf(other))
@@ -59,8 +54,7 @@ bool areWrittenAlike(const platform::Record& one, const platform::Record& other)
 
 bool EditingChange::isEmpty() const
 {
-    const bool isOtherList =
-        parametersBefore != parametersAfter && !parametersBefore.empty() && !parametersAfter.empty();
+    const bool isOtherList = parametersBefore && !parametersBefore->empty() && !parametersAfter->empty();
     return entries.empty() && !isOtherList && before.totalPages == after.totalPages && before.mode == after.mode;
 }
 
@@ -90,12 +84,13 @@ void takeBack(const std::vector<Splice>& splices, Records& records)
         replace(records, splice.position, splice.after.size(), splice.before);
 }
 
-EditingChange changeBetween(const EditingSnapshot& before, const EditingSnapshot& after)
+EditingChange changeSince(const EditingSnapshot& before, const Records& entries,
+                          const platform::SharedRecords& parameters, const EditingNumbers& numbers)
 {
-    EditingChange change{differences(before.entries, after.entries), {}, {}, numbersOf(before), numbersOf(after)};
-    if (before.parameters != after.parameters) {
+    EditingChange change{differences(before.entries, entries), {}, {}, before.numbers, numbers};
+    if (before.parameters != parameters && *before.parameters != *parameters) {
         change.parametersBefore = before.parameters;
-        change.parametersAfter = after.parameters;
+        change.parametersAfter = parameters;
     }
     return change;
 }

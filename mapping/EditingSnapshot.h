@@ -10,14 +10,6 @@
 
 namespace mapping {
 
-struct EditingSnapshot {
-    std::vector<platform::Record> entries;    ///< the whole mapping, with what lies behind the counted pages
-    std::vector<platform::Record> parameters; ///< the list offered for assignment
-    std::int32_t totalPages = 1;
-    std::int32_t curPage = 1;
-    std::int32_t mode = 0;
-};
-
 /// The records that stood at a position (from 0) before, and those that stand there after.
 struct Splice {
     std::size_t position = 0;
@@ -25,19 +17,24 @@ struct Splice {
     std::vector<platform::Record> after;
 };
 
-/// The two numbers and the mode of a snapshot.
 struct EditingNumbers {
     std::int32_t totalPages = 1;
     std::int32_t curPage = 1;
     std::int32_t mode = 0;
 };
 
+struct EditingSnapshot {
+    std::vector<platform::Record> entries; ///< the whole mapping, with what lies behind the counted pages
+    platform::SharedRecords parameters;    ///< the list offered for assignment
+    EditingNumbers numbers;
+};
+
 struct EditingChange {
     std::vector<Splice> entries;
-    /// The whole lists; both empty where the list stayed as it was. One alone is empty where a rescan, which is no edit,
+    /// The whole lists; both null where the list stayed as it was. One alone is empty where a rescan, which is no edit,
     /// had emptied the list until a plug-in was chosen.
-    std::vector<platform::Record> parametersBefore;
-    std::vector<platform::Record> parametersAfter;
+    platform::SharedRecords parametersBefore;
+    platform::SharedRecords parametersAfter;
     EditingNumbers before;
     EditingNumbers after;
 
@@ -53,7 +50,9 @@ std::vector<Splice> differences(const std::vector<platform::Record>& before,
 void makeAgain(const std::vector<Splice>& splices, std::vector<platform::Record>& records);
 void takeBack(const std::vector<Splice>& splices, std::vector<platform::Record>& records);
 
-EditingChange changeBetween(const EditingSnapshot& before, const EditingSnapshot& after);
+/// From a snapshot to what is there now.
+EditingChange changeSince(const EditingSnapshot& before, const std::vector<platform::Record>& entries,
+                          const platform::SharedRecords& parameters, const EditingNumbers& numbers);
 
 /// Number of slots in which two mappings would be written differently; a slot that only one of them has counts.
 std::size_t differingSlots(const std::vector<platform::Record>& one, const std::vector<platform::Record>& other);

@@ -80,8 +80,13 @@ void MappedPots::setEntries(const std::vector<platform::Record>& entries, std::i
             remove(placed_[position], static_cast<std::int32_t>(position));
         if (is)
             place(entries[position], static_cast<std::int32_t>(position));
+        if (was && is)
+            placed_[position] = entries[position];
     }
-    placed_.assign(entries.begin(), entries.begin() + static_cast<std::ptrdiff_t>(count));
+    const std::size_t kept = std::min(count, placed_.size());
+    placed_.resize(kept);
+    placed_.insert(placed_.end(), entries.begin() + static_cast<std::ptrdiff_t>(kept),
+                   entries.begin() + static_cast<std::ptrdiff_t>(count));
 }
 
 void MappedPots::place(const platform::Record& entry, std::int32_t position)

@@ -5,6 +5,15 @@
 #include <memory>
 #include <utility>
 
+namespace {
+
+mapping::EditingNumbers editingNumbers()
+{
+    return {mapping::totalPages, mapping::curPage, mapping::plugin_Mode};
+}
+
+} // namespace
+
 ViewController::Operation::Operation(ViewController& controller) : controller_(controller)
 {
     ++controller_.operationDepth_;
@@ -15,7 +24,7 @@ ViewController::Operation::Operation(ViewController& controller, const std::stri
     if (controller_.operationDepth_ > 1)
         return; // part of a larger edit
     name_ = name;
-    before_ = controller_.snapshot();
+    before_ = {mapping::plistBuild, controller_.arrayControllerPlistSelected()->sharedContent(), editingNumbers()};
     pathBefore_ = controller_.labPluginPlistLocation()->stringValue.get();
 }
 
@@ -63,12 +72,6 @@ std::optional<mapping::BackupComparison> ViewController::compareWithBackup(const
     return mapping::compareBackup(labPluginPlistLocation()->stringValue.get(), suffix, mapping::plistBuild);
 }
 
-mapping::EditingSnapshot ViewController::snapshot() const
-{
-    return {mapping::plistBuild, arrayControllerPlistSelected()->content(), mapping::totalPages, mapping::curPage,
-            mapping::plugin_Mode};
-}
-
 void ViewController::finishEdit(const std::string& name, const mapping::EditingSnapshot& before,
                                 const std::string& pathBefore)
 {
@@ -77,7 +80,8 @@ void ViewController::finishEdit(const std::string& name, const mapping::EditingS
         ++historyRevision_;
         return;
     }
-    auto change = std::make_shared<const mapping::EditingChange>(mapping::changeBetween(before, snapshot()));
+    auto change = std::make_shared<const mapping::EditingChange>(mapping::changeSince(
+        before, mapping::plistBuild, arrayControllerPlistSelected()->sharedContent(), editingNumbers()));
     if (change->isEmpty())
         return;
     ++historyRevision_;
@@ -95,8 +99,8 @@ void ViewController::goThrough(const mapping::EditingChange& change, bool forwar
     go(change.entries, mapping::plistBuild);
     // While no plug-in is chosen none of its parameters are offered; once one is, they are not taken away.
     const auto& parameters = forward ? change.parametersAfter : change.parametersBefore;
-    if (!parameters.empty() && isPluginBeingEdited()) {
-        arrayControllerPlistSelected()->setContent(parameters);
+    if (parameters && !parameters->empty() && isPluginBeingEdited()) {
+        arrayControllerPlistSelected()->setSharedContent(parameters);
         arrayControllerPlistSelected()->setSelectionIndex(0);
     }
     mapping::totalPages = numbers.totalPages;

@@ -1,7 +1,6 @@
 #include "platform/ArrayController.h"
 
 #include <algorithm>
-#include <iterator>
 #include <numeric>
 #include <utility>
 
@@ -10,6 +9,11 @@ namespace platform {
 ArrayController::ArrayController() : filterChanged_(filterText.onChange([this](const std::string&) { rearrange(); })) {}
 
 void ArrayController::setContent(std::vector<Record> content)
+{
+    setSharedContent(std::make_shared<const std::vector<Record>>(std::move(content)));
+}
+
+void ArrayController::setSharedContent(SharedRecords content)
 {
     content_ = std::move(content);
     ++contentRevision_;
@@ -21,7 +25,9 @@ void ArrayController::setContent(std::vector<Record> content)
 
 void ArrayController::addObjects(std::vector<Record> records)
 {
-    content_.insert(content_.end(), std::make_move_iterator(records.begin()), std::make_move_iterator(records.end()));
+    if (!content_->empty())
+        records.insert(records.begin(), content_->begin(), content_->end());
+    content_ = std::make_shared<const std::vector<Record>>(std::move(records));
     ++contentRevision_;
     rearrange();
 }
@@ -35,7 +41,7 @@ void ArrayController::setArrangement(Arrangement arrangement)
 void ArrayController::rearrange()
 {
     const Record* selected = selection();
-    const auto position = static_cast<std::size_t>(selected ? selected - content_.data() : 0);
+    const auto position = static_cast<std::size_t>(selected ? selected - content_->data() : 0);
     arrange();
     if (selected) {
         const auto row = std::find(arranged_.begin(), arranged_.end(), position);
@@ -52,7 +58,7 @@ void ArrayController::arrange()
         arranged_ = arrangement_(*this);
         return;
     }
-    arranged_.resize(content_.size());
+    arranged_.resize(content_->size());
     std::iota(arranged_.begin(), arranged_.end(), std::size_t{0});
 }
 
@@ -60,7 +66,7 @@ const Record* ArrayController::arrangedObject(std::int32_t row) const
 {
     if (row < 0 || row >= arrangedCount())
         return nullptr;
-    return &content_[arranged_[static_cast<std::size_t>(row)]];
+    return &(*content_)[arranged_[static_cast<std::size_t>(row)]];
 }
 
 void ArrayController::setSelectionIndex(std::int32_t row)

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,11 +25,14 @@ public:
     ArrayController(const ArrayController&) = delete;
     ArrayController& operator=(const ArrayController&) = delete;
 
-    const std::vector<Record>& content() const { return content_; }
+    const std::vector<Record>& content() const { return *content_; }
+    /// The content as it is now, for those who keep it.
+    SharedRecords sharedContent() const { return content_; }
     /// Another number for every content there was, for those who keep what they derived from it.
     std::uint64_t contentRevision() const { return contentRevision_; }
     /// Replaces the content; nothing is selected afterwards.
     void setContent(std::vector<Record> content);
+    void setSharedContent(SharedRecords content);
     /// Appends rows; the selected one stays selected.
     void addObjects(std::vector<Record> records);
 
@@ -61,7 +65,7 @@ private:
     void arrange();
     void select(std::int32_t row);
 
-    std::vector<Record> content_;
+    SharedRecords content_ = std::make_shared<const std::vector<Record>>();
     std::uint64_t contentRevision_ = 0;
     std::vector<std::size_t> arranged_;
     Arrangement arrangement_;

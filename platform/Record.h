@@ -67,4 +67,7 @@ private:
     Content* content_ = nullptr; ///< null while there are no fields
 };
 
+/// A list that several keep and nobody changes.
+using SharedRecords = std::shared_ptr<const std::vector<Record>>;
+
 } // namespace platform

@@ -184,8 +184,8 @@ void EditingView::enableWhatCanBeDone()
 
 void EditingView::showTitle()
 {
-    const bool isModified = !mapping::plistBuild.empty() && controller_.hasUnsavedChanges();
-    const auto pots = isModified ? controller_.changedPots() : 0;
+    const auto pots = mapping::plistBuild.empty() ? 0 : controller_.changedPots();
+    const bool isModified = pots > 0 || (!mapping::plistBuild.empty() && controller_.hasUnsavedChanges());
     QString unsaved;
     if (pots > 0)
         unsaved = tr("Unsaved pots: %1").arg(QLocale().toString(pots));

@@ -109,19 +109,27 @@ TEST(EditingChange, GoesThroughRandomEditsAndBack)
 
 TEST(EditingChange, IsEmptyWhenOnlyThePageShownDiffers)
 {
-    const EditingSnapshot one{entriesOf("abcdefgh"), entriesOf("-ab"), 1, 1, 0};
+    const auto changeBetween = [](const EditingSnapshot& before, const EditingSnapshot& after) {
+        return changeSince(before, after.entries, after.parameters, after.numbers);
+    };
+    const auto list = [](const char* letters) { return std::make_shared<const Records>(entriesOf(letters)); };
+    const EditingSnapshot one{entriesOf("abcdefgh"), list("-ab"), {1, 1, 0}};
     EditingSnapshot other = one;
-    other.curPage = 3;
+    other.numbers.curPage = 3;
     EXPECT_TRUE(changeBetween(one, other).isEmpty());
-    other.mode = 1;
+    other.numbers.mode = 1;
     EXPECT_FALSE(changeBetween(one, other).isEmpty());
     other = one;
-    other.totalPages = 2;
+    other.numbers.totalPages = 2;
     EXPECT_FALSE(changeBetween(one, other).isEmpty());
     other = one;
-    other.parameters.pop_back();
+    other.parameters = list("-a");
     EXPECT_FALSE(changeBetween(one, other).isEmpty());
     EXPECT_EQ(changeBetween(one, other).parametersAfter, other.parameters);
+    other = one;
+    other.parameters = list("-ab"); // made anew, but the same
+    EXPECT_TRUE(changeBetween(one, other).isEmpty());
+    EXPECT_EQ(changeBetween(one, other).parametersAfter, nullptr);
     other = one;
     other.entries[2] = emptyEntry(1, 2);
     EXPECT_FALSE(changeBetween(one, other).isEmpty());
