@@ -96,7 +96,7 @@ QWidget* makeAccountWindow()
     window->layout()->addWidget(logIn);
     window->layout()->addWidget(create);
     window->layout()->setSizeConstraint(QLayout::SetMinimumSize);
-    window->resize(400, window->sizeHint().height());
+    window->resize(400, 1); // no lower than its contents
     return window;
 }
 

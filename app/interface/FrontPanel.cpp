@@ -71,6 +71,7 @@ FrontPanel::FrontPanel(QWidget* parent) : QFrame(parent)
     setAccessibleName(tr("Front panel"));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     setAcceptDrops(true);
+    setAttribute(Qt::WA_OpaquePaintEvent); // or the window would be painted under all of it
     makeReadOuts();
     makePots();
     followPalette();
@@ -193,6 +194,9 @@ void FrontPanel::paintEvent(QPaintEvent*)
 {
     const PanelColours& colours = panelColours(palette());
     QPainter painter(this);
+    const QRegion beside = QRegion(rect()) - layout_.face.toRect();
+    for (const QRect& part : beside)
+        painter.fillRect(part, palette().window());
     drawPanel(painter, layout_, colours, font());
     if (target_ != kNoPot)
         drawDropField(painter, layout_, target_, colours);

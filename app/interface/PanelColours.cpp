@@ -101,4 +101,10 @@ const PanelColours& panelColours(const QPalette& palette)
     return palette.color(QPalette::Active, QPalette::Window).lightness() < 128 ? dark : light;
 }
 
+QColor faded(QColor colour, int alpha)
+{
+    colour.setAlpha(alpha);
+    return colour;
+}
+
 } // namespace interface

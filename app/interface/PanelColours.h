@@ -38,4 +38,7 @@ struct PanelColours {
 /// Which of the two a desktop with this palette gets.
 const PanelColours& panelColours(const QPalette& palette);
 
+/// A colour made translucent; 255 is opaque.
+QColor faded(QColor colour, int alpha);
+
 } // namespace interface

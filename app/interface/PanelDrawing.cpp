@@ -1,6 +1,7 @@
 #include "app/interface/PanelDrawing.h"
 
 #include "app/interface/Fonts.h"
+#include "platform/qt/ReadableColours.h"
 
 #include <QImage>
 #include <QPainter>
@@ -11,9 +12,12 @@
 
 namespace interface {
 
+using platform::qt::mixed;
+
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
+constexpr int kCheekShadow = 5; ///< in points
 
 QLinearGradient downwards(const QRectF& rect, std::initializer_list<std::pair<double, QColor>> stops)
 {
@@ -21,12 +25,6 @@ QLinearGradient downwards(const QRectF& rect, std::initializer_list<std::pair<do
     for (const auto& [at, colour] : stops)
         gradient.setColorAt(at, colour);
     return gradient;
-}
-
-QColor faded(QColor colour, int alpha)
-{
-    colour.setAlpha(alpha);
-    return colour;
 }
 
 /// Of the whole panel.
@@ -38,45 +36,43 @@ QColor outlineOf(const PanelColours& c)
 /// The same marks on every run, so that the metal does not flicker from one repaint to the next.
 int markAt(int line)
 {
-    const auto mixed = static_cast<unsigned>(line) * 2654435761U;
-    return static_cast<int>((mixed >> 16U) % 100U);
+    const auto hash = static_cast<unsigned>(line) * 2654435761U;
+    return static_cast<int>((hash >> 16U) % 100U);
 }
 
-void drawBrushing(QPainter& painter, const QRectF& face, const QColor& colour)
+/// Brushed metal, lighter above than below: each line of it has a colour of its own.
+void drawMetal(QPainter& painter, const QRectF& face, const PanelColours& c)
 {
-    for (int y = 0; y < static_cast<int>(face.height()); ++y) {
-        const int mark = markAt(y);
-        painter.fillRect(QRectF(face.left(), face.top() + y, face.width(), 1),
-                         faded(colour, colour.alpha() * mark / 60));
+    constexpr double kMiddle = 0.45;
+    const int lines = static_cast<int>(std::ceil(face.height()));
+    for (int line = 0; line < lines; ++line) {
+        const double down = (line + 0.5) / lines;
+        const QColor plain = down < kMiddle ? mixed(c.faceTop, c.faceMiddle, down / kMiddle)
+                                            : mixed(c.faceMiddle, c.faceBottom, (down - kMiddle) / (1 - kMiddle));
+        painter.fillRect(QRectF(face.left(), face.top() + line, face.width(), 1),
+                         mixed(plain, c.faceBrush, c.faceBrush.alphaF() * static_cast<float>(markAt(line)) / 60));
     }
 }
 
-/// Two soft lights above the bench, and the shadow of the cheeks where the face meets them. Blended as a picture, a part of
-/// the height at a time: half as much work as the gradients and narrow shapes themselves.
+/// Two soft lights above the bench. Blended as a picture, a part of the height at a time: half as much work as gradients.
 void drawLights(QPainter& painter, const QRectF& face)
 {
     constexpr int kHeight = 8;
-    constexpr int kShadow = 5;
-    QLinearGradient lights(0, 0, face.width(), 0);
-    for (const double at : {0.22, 0.74}) {
-        lights.setColorAt(at - 0.2, QColor(255, 255, 255, 0));
-        lights.setColorAt(at, QColor(255, 255, 255, 26));
-        lights.setColorAt(at + 0.2, QColor(255, 255, 255, 0));
-    }
     const double scale = painter.device()->devicePixelRatioF();
-    QPixmap part((QSizeF(face.width(), kHeight) * scale).toSize());
+    const double width = std::round(face.width() * 0.34);
+    QLinearGradient light(0, 0, width, 0);
+    light.setColorAt(0, QColor(255, 255, 255, 0));
+    light.setColorAt(0.5, QColor(255, 255, 255, 26));
+    light.setColorAt(1, QColor(255, 255, 255, 0));
+    QPixmap part((QSizeF(width, kHeight) * scale).toSize());
     part.setDevicePixelRatio(scale);
     part.fill(Qt::transparent);
-    QPainter onPart(&part);
-    onPart.fillRect(QRectF(0, 0, face.width(), kHeight), lights);
-    for (int step = 0; step < kShadow; ++step) {
-        const QColor shade(0, 0, 0, 110 * (2 * (kShadow - step) - 1) / (2 * kShadow));
-        onPart.fillRect(QRectF(step, 0, 1, kHeight), shade);
-        onPart.fillRect(QRectF(face.width() - step - 1, 0, 1, kHeight), shade);
+    QPainter(&part).fillRect(QRectF(0, 0, width, kHeight), light);
+    for (const double at : {0.22, 0.74}) {
+        const double left = std::round(face.left() + face.width() * at - width / 2);
+        for (double y = face.top(); y < face.bottom(); y += kHeight)
+            painter.drawPixmap(QPointF(left, y), part);
     }
-    onPart.end();
-    for (double y = face.top(); y < face.bottom(); y += kHeight)
-        painter.drawPixmap(QPointF(face.left(), y), part);
 }
 
 /// Rectangles alone, with edges on whole pixels: smooth ones would be ten times the work.
@@ -86,8 +82,7 @@ void drawFace(QPainter& painter, const PanelLayout& layout, const PanelColours& 
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setClipRect(face, Qt::IntersectClip);
-    painter.fillRect(face, downwards(face, {{0, c.faceTop}, {0.45, c.faceMiddle}, {1, c.faceBottom}}));
-    drawBrushing(painter, face, c.faceBrush);
+    drawMetal(painter, face, c);
     drawLights(painter, face);
     painter.fillRect(QRectF(face.left(), face.top() + 1, face.width(), 1), faded(c.edgeLight, 160));
     painter.fillRect(QRectF(face.left(), face.bottom() - 2, face.width(), 1), faded(c.edgeDark, 110));
@@ -98,9 +93,9 @@ void drawFace(QPainter& painter, const PanelLayout& layout, const PanelColours& 
 
 QRgb over(QRgb below, const QColor& colour, double share)
 {
-    const auto mix = [share](int from, int to) { return static_cast<int>(from + (to - from) * share); };
-    return qRgb(mix(qRed(below), colour.red()), mix(qGreen(below), colour.green()),
-                mix(qBlue(below), colour.blue()));
+    const int part = static_cast<int>(256 * share);
+    const auto mix = [part](int from, int to) { return from + (to - from) * part / 256; };
+    return qRgb(mix(qRed(below), colour.red()), mix(qGreen(below), colour.green()), mix(qBlue(below), colour.blue()));
 }
 
 /// A row of the wood: its grain, and the light above and the shadow below that show it to be rounded.
@@ -122,39 +117,51 @@ void grainRow(QRgb* row, int width, double scale, double down, const PanelColour
         row[x] = light > 0 ? over(row[x], Qt::white, light) : over(row[x], Qt::black, shadow);
 }
 
-/// The left cheek, rounded at its outer corners and with its part of the panel's outline. Made pixel by pixel: shapes as
-/// long and thin as the grain are what a painter is slowest at.
+/// Of a pixel of the left cheek, so far in from the end and the side, in points: its part of the panel's outline, and what
+/// of it is missing where the corner is round.
+QRgb edged(QRgb wood, double fromEnd, double fromSide, double radius, double scale, const QColor& outline)
+{
+    const bool isCorner = fromEnd < radius && fromSide < radius;
+    const double depth = isCorner ? radius - std::hypot(radius - fromEnd, radius - fromSide) : std::min(fromEnd, fromSide);
+    const double outlined = std::clamp((1 - depth) * scale + 0.5, 0.0, 1.0);
+    const double covered = std::clamp(depth * scale + 0.5, 0.0, 1.0);
+    const QRgb edge = over(wood, outline, outline.alphaF() * outlined);
+    return qPremultiply(qRgba(qRed(edge), qGreen(edge), qBlue(edge), static_cast<int>(255 * covered)));
+}
+
+/// The left cheek, and its shadow on the face. Made pixel by pixel: shapes as long and thin as the grain are what a painter
+/// is slowest at.
 QImage cheekOf(const QSizeF& size, double radius, double scale, const PanelColours& c)
 {
-    QImage picture((size * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    QImage picture((QSizeF(size.width() + kCheekShadow, size.height()) * scale).toSize(),
+                   QImage::Format_ARGB32_Premultiplied);
     if (picture.isNull())
         return picture;
-    const int width = picture.width();
+    const int width = static_cast<int>(std::lround(size.width() * scale));
+    QImage plain(picture.width(), 1, QImage::Format_ARGB32_Premultiplied);
+    plain.fill(Qt::transparent);
     QLinearGradient wood(0, 0, width, 0);
     wood.setColorAt(0, c.cheekDark);
     wood.setColorAt(0.35, c.cheekLight);
     wood.setColorAt(0.7, c.cheekLight.darker(112));
     wood.setColorAt(1, c.cheekDark);
-    QImage plain(width, 1, QImage::Format_RGB32);
-    QPainter(&plain).fillRect(plain.rect(), wood);
+    QLinearGradient shadow(width, 0, plain.width(), 0);
+    shadow.setColorAt(0, QColor(0, 0, 0, 110));
+    shadow.setColorAt(1, QColor(0, 0, 0, 0));
+    QPainter onPlain(&plain);
+    onPlain.fillRect(0, 0, width, 1, wood);
+    onPlain.fillRect(width, 0, plain.width() - width, 1, shadow);
+    onPlain.end();
+
     const QColor outline = outlineOf(c);
     for (int y = 0; y < picture.height(); ++y) {
         auto* const row = reinterpret_cast<QRgb*>(picture.scanLine(y));
-        std::copy_n(reinterpret_cast<const QRgb*>(plain.constScanLine(0)), width, row);
+        std::copy_n(reinterpret_cast<const QRgb*>(plain.constScanLine(0)), plain.width(), row);
         grainRow(row, width, scale, (y + 0.5) / picture.height(), c);
         const double fromEnd = (std::min(y, picture.height() - 1 - y) + 0.5) / scale;
-        const double corner = std::max(0.0, radius - fromEnd);
-        for (int x = 0; x < width; ++x) {
-            const double fromSide = (x + 0.5) / scale;
-            const bool isCorner = corner > 0 && fromSide < radius;
-            const double depth = isCorner ? radius - std::hypot(corner, radius - fromSide) : std::min(fromEnd, fromSide);
-            if (!isCorner && depth >= 1 + 0.5 / scale)
-                continue;
-            const double outlined = std::clamp((1 - depth) * scale + 0.5, 0.0, 1.0);
-            const double covered = std::clamp(depth * scale + 0.5, 0.0, 1.0);
-            const QRgb edge = over(row[x], outline, outline.alphaF() * outlined);
-            row[x] = qPremultiply(qRgba(qRed(edge), qGreen(edge), qBlue(edge), static_cast<int>(255 * covered)));
-        }
+        const double reach = fromEnd < 1.5 ? size.width() : fromEnd < radius ? radius : 1.5; // of what edged() changes
+        for (int x = 0; x < width && x < reach * scale; ++x)
+            row[x] = edged(row[x], fromEnd, (x + 0.5) / scale, radius, scale, outline);
     }
     picture.setDevicePixelRatio(scale);
     return picture;
@@ -166,7 +173,7 @@ void drawCheeks(QPainter& painter, const PanelLayout& layout, const PanelColours
     const QSizeF size(layout.face.left() - layout.body.left(), layout.body.height());
     const QImage left = cheekOf(size, 7 * layout.scale, painter.device()->devicePixelRatioF(), c);
     painter.drawImage(layout.body.topLeft(), left);
-    painter.drawImage(QPointF(layout.face.right(), layout.body.top()), left.mirrored(true, false));
+    painter.drawImage(QPointF(layout.face.right() - kCheekShadow, layout.body.top()), left.mirrored(true, false));
 }
 
 void drawScrew(QPainter& painter, const QPointF& centre, double radius, double turn, const PanelColours& c)

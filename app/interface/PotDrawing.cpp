@@ -1,6 +1,7 @@
 #include "app/interface/PotDrawing.h"
 
 #include "app/interface/Fonts.h"
+#include "platform/qt/ReadableColours.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -11,8 +12,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace interface {
+
+using platform::qt::mixed;
 
 namespace {
 
@@ -49,18 +53,6 @@ QPointF onCircle(const QPointF& centre, double radius, double degrees)
 {
     const double angle = degrees * kPi / 180;
     return centre + QPointF(std::sin(angle), -std::cos(angle)) * radius;
-}
-
-QColor mixed(const QColor& a, const QColor& b, double share)
-{
-    const auto mix = [share](int from, int to) { return static_cast<int>(from + (to - from) * share); };
-    return {mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue())};
-}
-
-QColor faded(QColor colour, int alpha)
-{
-    colour.setAlpha(alpha);
-    return colour;
 }
 
 void arc(const Drawing& d, double share, double from, double to, const QPen& pen)
@@ -185,8 +177,8 @@ void drawCap(const Drawing& d)
     d.painter.setPen(Qt::NoPen);
     d.painter.setBrush(turnedMetal(d));
     d.painter.drawEllipse(d.circle(cap));
-    // The marks of the lathe.
-    for (double ring = 0.12; ring < cap - 0.03; ring += 0.055) {
+    // The marks of the lathe, which can't be seen on a faint pot.
+    for (double ring = 0.12; d.look.isEnabled && ring < cap - 0.03; ring += 0.055) {
         d.painter.setBrush(Qt::NoBrush);
         d.painter.setPen(QPen(QColor(0, 0, 0, 18), d.at(0.014)));
         d.painter.drawEllipse(d.circle(ring));
@@ -245,40 +237,56 @@ void drawBody(const Drawing& d)
     drawPointer(d, pointer);
 }
 
-/// Most of the pots look alike but for their numbers, so what is drawn for one serves the others.
-QPixmap bodyOf(const QSizeF& size, double scale, const PotLook& look, const PanelColours& colours)
-{
-    const QString key = QStringLiteral("kvPot %1 %2 %3 %4%5%6%7 %8")
-                            .arg(size.width())
-                            .arg(size.height())
-                            .arg(scale)
-                            .arg(look.isMapped)
-                            .arg(look.isEnabled)
-                            .arg(look.isHovered)
-                            .arg(look.isPressed)
-                            .arg(colours.skirtDark.rgba());
-    QPixmap body;
-    if (QPixmapCache::find(key, &body))
-        return body;
-    QImage picture((size * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
-    picture.setDevicePixelRatio(scale);
-    picture.fill(Qt::transparent);
-    const auto draw = [&] {
+/// What all pots have in common that look alike but for their numbers and marks.
+struct Body {
+    QSizeF size;
+    double scale;
+    PotLook look;
+    const PanelColours& colours; ///< one of the two that there are
+
+    QString key() const
+    {
+        return QStringLiteral("kvPot %1 %2 %3 %4%5%6%7 %8")
+            .arg(size.width())
+            .arg(size.height())
+            .arg(scale)
+            .arg(look.isMapped)
+            .arg(look.isEnabled)
+            .arg(look.isHovered)
+            .arg(look.isPressed)
+            .arg(colours.skirtDark.rgba());
+    }
+
+    QImage drawn() const
+    {
+        QImage picture((size * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+        picture.setDevicePixelRatio(scale);
+        picture.fill(Qt::transparent);
         QPainter painter(&picture);
         painter.setRenderHint(QPainter::Antialiasing);
         const QRectF square(QPointF(), size);
         drawBody({painter, square.center(), std::min(size.width(), size.height()) / 2, look, colours});
-    };
-    // Qt shares every larger shape out among its threads, which takes longer than to paint it: but not in one of them.
-    QSemaphore drawn;
+        return picture;
+    }
+};
+
+QPixmap pictureOf(const Body& body)
+{
+    const QString key = body.key();
+    QPixmap picture;
+    if (QPixmapCache::find(key, &picture))
+        return picture;
+    // Qt shares every larger shape out among its threads, which takes longer than to draw it: but not in one of them.
+    QImage drawn;
+    QSemaphore isDrawn;
     QThreadPool::globalInstance()->start([&] {
-        draw();
-        drawn.release();
+        drawn = body.drawn();
+        isDrawn.release();
     });
-    drawn.acquire();
-    body = QPixmap::fromImage(std::move(picture));
-    QPixmapCache::insert(key, body);
-    return body;
+    isDrawn.acquire();
+    picture = QPixmap::fromImage(std::move(drawn));
+    QPixmapCache::insert(key, picture);
+    return picture;
 }
 
 } // namespace
@@ -288,7 +296,7 @@ void drawPot(QPainter& painter, const QRectF& square, const PotLook& look, const
 {
     painter.setRenderHint(QPainter::Antialiasing);
     const double scale = painter.device()->devicePixelRatioF();
-    painter.drawPixmap(square.topLeft(), bodyOf(square.size(), scale, look, colours));
+    painter.drawPixmap(square.topLeft(), pictureOf({square.size(), scale, look, colours}));
     const Drawing d{painter, square.center(), std::min(square.width(), square.height()) / 2, look, colours};
     drawNumber(d, font);
     drawMarks(d);

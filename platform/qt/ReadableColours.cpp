@@ -20,12 +20,6 @@ double luminance(const QColor& colour)
     return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
 }
 
-QColor mixed(const QColor& one, const QColor& other, double share)
-{
-    const auto mix = [share](int a, int b) { return static_cast<int>(std::lround(a + (b - a) * share)); };
-    return {mix(one.red(), other.red()), mix(one.green(), other.green()), mix(one.blue(), other.blue())};
-}
-
 /// The colour moved away from a text just so far that the text can be read on it.
 QColor readableBehind(const QColor& background, const QColor& text)
 {
@@ -51,6 +45,12 @@ QColor readableHint(const QColor& hint, const QColor& text, const QColor& backgr
 }
 
 } // namespace
+
+QColor mixed(const QColor& one, const QColor& other, double share)
+{
+    const auto mix = [share](int a, int b) { return static_cast<int>(std::lround(a + (b - a) * share)); };
+    return {mix(one.red(), other.red()), mix(one.green(), other.green()), mix(one.blue(), other.blue())};
+}
 
 double contrast(const QColor& one, const QColor& other)
 {
