@@ -193,6 +193,7 @@ void FrontPanel::resizeEvent(QResizeEvent* event)
 void FrontPanel::paintEvent(QPaintEvent*)
 {
     const PanelColours& colours = panelColours(palette());
+    pots_.front()->begin(); // most pots look like it, and its picture takes as long as the face
     QPainter painter(this);
     const QRegion beside = QRegion(rect()) - layout_.face.toRect();
     for (const QRect& part : beside)

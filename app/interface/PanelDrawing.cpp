@@ -91,11 +91,11 @@ void drawFace(QPainter& painter, const PanelLayout& layout, const PanelColours& 
     painter.restore();
 }
 
-QRgb over(QRgb below, const QColor& colour, double share)
+QRgb over(QRgb below, QRgb colour, double share)
 {
     const int part = static_cast<int>(256 * share);
     const auto mix = [part](int from, int to) { return from + (to - from) * part / 256; };
-    return qRgb(mix(qRed(below), colour.red()), mix(qGreen(below), colour.green()), mix(qBlue(below), colour.blue()));
+    return qRgb(mix(qRed(below), qRed(colour)), mix(qGreen(below), qGreen(colour)), mix(qBlue(below), qBlue(colour)));
 }
 
 /// A row of the wood: its grain, and the light above and the shadow below that show it to be rounded.
@@ -108,13 +108,13 @@ void grainRow(QRgb* row, int width, double scale, double down, const PanelColour
         const double from = std::max(0.0, middle - half), to = std::min<double>(width, middle + half);
         for (int x = static_cast<int>(from); x < to; ++x) {
             const double covered = std::min(x + 1.0, to) - std::max<double>(x, from);
-            row[x] = over(row[x], c.cheekGrain, c.cheekGrain.alphaF() * covered);
+            row[x] = over(row[x], c.cheekGrain.rgb(), c.cheekGrain.alphaF() * covered);
         }
     }
     const double light = 0.16 * (1 - down / 0.12);
     const double shadow = 0.35 * (down - 0.8) / 0.2;
     for (int x = 0; x < width && (light > 0 || shadow > 0); ++x)
-        row[x] = light > 0 ? over(row[x], Qt::white, light) : over(row[x], Qt::black, shadow);
+        row[x] = light > 0 ? over(row[x], qRgb(255, 255, 255), light) : over(row[x], qRgb(0, 0, 0), shadow);
 }
 
 /// Of a pixel of the left cheek, so far in from the end and the side, in points: its part of the panel's outline, and what
@@ -125,7 +125,7 @@ QRgb edged(QRgb wood, double fromEnd, double fromSide, double radius, double sca
     const double depth = isCorner ? radius - std::hypot(radius - fromEnd, radius - fromSide) : std::min(fromEnd, fromSide);
     const double outlined = std::clamp((1 - depth) * scale + 0.5, 0.0, 1.0);
     const double covered = std::clamp(depth * scale + 0.5, 0.0, 1.0);
-    const QRgb edge = over(wood, outline, outline.alphaF() * outlined);
+    const QRgb edge = over(wood, outline.rgb(), outline.alphaF() * outlined);
     return qPremultiply(qRgba(qRed(edge), qGreen(edge), qBlue(edge), static_cast<int>(255 * covered)));
 }
 

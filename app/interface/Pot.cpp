@@ -61,7 +61,7 @@ void Pot::setHovered(bool isHovered)
     update();
 }
 
-void Pot::paintEvent(QPaintEvent*)
+PotLook Pot::look() const
 {
     PotLook look;
     look.number = number_;
@@ -71,8 +71,18 @@ void Pot::paintEvent(QPaintEvent*)
     look.isPressed = isDown();
     look.hasFocus = hasFocus();
     look.isDropTarget = isDropTarget_;
+    return look;
+}
+
+void Pot::begin()
+{
+    beginPot(size(), devicePixelRatioF(), look(), panelColours(palette()));
+}
+
+void Pot::paintEvent(QPaintEvent*)
+{
     QPainter painter(this);
-    drawPot(painter, QRectF(rect()), look, panelColours(palette()), font());
+    drawPot(painter, QRectF(rect()), look(), panelColours(palette()), font());
 }
 
 void Pot::keyPressEvent(QKeyEvent* event)

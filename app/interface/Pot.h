@@ -6,6 +6,8 @@
 
 namespace interface {
 
+struct PotLook;
+
 class Pot final : public QPushButton {
     Q_OBJECT
 
@@ -19,6 +21,9 @@ public:
     bool isMapped() const { return isMapped_; }
     /// Whether what is being dragged would be dropped here.
     void setDropTarget(bool isTarget);
+
+    /// Begins to draw what painting it will need, while something else is painted.
+    void begin();
 
 Q_SIGNALS:
     /// The mouse has pulled far enough for a drag; no click follows.
@@ -35,6 +40,7 @@ protected:
 
 private:
     void setHovered(bool isHovered);
+    PotLook look() const;
 
     int number_;
     bool isMapped_ = false;

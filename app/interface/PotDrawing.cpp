@@ -12,6 +12,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
+#include <optional>
 #include <utility>
 
 namespace interface {
@@ -270,26 +272,67 @@ struct Body {
     }
 };
 
+/// A body that one of Qt's threads draws. Not only for the time that passes meanwhile: outside of these threads Qt shares
+/// every larger shape out among them, which takes longer than to draw it.
+class Sketch {
+public:
+    explicit Sketch(const Body& body) : key_(body.key()), work_(std::make_shared<Work>())
+    {
+        QThreadPool::globalInstance()->start([body, work = work_] {
+            work->picture = body.drawn();
+            work->isDone.release();
+        });
+    }
+
+    bool isOf(const QString& key) const { return key_ == key; }
+    /// Waits for it; once.
+    QPixmap take()
+    {
+        work_->isDone.acquire();
+        return QPixmap::fromImage(std::move(work_->picture));
+    }
+
+private:
+    struct Work {
+        QSemaphore isDone;
+        QImage picture;
+    };
+
+    QString key_;
+    std::shared_ptr<Work> work_;
+};
+
+/// The last one begun, until it is taken.
+std::optional<Sketch>& begun()
+{
+    static std::optional<Sketch> sketch;
+    return sketch;
+}
+
 QPixmap pictureOf(const Body& body)
 {
     const QString key = body.key();
     QPixmap picture;
     if (QPixmapCache::find(key, &picture))
         return picture;
-    // Qt shares every larger shape out among its threads, which takes longer than to draw it: but not in one of them.
-    QImage drawn;
-    QSemaphore isDrawn;
-    QThreadPool::globalInstance()->start([&] {
-        drawn = body.drawn();
-        isDrawn.release();
-    });
-    isDrawn.acquire();
-    picture = QPixmap::fromImage(std::move(drawn));
+    if (!begun() || !begun()->isOf(key))
+        begun().emplace(body);
+    picture = begun()->take();
+    begun().reset();
     QPixmapCache::insert(key, picture);
     return picture;
 }
 
 } // namespace
+
+void beginPot(const QSizeF& size, double scale, const PotLook& look, const PanelColours& colours)
+{
+    const Body body{size, scale, look, colours};
+    const QString key = body.key();
+    QPixmap picture;
+    if (!size.isEmpty() && !QPixmapCache::find(key, &picture) && (!begun() || !begun()->isOf(key)))
+        begun().emplace(body);
+}
 
 void drawPot(QPainter& painter, const QRectF& square, const PotLook& look, const PanelColours& colours,
              const QFont& font)

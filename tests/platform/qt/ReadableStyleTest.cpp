@@ -72,6 +72,43 @@ TEST_P(ReadableStyleTest, TheFocusStandsOutFromTheWindow)
     }
 }
 
+/// A button's panel as it is drawn in a state.
+QImage buttonPanel(QStyle::State state, bool isDefault = false)
+{
+    QStyleOptionButton option;
+    option.palette = QApplication::palette();
+    option.palette.setCurrentColorGroup(state & QStyle::State_Enabled ? QPalette::Active : QPalette::Disabled);
+    option.rect = QRect(0, 0, 80, 30);
+    option.state = state;
+    option.features.setFlag(QStyleOptionButton::DefaultButton, isDefault);
+    QImage image(option.rect.size(), QImage::Format_RGB32);
+    image.fill(option.palette.color(QPalette::Window));
+    QPainter painter(&image);
+    QApplication::style()->drawPrimitive(QStyle::PE_PanelButtonCommand, &option, &painter);
+    return image;
+}
+
+TEST_P(ReadableStyleTest, AButtonShowsWhatItIsAndItsTextCanBeRead)
+{
+    const support::FixedLook look(GetParam() ? support::darkPalette() : support::lightPalette());
+    const QStyle::State on = QStyle::State_Enabled;
+    const QImage panels[] = {
+        buttonPanel(on),
+        buttonPanel(on, true),
+        buttonPanel(on | QStyle::State_MouseOver),
+        buttonPanel(on | QStyle::State_Sunken),
+        buttonPanel({}),
+    };
+    const QColor text = QApplication::palette().color(QPalette::Active, QPalette::ButtonText);
+    for (const QImage& panel : panels) {
+        EXPECT_EQ(std::count(std::begin(panels), std::end(panels), panel), 1);
+        if (&panel == &panels[4]) // is disabled
+            continue;
+        EXPECT_GE(contrast(panel.pixelColor(40, 15), text), 4.5) << &panel - panels;
+    }
+    EXPECT_EQ(buttonPanel(on | QStyle::State_On), panels[3]) << "held down";
+}
+
 TEST(ReadableStyleIcons, OnlyWhatEveryStartNeedsIsOurs)
 {
     const ReadableStyle style;

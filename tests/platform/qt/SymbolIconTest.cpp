@@ -129,7 +129,7 @@ TEST_F(SymbolIconTest, EverySymbolShowsAtEverySizeInThePalettesColour)
         const QIcon icon = symbolIcon(name);
         ASSERT_FALSE(icon.isNull());
         EXPECT_EQ(icon.name(), name);
-        for (const int size : {16, 48}) {
+        for (const int size : {16, 18, 20, 48, 80}) {
             const QImage image = picture(icon, size);
             EXPECT_EQ(image.size(), QSize(size, size));
             // Neither a dot nor a block, and not cut at an edge.
@@ -217,7 +217,7 @@ TEST(ApplicationIconTest, HasASharpPictureForEverySize)
 {
     const QIcon icon = applicationIcon();
     ASSERT_FALSE(icon.isNull());
-    for (const int size : {16, 32, 48}) {
+    for (const int size : {16, 20, 32, 40, 48, 96, 130}) {
         const QImage image = picture(icon, size);
         EXPECT_EQ(image.size(), QSize(size, size));
         EXPECT_GT(coverage(image), 0.5);
