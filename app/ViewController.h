@@ -186,6 +186,8 @@ public:
 private:
     class Operation;
 
+    /// The list offered for assignment; while a rescan, which is no edit, has emptied it, the one offered before.
+    platform::SharedRecords offeredParameters() const;
     void finishEdit(const std::string& name, const mapping::EditingSnapshot& before, const std::string& pathBefore);
     void goThrough(const mapping::EditingChange& change, bool forward);
     /// The subtitle and the help line of the mode.
@@ -209,6 +211,7 @@ private:
     /// The mapping as its file holds it, and the mode that the file was read with or that was saved.
     std::vector<platform::Record> savedEntries_;
     std::int32_t savedMode_ = 0;
+    platform::SharedRecords offered_ = std::make_shared<const std::vector<platform::Record>>();
     /// What the file marked just now holds, for the read that follows.
     std::optional<mapping::KnownContent> markedFile_;
     mapping::MappedPots mappedPots_;

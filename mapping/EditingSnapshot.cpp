@@ -54,8 +54,7 @@ bool areWrittenAlike(const platform::Record& one, const platform::Record& other)
 
 bool EditingChange::isEmpty() const
 {
-    const bool isOtherList = parametersBefore && !parametersBefore->empty() && !parametersAfter->empty();
-    return entries.empty() && !isOtherList && before.totalPages == after.totalPages && before.mode == after.mode;
+    return entries.empty() && !parametersBefore && before.totalPages == after.totalPages && before.mode == after.mode;
 }
 
 std::vector<Splice> differences(const Records& before, const Records& after)

@@ -31,8 +31,7 @@ struct EditingSnapshot {
 
 struct EditingChange {
     std::vector<Splice> entries;
-    /// The whole lists; both null where the list stayed as it was. One alone is empty where a rescan, which is no edit,
-    /// had emptied the list until a plug-in was chosen.
+    /// The whole lists; both null where the list stayed as it was.
     platform::SharedRecords parametersBefore;
     platform::SharedRecords parametersAfter;
     EditingNumbers before;

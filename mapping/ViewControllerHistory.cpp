@@ -24,7 +24,7 @@ ViewController::Operation::Operation(ViewController& controller, const std::stri
     if (controller_.operationDepth_ > 1)
         return; // part of a larger edit
     name_ = name;
-    before_ = {mapping::plistBuild, controller_.arrayControllerPlistSelected()->sharedContent(), editingNumbers()};
+    before_ = {mapping::plistBuild, controller_.offeredParameters(), editingNumbers()};
     pathBefore_ = controller_.labPluginPlistLocation()->stringValue.get();
 }
 
@@ -34,6 +34,7 @@ ViewController::Operation::~Operation()
         return;
     if (before_)
         controller_.finishEdit(name_, *before_, pathBefore_);
+    controller_.offered_ = controller_.offeredParameters();
     const auto parameters = controller_.arrayControllerPlistSelected();
     if (std::exchange(controller_.mappedRevision_, parameters->contentRevision()) != parameters->contentRevision()) {
         controller_.mappedPots_ = {}; // another mapping, as a rule: quicker made anew than changed
@@ -72,6 +73,12 @@ std::optional<mapping::BackupComparison> ViewController::compareWithBackup(const
     return mapping::compareBackup(labPluginPlistLocation()->stringValue.get(), suffix, mapping::plistBuild);
 }
 
+platform::SharedRecords ViewController::offeredParameters() const
+{
+    const auto list = arrayControllerPlistSelected()->sharedContent();
+    return list->empty() ? offered_ : list;
+}
+
 void ViewController::finishEdit(const std::string& name, const mapping::EditingSnapshot& before,
                                 const std::string& pathBefore)
 {
@@ -81,7 +88,7 @@ void ViewController::finishEdit(const std::string& name, const mapping::EditingS
         return;
     }
     auto change = std::make_shared<const mapping::EditingChange>(mapping::changeSince(
-        before, mapping::plistBuild, arrayControllerPlistSelected()->sharedContent(), editingNumbers()));
+        before, mapping::plistBuild, offeredParameters(), editingNumbers()));
     if (change->isEmpty())
         return;
     ++historyRevision_;
@@ -97,11 +104,12 @@ void ViewController::goThrough(const mapping::EditingChange& change, bool forwar
     const auto go = forward ? mapping::makeAgain : mapping::takeBack;
     const mapping::EditingNumbers& numbers = forward ? change.after : change.before;
     go(change.entries, mapping::plistBuild);
-    // While no plug-in is chosen none of its parameters are offered; once one is, they are not taken away.
-    const auto& parameters = forward ? change.parametersAfter : change.parametersBefore;
-    if (parameters && !parameters->empty() && isPluginBeingEdited()) {
-        arrayControllerPlistSelected()->setSharedContent(parameters);
-        arrayControllerPlistSelected()->setSelectionIndex(0);
+    if (const auto& parameters = forward ? change.parametersAfter : change.parametersBefore) {
+        offered_ = parameters; // while no plug-in is chosen none of them are shown
+        if (isPluginBeingEdited()) {
+            arrayControllerPlistSelected()->setSharedContent(parameters);
+            arrayControllerPlistSelected()->setSelectionIndex(0);
+        }
     }
     mapping::totalPages = numbers.totalPages;
     mapping::plugin_Mode = numbers.mode;

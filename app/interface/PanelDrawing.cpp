@@ -70,7 +70,8 @@ void drawLights(QPainter& painter, const QRectF& face)
     QPainter(&part).fillRect(QRectF(0, 0, width, kHeight), light);
     for (const double at : {0.22, 0.74}) {
         const double left = std::round(face.left() + face.width() * at - width / 2);
-        for (double y = face.top(); y < face.bottom(); y += kHeight)
+        // From one to the next by whole pixels, or they would overlap on screens with odd scales.
+        for (double y = face.top(); y < face.bottom(); y += part.height() / scale)
             painter.drawPixmap(QPointF(left, y), part);
     }
 }

@@ -276,6 +276,37 @@ TEST_F(HistoryTest, AReloadAfterARescanThatChangesNothingIsNoStep)
     EXPECT_EQ(undoName(), "");
 }
 
+TEST_F(HistoryTest, AReloadAfterARescanThatOffersOtherParametersIsAStep)
+{
+    const auto file = edit(test::numbered(8));
+    const Texts own = parameters();
+    test::writeDictionary(test::Path(file) += ".downloaded", test::orderFile({"1 Theirs", "2 Too"}));
+    controller_.downloadDidFinish();
+    const Texts theirs = parameters();
+    ASSERT_NE(theirs, own);
+    controller_.exportToPlist(); // so the reload brings the same mapping
+    controller_.btnRunCheck();
+    select("EQ One");
+    EXPECT_EQ(parameters(), own);
+    EXPECT_EQ(undoName(), "Reload Mapping");
+    controller_.undo();
+    EXPECT_EQ(parameters(), theirs);
+    controller_.undo();
+    EXPECT_EQ(parameters(), own);
+    controller_.redo();
+    EXPECT_EQ(parameters(), theirs);
+    controller_.redo();
+    EXPECT_EQ(parameters(), own);
+
+    controller_.undo();
+    controller_.btnRunCheck();
+    controller_.undo(); // of the download, while nothing is chosen
+    select("EQ One");
+    EXPECT_EQ(parameters(), own);
+    controller_.undo();
+    EXPECT_EQ(parameters(), own);
+}
+
 TEST_F(HistoryTest, UnsavedChangesAreToldUntilSavedOrUndone)
 {
     editThreePages();
