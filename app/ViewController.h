@@ -85,6 +85,8 @@ public:
     std::size_t changedPots() const;
     /// Whether a save would change the file: its pots, or its mode.
     bool hasUnsavedChanges() const;
+    /// Whether it would change the mode.
+    bool hasUnsavedMode() const;
     const mapping::MappedPots& mappedPots() const { return mappedPots_; }
     /// How the backup "original" or "prev" differs from the mapping being edited; none when there is no such backup.
     std::optional<mapping::BackupComparison> compareWithBackup(const std::string& suffix) const;

@@ -25,7 +25,7 @@ struct EditingNumbers {
 
 struct EditingSnapshot {
     std::vector<platform::Record> entries; ///< the whole mapping, with what lies behind the counted pages
-    platform::SharedRecords parameters;    ///< the list offered for assignment
+    platform::SharedRecords parameters;    ///< the list offered for assignment; never null
     EditingNumbers numbers;
 };
 

@@ -63,7 +63,12 @@ std::size_t ViewController::changedPots() const
 
 bool ViewController::hasUnsavedChanges() const
 {
-    return mapping::plugin_Mode != savedMode_ || changedPots() > 0;
+    return hasUnsavedMode() || changedPots() > 0;
+}
+
+bool ViewController::hasUnsavedMode() const
+{
+    return mapping::plugin_Mode != savedMode_;
 }
 
 std::optional<mapping::BackupComparison> ViewController::compareWithBackup(const std::string& suffix) const

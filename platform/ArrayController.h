@@ -32,6 +32,7 @@ public:
     std::uint64_t contentRevision() const { return contentRevision_; }
     /// Replaces the content; nothing is selected afterwards.
     void setContent(std::vector<Record> content);
+    /// Never null.
     void setSharedContent(SharedRecords content);
     /// Appends rows; the selected one stays selected.
     void addObjects(std::vector<Record> records);

@@ -185,7 +185,7 @@ void EditingView::enableWhatCanBeDone()
 void EditingView::showTitle()
 {
     const auto pots = mapping::plistBuild.empty() ? 0 : controller_.changedPots();
-    const bool isModified = pots > 0 || (!mapping::plistBuild.empty() && controller_.hasUnsavedChanges());
+    const bool isModified = pots > 0 || (!mapping::plistBuild.empty() && controller_.hasUnsavedMode());
     QString unsaved;
     if (pots > 0)
         unsaved = tr("Unsaved pots: %1").arg(QLocale().toString(pots));

@@ -49,7 +49,7 @@ void drawMetal(QPainter& painter, const QRectF& face, const PanelColours& c)
         const double down = (line + 0.5) / lines;
         const QColor plain = down < kMiddle ? mixed(c.faceTop, c.faceMiddle, down / kMiddle)
                                             : mixed(c.faceMiddle, c.faceBottom, (down - kMiddle) / (1 - kMiddle));
-        painter.fillRect(QRectF(face.left(), face.top() + line, face.width(), 1),
+        painter.fillRect(QRectF(face.left() - 1, face.top() + line, face.width() + 2, 1),
                          mixed(plain, c.faceBrush, c.faceBrush.alphaF() * static_cast<float>(markAt(line)) / 60));
     }
 }
@@ -65,6 +65,8 @@ void drawLights(QPainter& painter, const QRectF& face)
     light.setColorAt(0.5, QColor(255, 255, 255, 26));
     light.setColorAt(1, QColor(255, 255, 255, 0));
     QPixmap part((QSizeF(width, kHeight) * scale).toSize());
+    if (part.isNull())
+        return;
     part.setDevicePixelRatio(scale);
     part.fill(Qt::transparent);
     QPainter(&part).fillRect(QRectF(0, 0, width, kHeight), light);
@@ -76,13 +78,14 @@ void drawLights(QPainter& painter, const QRectF& face)
     }
 }
 
-/// Rectangles alone, with edges on whole pixels: smooth ones would be ten times the work.
+/// Rectangles and a picture, with edges on whole pixels: smooth ones would be ten times the work. It reaches under the
+/// cheeks, since with odd scales a point is no whole number of pixels.
 void drawFace(QPainter& painter, const PanelLayout& layout, const PanelColours& c)
 {
     const QRectF& face = layout.face;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing, false);
-    painter.setClipRect(face, Qt::IntersectClip);
+    painter.setClipRect(face.adjusted(-1, 0, 1, 0), Qt::IntersectClip);
     drawMetal(painter, face, c);
     drawLights(painter, face);
     painter.fillRect(QRectF(face.left(), face.top() + 1, face.width(), 1), faded(c.edgeLight, 160));
@@ -259,6 +262,7 @@ void drawRule(QPainter& painter, double x, const QRectF& display, const PanelCol
 void drawPanel(QPainter& painter, const PanelLayout& layout, const PanelColours& c, const QFont& font)
 {
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.setLayoutDirection(Qt::LeftToRight); // what is printed on the hardware is so in every language
     const double s = layout.scale;
     drawFace(painter, layout, c);
     drawCheeks(painter, layout, c);

@@ -74,7 +74,7 @@ PotLook Pot::look() const
     return look;
 }
 
-void Pot::begin()
+void Pot::beginDrawing()
 {
     beginPot(size(), devicePixelRatioF(), look(), panelColours(palette()));
 }

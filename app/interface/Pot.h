@@ -23,7 +23,7 @@ public:
     void setDropTarget(bool isTarget);
 
     /// Begins to draw what painting it will need, while something else is painted.
-    void begin();
+    void beginDrawing();
 
 Q_SIGNALS:
     /// The mouse has pulled far enough for a drag; no click follows.

@@ -272,8 +272,8 @@ struct Body {
     }
 };
 
-/// A body that one of Qt's threads draws. Not only for the time that passes meanwhile: outside of these threads Qt shares
-/// every larger shape out among them, which takes longer than to draw it.
+/// A body that one of Qt's threads draws. Not only for the time that passes meanwhile: outside of these threads Qt 6.4
+/// shares every larger shape out among them, which takes longer than to draw it.
 class Sketch {
 public:
     explicit Sketch(const Body& body) : key_(body.key()), work_(std::make_shared<Work>())
@@ -302,8 +302,8 @@ private:
     std::shared_ptr<Work> work_;
 };
 
-/// The last one begun, until it is taken.
-std::optional<Sketch>& begun()
+/// The last one, until it is taken.
+std::optional<Sketch>& lastSketch()
 {
     static std::optional<Sketch> sketch;
     return sketch;
@@ -315,10 +315,10 @@ QPixmap pictureOf(const Body& body)
     QPixmap picture;
     if (QPixmapCache::find(key, &picture))
         return picture;
-    if (!begun() || !begun()->isOf(key))
-        begun().emplace(body);
-    picture = begun()->take();
-    begun().reset();
+    if (!lastSketch() || !lastSketch()->isOf(key))
+        lastSketch().emplace(body);
+    picture = lastSketch()->take();
+    lastSketch().reset();
     QPixmapCache::insert(key, picture);
     return picture;
 }
@@ -330,8 +330,8 @@ void beginPot(const QSizeF& size, double scale, const PotLook& look, const Panel
     const Body body{size, scale, look, colours};
     const QString key = body.key();
     QPixmap picture;
-    if (!size.isEmpty() && !QPixmapCache::find(key, &picture) && (!begun() || !begun()->isOf(key)))
-        begun().emplace(body);
+    if (!size.isEmpty() && !QPixmapCache::find(key, &picture) && (!lastSketch() || !lastSketch()->isOf(key)))
+        lastSketch().emplace(body);
 }
 
 void drawPot(QPainter& painter, const QRectF& square, const PotLook& look, const PanelColours& colours,

@@ -26,7 +26,6 @@ QLineEdit* makeLine(const char* name);
 QPlainTextEdit* makeTextBox(const char* name, const QString& accessibleName);
 /// A heading over a list or a group; not an outlet.
 QLabel* makeHeading(const QString& text);
-/// The same in smaller letters, before the buttons that it names.
 /// A line between groups of buttons.
 QWidget* makeSeparator();
 

@@ -35,24 +35,26 @@ QImage pictureOf(QSvgRenderer& drawing, int pixels)
 
 int main(int argc, char* argv[])
 {
-    if (argc < 5)
+    const QByteArray kind(argc > 1 ? argv[1] : "");
+    const bool isSymbol = kind == "symbol";
+    if (argc < 5 || (!isSymbol && kind != "icon"))
         fail(QStringLiteral("usage: icon_compiler symbol|icon DRAWING FILE PIXELS..."));
-    const bool isSymbol = QByteArray(argv[1]) == "symbol";
     QSvgRenderer drawing(QString::fromLocal8Bit(argv[2]));
     if (!drawing.isValid() || drawing.viewBoxF().width() != drawing.viewBoxF().height())
         fail(QString::fromLocal8Bit(argv[2]) + QStringLiteral(" is no square drawing"));
     QFile file(QString::fromLocal8Bit(argv[3]));
     if (!file.open(QFile::WriteOnly))
         fail(file.errorString());
+    bool isWhole = true;
     for (int at = 4; at < argc; ++at) {
         QImage picture = pictureOf(drawing, std::atoi(argv[at]));
         if (isSymbol)
             picture.convertTo(QImage::Format_Alpha8);
         const qint64 row = qint64{picture.width()} * picture.depth() / 8;
         for (int y = 0; y < picture.height(); ++y)
-            file.write(reinterpret_cast<const char*>(picture.constScanLine(y)), row);
+            isWhole &= file.write(reinterpret_cast<const char*>(picture.constScanLine(y)), row) == row;
     }
-    if (!file.flush())
+    if (!isWhole || !file.flush())
         fail(file.errorString());
     return 0;
 }

@@ -11,16 +11,10 @@ namespace platform::qt {
 
 namespace {
 
-QColor mixed(const QColor& a, const QColor& b, double shareOfA)
-{
-    const auto mix = [shareOfA](int from, int to) { return qRound(from * shareOfA + to * (1 - shareOfA)); };
-    return {mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue())};
-}
-
 /// Well over the contrast of 3 to 1 that the outline of a control needs, in light and dark colours alike.
 QColor outlineColour(const QStyleOption& option)
 {
-    return mixed(option.palette.color(QPalette::WindowText), option.palette.color(QPalette::Window), 0.6);
+    return mixed(option.palette.color(QPalette::Window), option.palette.color(QPalette::WindowText), 0.6);
 }
 
 /// The selection's colour where it stands out from the window, else the text's.
@@ -47,7 +41,7 @@ void drawOutline(QPainter& painter, const QRect& rect, const QPen& pen, bool isR
     painter.restore();
 }
 
-/// A flat button: Qt's own has two gradients and three outlines, which for all the buttons of a window takes longer than
+/// A flat button, as what Return presses outlined like what has the focus. Qt's own has two gradients and three outlines, which for all the buttons of a window takes longer than
 /// everything else on them.
 void drawButton(QPainter& painter, const QStyleOption& option, bool isDefault)
 {
@@ -57,21 +51,23 @@ void drawButton(QPainter& painter, const QStyleOption& option, bool isDefault)
     const bool isDown = option.state.testFlag(QStyle::State_Sunken) || option.state.testFlag(QStyle::State_On);
     const bool isHovered = option.state.testFlag(QStyle::State_MouseOver);
     // Raised towards the light, pressed towards the dark, whatever the colours of the desktop.
-    QColor face = mixed(Qt::white, palette.color(QPalette::Button), ground.lightness() < 128 ? 0.09 : 0.55);
+    QColor face = mixed(palette.color(QPalette::Button), Qt::white, ground.lightness() < 128 ? 0.09 : 0.55);
     if (isDefault)
-        face = mixed(palette.color(QPalette::Highlight), face, 0.22);
+        face = mixed(face, palette.color(QPalette::Highlight), 0.22);
     if (!isEnabled)
-        face = mixed(face, ground, 0.4);
+        face = mixed(face, ground, 0.6);
     else if (isDown)
-        face = mixed(Qt::black, palette.color(QPalette::Button), 0.14);
+        face = mixed(palette.color(QPalette::Button), Qt::black, 0.14);
     else if (isHovered)
-        face = mixed(palette.color(QPalette::Highlight), face, 0.1);
+        face = mixed(face, palette.color(QPalette::Highlight), 0.1);
     const double strength = !isEnabled ? 0.14 : isHovered ? 0.45 : 0.3;
     const QRectF rect(option.rect);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(mixed(palette.color(QPalette::Active, QPalette::WindowText), ground, strength));
+    painter.setBrush(isDefault && isEnabled
+                         ? focusColour(option)
+                         : mixed(ground, palette.color(QPalette::Active, QPalette::WindowText), strength));
     painter.drawRoundedRect(rect, 3, 3);
     painter.setBrush(face);
     painter.drawRoundedRect(rect.adjusted(1, 1, -1, -1), 2, 2);

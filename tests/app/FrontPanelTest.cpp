@@ -169,6 +169,44 @@ TEST_F(FrontPanelTest, LooksAsItShouldInBothSchemes)
     }
 }
 
+TEST_F(FrontPanelTest, PaintsAllOfItselfAtEverySizeAndScale)
+{
+    // Nothing is painted under it, so what it leaves out would keep what was there before.
+    const QColor untouched(255, 0, 255);
+    for (const double scale : {1.0, 1.1, 1.25, 1.35, 1.5, 1.75, 2.0, 3.0}) {
+        for (int width = 900; width < 1300; width += 47) {
+            panel_->resize(width, 230 + (width - 900) / 2);
+            QImage image((QSizeF(panel_->size()) * scale).toSize() - QSize(1, 1), QImage::Format_RGB32);
+            image.setDevicePixelRatio(scale);
+            image.fill(untouched);
+            panel_->render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+            int left = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+                for (int x = 0; x < image.width(); ++x)
+                    left += qRed(row[x]) > qGreen(row[x]) + 60 && qBlue(row[x]) > qGreen(row[x]) + 60 ? 1 : 0;
+            }
+            EXPECT_EQ(left, 0) << scale << " " << width;
+        }
+    }
+}
+
+TEST_F(FrontPanelTest, CanBeOfAnySize)
+{
+    for (const QSize size : {QSize(1, 1), QSize(20, 60), QSize(28, 60), QSize(3000, 40), QSize(60, 2000)}) {
+        panel_->resize(size);
+        EXPECT_EQ(pictureOf(*panel_).size(), size);
+    }
+}
+
+TEST_F(FrontPanelTest, WhatIsPrintedOnItStandsAsOnTheHardwareInEveryLanguage)
+{
+    const QRect printed(20, 2, 240, 50);
+    const QImage before = pictureOf(*panel_).copy(printed);
+    panel_->setLayoutDirection(Qt::RightToLeft);
+    EXPECT_EQ(pictureOf(*panel_).copy(printed), before);
+}
+
 TEST_F(FrontPanelTest, ThePictureShowsAPotThatIsThreePixelsOff)
 {
     showExample();

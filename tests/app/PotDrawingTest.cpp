@@ -4,17 +4,22 @@
 
 #include <gtest/gtest.h>
 
+#include <QElapsedTimer>
 #include <QFontInfo>
 #include <QImage>
 #include <QPainter>
 #include <QPalette>
 #include <QPixmapCache>
+#include <QSemaphore>
+#include <QThreadPool>
 
 #include <cmath>
 
 namespace interface {
 
 namespace {
+
+int warnings = 0; ///< of Qt
 
 const QSizeF kSize(122, 122);
 constexpr double kScale = 2;
@@ -71,10 +76,32 @@ TEST_F(PotDrawingTest, LooksTheSameHoweverItWasBegun)
     EXPECT_NE(drawn(plain_), drawn(faint_));
 }
 
+TEST_F(PotDrawingTest, WhatWasBegunIsThereWhenItIsDrawn)
+{
+    QThreadPool& threads = *QThreadPool::globalInstance();
+    const int most = threads.maxThreadCount();
+    threads.setMaxThreadCount(1);
+    begin(plain_);
+    threads.waitForDone();
+    QSemaphore end;
+    threads.start([&end] { end.tryAcquire(1, 3000); }); // the only thread has something else to do
+    QElapsedTimer timer;
+    timer.start();
+    drawn(plain_);
+    EXPECT_LT(timer.elapsed(), 2000);
+    end.release();
+    threads.waitForDone();
+    threads.setMaxThreadCount(most);
+}
+
 TEST_F(PotDrawingTest, NothingIsBegunForAPotWithoutRoom)
 {
+    warnings = 0;
+    const auto before = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) { ++warnings; });
     begin(plain_, QSizeF(0, 0));
-    EXPECT_FALSE(drawn(plain_).isNull());
+    QThreadPool::globalInstance()->waitForDone();
+    qInstallMessageHandler(before);
+    EXPECT_EQ(warnings, 0);
 }
 
 TEST(NumberFont, IsAsHighAsAskedForWhateverTheDesktopsFont)

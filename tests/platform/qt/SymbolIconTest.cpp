@@ -8,6 +8,8 @@
 #include <QPainter>
 #include <QPalette>
 
+#include <initializer_list>
+
 using platform::qt::applicationIcon;
 using platform::qt::symbolIcon;
 using platform::qt::symbolNames;
@@ -198,11 +200,27 @@ TEST_F(SymbolIconTest, HasTheSharpnessOfTheScreen)
     EXPECT_EQ(screen, sharp);
 }
 
+/// Not one picture made smaller: each size was drawn for itself.
+void expectSharp(const QIcon& icon, std::initializer_list<int> sizes, int largest)
+{
+    const QImage large = picture(icon, largest);
+    for (const int size : sizes) {
+        const QImage smaller = large.scaled(size, size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        EXPECT_NE(picture(icon, size), smaller.convertToFormat(picture(icon, size).format())) << size;
+    }
+}
+
+TEST_F(SymbolIconTest, IsDrawnForTheSizesOfTheScreens)
+{
+    expectSharp(symbolIcon(QStringLiteral("help")), {16, 20, 24, 32, 48}, 64);
+    expectSharp(applicationIcon(), {16, 32, 48, 64}, 96);
+}
+
 TEST_F(SymbolIconTest, OddRequestsGiveNothingAndNoHarm)
 {
     EXPECT_TRUE(symbolIcon(QStringLiteral("no-such-symbol")).isNull());
     EXPECT_TRUE(symbolIcon(QString()).isNull());
-    EXPECT_TRUE(symbolIcon(QStringLiteral("../icon/16")).isNull());
+    EXPECT_TRUE(symbolIcon(QStringLiteral("../icon/application")).isNull());
     EXPECT_TRUE(symbolIcon(QStringLiteral("save")).pixmap(QSize(0, 0)).isNull());
 }
 
