@@ -195,8 +195,7 @@ void FrontPanel::paintEvent(QPaintEvent*)
     const PanelColours& colours = panelColours(palette());
     pots_.front()->beginDrawing(); // most pots look like it, and its picture takes as long as the face
     QPainter painter(this);
-    // Up to under the face's edges: with odd scales a point is no whole number of pixels.
-    const QRegion beside = QRegion(rect()) - layout_.face.toRect().adjusted(1, 1, -1, -1);
+    const QRegion beside = QRegion(rect()) - layout_.face.toRect();
     for (const QRect& part : beside)
         painter.fillRect(part, palette().window());
     drawPanel(painter, layout_, colours, font());
