@@ -175,7 +175,7 @@ TEST_F(FrontPanelTest, PaintsAllOfItselfAtEverySizeAndScale)
     // Nothing is painted under it, so what it leaves out would keep what was there before.
     const QColor untouched(255, 0, 255);
     for (const double scale : {1.0, 1.1, 1.25, 1.35, 1.5, 1.75, 2.0, 3.0}) {
-        for (int width = 900; width < 1300; width += 47) {
+        for (int width = 900; width < 1300; width += 13) {
             panel_->resize(width, 230 + (width - 900) / 2);
             QImage image((QSizeF(panel_->size()) * scale).toSize() - QSize(1, 1), QImage::Format_RGB32);
             image.setDevicePixelRatio(scale);
