@@ -119,6 +119,7 @@ class Model:
         self.edited = None  # name of the plug-in whose file is at the path
         self.mapping = []
         self.list = []
+        self.offered = []  # the list, or while a scan, which is no edit, has emptied it, the one before
         self.selected = -1
         self.total, self.current, self.mode, self.cell = 1, 1, 0, 0
         self.pots = [""] * 8
@@ -176,25 +177,26 @@ class Model:
     # The history
 
     def snapshot(self):
-        return ([list(e) for e in self.mapping], [list(e) for e in self.list], self.total, self.current, self.mode)
+        self.offered = self.list or self.offered
+        return ([list(e) for e in self.mapping], [list(e) for e in self.offered], self.total, self.current, self.mode)
 
     def edit(self, action):
         before, path = self.snapshot(), self.path
         action()
         after = self.snapshot()
-        # An empty list is that of a rescan, which is no edit.
-        is_other_list = before[1] != after[1] and before[1] and after[1]
         if self.path != path:
             self.undos, self.redos = [], []
-        elif is_other_list or (before[0], before[2], before[4]) != (after[0], after[2], after[4]):
+        elif (before[:3], before[4]) != (after[:3], after[4]):
             self.undos.append((before, after))
             self.redos = []
 
     def go_to(self, there, back):
         self.mapping = [list(e) for e in there[0]]
-        if there[1] != back[1] and there[1] and self.is_edited():
-            self.list = [list(e) for e in there[1]]
-            self.selected = 0
+        if there[1] != back[1]:
+            self.offered = [list(e) for e in there[1]]
+            if self.is_edited():
+                self.list = self.offered
+                self.selected = 0
         self.total, self.mode = there[2], there[4]
         self.refresh(there[3])
         if there[4] != back[4]:
@@ -224,6 +226,7 @@ class Model:
 
     def scan(self, _):
         self.row = None
+        self.offered = self.list or self.offered
         self.listed = {name for name in self.plugins if FILE in self.folders[name].files}
         self.list, self.selected = [], -1
         self.title, self.help = "Please Select a plugin", "Please Select a Plugin"
