@@ -92,8 +92,8 @@ void ViewController::finishEdit(const std::string& name, const mapping::EditingS
         ++historyRevision_;
         return;
     }
-    auto change = std::make_shared<const mapping::EditingChange>(mapping::changeSince(
-        before, mapping::plistBuild, offeredParameters(), editingNumbers()));
+    auto change = std::make_shared<const mapping::EditingChange>(
+        mapping::changeSince(before, mapping::plistBuild, offeredParameters(), editingNumbers()));
     if (change->isEmpty())
         return;
     ++historyRevision_;

@@ -25,6 +25,58 @@ std::string reasonFor(int error)
     return std::generic_category().message(error);
 }
 
+#ifdef __linux__
+/// readdir() without its detours: it asks twice more what the descriptor is, and takes a buffer for each folder.
+class FolderReader {
+public:
+    /// Answers false, with errno, where not all entries could be read.
+    template <typename Each>
+    bool forEachEntry(int folder, Each each)
+    {
+        for (;;) {
+            const ssize_t size = ::getdents64(folder, buffer_, sizeof buffer_);
+            if (size <= 0)
+                return size == 0 || errno == ENOENT; // the folder was removed meanwhile, so there are none
+            for (ssize_t at = 0; at < size;) {
+                const auto* entry = reinterpret_cast<const dirent64*>(buffer_ + at);
+                each(entry->d_name, entry->d_type);
+                at += entry->d_reclen;
+            }
+        }
+    }
+
+private:
+    alignas(dirent64) char buffer_[32768];
+};
+#else
+class FolderReader {
+public:
+    /// Answers false, with errno, where not all entries could be read.
+    template <typename Each>
+    bool forEachEntry(int folder, Each each)
+    {
+        const int own = ::fcntl(folder, F_DUPFD_CLOEXEC, 0); // or closing the stream would close the folder
+        DIR* const stream = own < 0 ? nullptr : ::fdopendir(own);
+        if (!stream) {
+            const int error = errno;
+            if (own >= 0)
+                ::close(own);
+            errno = error;
+            return false;
+        }
+        errno = 0;
+        while (const dirent* entry = ::readdir(stream)) {
+            each(entry->d_name, entry->d_type);
+            errno = 0;
+        }
+        const int error = errno;
+        ::closedir(stream);
+        errno = error;
+        return error == 0;
+    }
+};
+#endif
+
 class Walk {
 public:
     Walk(const std::string& root, const FolderWalkHandlers& handlers) : handlers_(handlers), path_(root)
@@ -54,9 +106,8 @@ public:
 
 private:
     struct Level {
-        DIR* stream = nullptr; ///< null once the folder was closed for want of descriptors
-        int folder = -1;       ///< the stream's while there is one; -1 while closed
-        dev_t device = 0;      ///< who a closed folder is, to be sure when coming back through ".."
+        int folder = -1;  ///< -1 once the folder was closed for want of descriptors
+        dev_t device = 0; ///< who a closed folder is, to be sure when coming back through ".."
         ino_t node = 0;
         std::size_t pathSize = 0;  ///< length of the folder's own path in path_
         std::size_t firstName = 0; ///< where the folder's entries begin in names_
@@ -90,14 +141,13 @@ private:
             return;
         }
         Level level;
-        level.stream = ::fdopendir(folder);
         level.folder = folder;
         level.pathSize = path_.size();
         level.firstName = level.next = names_.size();
         levels_.push_back(level); // before any handler is called, which may throw
-        if (level.stream)
-            readNames(level.stream, folder);
-        else
+        const bool isRead =
+            reader_.forEachEntry(folder, [&](const char* name, unsigned char type) { keepName(folder, name, type); });
+        if (!isRead)
             handlers_.unreadable(path_, reasonFor(errno));
         if (levels_.size() > kOpenLevels)
             closeForNow(levels_[levels_.size() - 1 - kOpenLevels]);
@@ -105,9 +155,7 @@ private:
 
     static void close(Level& level)
     {
-        if (level.stream)
-            ::closedir(std::exchange(level.stream, nullptr));
-        else if (level.folder >= 0)
+        if (level.folder >= 0)
             ::close(level.folder);
         level.folder = -1;
     }
@@ -122,26 +170,18 @@ private:
         close(level);
     }
 
-    void readNames(DIR* stream, int folder)
+    void keepName(int folder, const char* entry, unsigned char typeHint)
     {
-        for (;;) {
-            errno = 0;
-            const dirent* entry = ::readdir(stream);
-            if (!entry)
-                break;
-            const std::string_view name = entry->d_name;
-            if (name == "." || name == "..")
-                continue;
-            const auto folderAnswer = isFolder(folder, entry->d_name, entry->d_type);
-            const auto kind = !folderAnswer   ? WalkedItem::Kind::unknown
-                              : *folderAnswer ? WalkedItem::Kind::folder
-                                              : WalkedItem::Kind::file;
-            names_ += static_cast<char>(kind);
-            names_ += name;
-            names_ += '\0';
-        }
-        if (errno != 0)
-            handlers_.unreadable(path_, reasonFor(errno));
+        const std::string_view name = entry;
+        if (name == "." || name == "..")
+            return;
+        const auto folderAnswer = isFolder(folder, entry, typeHint);
+        const auto kind = !folderAnswer   ? WalkedItem::Kind::unknown
+                          : *folderAnswer ? WalkedItem::Kind::folder
+                                          : WalkedItem::Kind::file;
+        names_ += static_cast<char>(kind);
+        names_ += name;
+        names_ += '\0';
     }
 
     void leaveFolder()
@@ -169,6 +209,7 @@ private:
     }
 
     const FolderWalkHandlers& handlers_;
+    FolderReader reader_;
     std::string path_;
     std::string names_; ///< the entries of all levels, one level after the other
     std::vector<Level> levels_;

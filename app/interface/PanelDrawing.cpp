@@ -54,7 +54,8 @@ void drawMetal(QPainter& painter, const QRectF& face, const PanelColours& c)
     }
 }
 
-/// Two soft lights above the bench. Blended as a picture, a part of the height at a time: half as much work as gradients.
+/// Two soft lights above the bench. Blended as a picture, a part of the height at a time: half as much work as
+/// gradients.
 void drawLights(QPainter& painter, const QRectF& face)
 {
     constexpr int kHeight = 8;
@@ -121,20 +122,21 @@ void grainRow(QRgb* row, int width, double scale, double down, const PanelColour
         row[x] = light > 0 ? over(row[x], qRgb(255, 255, 255), light) : over(row[x], qRgb(0, 0, 0), shadow);
 }
 
-/// Of a pixel of the left cheek, so far in from the end and the side, in points: its part of the panel's outline, and what
-/// of it is missing where the corner is round.
+/// Of a pixel of the left cheek, so far in from the end and the side, in points: its part of the panel's outline, and
+/// what of it is missing where the corner is round.
 QRgb edged(QRgb wood, double fromEnd, double fromSide, double radius, double scale, const QColor& outline)
 {
     const bool isCorner = fromEnd < radius && fromSide < radius;
-    const double depth = isCorner ? radius - std::hypot(radius - fromEnd, radius - fromSide) : std::min(fromEnd, fromSide);
+    const double depth =
+        isCorner ? radius - std::hypot(radius - fromEnd, radius - fromSide) : std::min(fromEnd, fromSide);
     const double outlined = std::clamp((1 - depth) * scale + 0.5, 0.0, 1.0);
     const double covered = std::clamp(depth * scale + 0.5, 0.0, 1.0);
     const QRgb edge = over(wood, outline.rgb(), outline.alphaF() * outlined);
     return qPremultiply(qRgba(qRed(edge), qGreen(edge), qBlue(edge), static_cast<int>(255 * covered)));
 }
 
-/// The left cheek, and its shadow on the face. Made pixel by pixel: shapes as long and thin as the grain are what a painter
-/// is slowest at.
+/// The left cheek, and its shadow on the face. Made pixel by pixel: shapes as long and thin as the grain are what a
+/// painter is slowest at.
 QImage cheekOf(const QSizeF& size, double radius, double scale, const PanelColours& c)
 {
     QImage picture((QSizeF(size.width() + kCheekShadow, size.height()) * scale).toSize(),

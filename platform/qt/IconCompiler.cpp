@@ -1,6 +1,6 @@
 // Run by the build: draws what the program would draw anew at each of its starts. Writes the pictures of a drawing one
-// after the other, each as its rows of pixels from top to bottom with nothing between: of a symbol how far each pixel is
-// covered (QImage::Format_Alpha8), of an icon its colours (QImage::Format_ARGB32_Premultiplied).
+// after the other, each as its rows of pixels from top to bottom with nothing between: of a symbol how far each pixel
+// is covered (QImage::Format_Alpha8), of an icon its colours (QImage::Format_ARGB32_Premultiplied).
 //
 //   icon_compiler symbol|icon DRAWING.svg FILE PIXELS...
 

@@ -92,8 +92,7 @@ class SymbolEngine final : public QIconEngine {
 public:
     explicit SymbolEngine(QString name)
         : name_(std::move(name)), pictures_{kSymbols + name_, QImage::Format_Alpha8, kSymbolSizes}
-    {
-    }
+    {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override
     {

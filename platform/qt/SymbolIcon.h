@@ -10,8 +10,8 @@ namespace platform::qt {
 /// The names of all symbols, sorted.
 QStringList symbolNames();
 
-/// The symbol in the palette's colour for texts on buttons, at any size and scale, sharp up to 64 pixels; a null icon when no symbol is called
-/// so. Needs an application to be painted, not to be made.
+/// The symbol in the palette's colour for texts on buttons, at any size and scale, sharp up to 64 pixels; a null icon
+/// when no symbol is called so. Needs an application to be painted, not to be made.
 QIcon symbolIcon(const QString& name);
 
 /// The program's own icon, in its own colours, for title bars and switchers. What shows it larger has the picture that

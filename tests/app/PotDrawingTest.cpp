@@ -97,7 +97,8 @@ TEST_F(PotDrawingTest, WhatWasBegunIsThereWhenItIsDrawn)
 TEST_F(PotDrawingTest, NothingIsBegunForAPotWithoutRoom)
 {
     warnings = 0;
-    const auto before = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) { ++warnings; });
+    const auto before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) { ++warnings; });
     begin(plain_, QSizeF(0, 0));
     QThreadPool::globalInstance()->waitForDone();
     qInstallMessageHandler(before);

@@ -1,5 +1,6 @@
 #include "tests/plugins/UnhelpfulFileSystem.h"
 
+#include <cstddef>
 #include <optional>
 #include <utility>
 
@@ -16,17 +17,19 @@ std::optional<std::string> theVanishing;
 
 #if defined(__linux__)
 // The program's own function comes before the system's.
-extern "C" dirent* readdir(DIR* stream)
+extern "C" ssize_t getdents64(int folder, void* buffer, std::size_t room)
 {
-    using Function = dirent* (*)(DIR*);
-    static const auto systems = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "readdir"));
-    dirent* entry = systems(stream);
-    if (!entry || !theVanishing)
-        return entry;
-    entry->d_type = DT_UNKNOWN;
-    if (*theVanishing == entry->d_name)
-        ::unlinkat(::dirfd(stream), entry->d_name, 0);
-    return entry;
+    using Function = ssize_t (*)(int, void*, std::size_t);
+    static const auto systems = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "getdents64"));
+    const ssize_t size = systems(folder, buffer, room);
+    for (ssize_t at = 0; theVanishing && at < size;) {
+        auto* entry = reinterpret_cast<dirent64*>(static_cast<char*>(buffer) + at);
+        entry->d_type = DT_UNKNOWN;
+        if (*theVanishing == entry->d_name)
+            ::unlinkat(folder, entry->d_name, 0);
+        at += entry->d_reclen;
+    }
+    return size;
 }
 #endif
 

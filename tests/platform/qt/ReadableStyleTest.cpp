@@ -96,8 +96,8 @@ int difference(const QImage& one, const QImage& other)
     for (int y = 0; y < one.height(); ++y) {
         for (int x = 0; x < one.width(); ++x) {
             const QRgb a = one.pixel(x, y), b = other.pixel(x, y);
-            most = std::max({most, std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
-                             std::abs(qBlue(a) - qBlue(b))});
+            most = std::max(
+                {most, std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
         }
     }
     return most;
@@ -109,8 +109,9 @@ TEST_P(ReadableStyleTest, AButtonShowsWhatItIsAndItsTextCanBeRead)
     const QStyle::State on = QStyle::State_Enabled;
     const QStyle::State hovered = on | QStyle::State_MouseOver;
     const QStyle::State pressed = on | QStyle::State_Sunken;
-    const QImage panels[] = {buttonPanel(on),         buttonPanel(hovered),       buttonPanel(pressed), buttonPanel({}),
-                             buttonPanel(on, true),   buttonPanel(hovered, true), buttonPanel(pressed, true)};
+    const QImage panels[] = {buttonPanel(on),           buttonPanel(hovered),  buttonPanel(pressed),
+                             buttonPanel({}),           buttonPanel(on, true), buttonPanel(hovered, true),
+                             buttonPanel(pressed, true)};
     const QColor text = QApplication::palette().color(QPalette::Active, QPalette::ButtonText);
     for (const QImage& panel : panels) {
         for (const QImage& other : panels) {
