@@ -1,6 +1,7 @@
 #include "platform/qt/TransferHttp.h"
 
 #include <QApplication>
+#include <QTimer>
 #include <QWidget>
 
 #include <utility>
@@ -14,6 +15,8 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kRepaintAfter{50};
 constexpr milliseconds kRepaintEvery{200};
+/// The end of a process takes the system a while, for which nobody need wait: least of all the start.
+constexpr milliseconds kClearAwayAfter{1000};
 
 class BusyPointer {
 public:
@@ -64,7 +67,7 @@ std::optional<std::string> TransferHttp::post(const std::string& address, const 
     const BusyPointer busy;
     if (prepared_ && prepared_->isReadable(milliseconds(0)))
         prepared_.reset(); // without a request it has nothing to say but that it has ended
-    const auto process = prepared_ ? std::move(prepared_) : startTransfer();
+    auto process = prepared_ ? std::move(prepared_) : startTransfer();
     process->send({address, true, contentType, std::string(body), limits_.stall, limits_.reply});
     std::string reply;
     const transfer::TransferProcess::Listener listener = {[](std::int64_t) {},
@@ -80,7 +83,10 @@ std::optional<std::string> TransferHttp::post(const std::string& address, const 
             process->failIfSilent();
         repaint.whenDue();
     }
-    return process->outcome()->isWhole ? std::optional(std::move(reply)) : std::nullopt;
+    const bool isWhole = process->outcome()->isWhole;
+    ended_ = std::move(process);
+    QTimer::singleShot(kClearAwayAfter, &downloads_, [this] { ended_.reset(); });
+    return isWhole ? std::optional(std::move(reply)) : std::nullopt;
 }
 
 void TransferHttp::download(const std::string& address, const std::filesystem::path& destination,

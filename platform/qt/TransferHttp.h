@@ -36,6 +36,7 @@ private:
     CompletionGate& gate_;
     Limits limits_;
     std::unique_ptr<transfer::TransferProcess> prepared_;
+    std::unique_ptr<transfer::TransferProcess> ended_; ///< the last request's
     TransferDownloads downloads_;
 };
 

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
+#include <QTest>
 
 #include <csignal>
 #include <fstream>
@@ -312,6 +313,17 @@ TEST_F(Post, NeedsNoPreparedProcessThatHasDied)
     ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(prepared), &ended, WEXITED | WNOWAIT), 0);
     EXPECT_EQ(post("once"), "reply");
     EXPECT_EQ(peer_.requests().size(), 1u);
+}
+
+TEST_F(Post, ClearsItsProcessAwaySoonAfterwards)
+{
+    peer_.play(support::reply("reply"));
+    EXPECT_EQ(post("once"), "reply");
+    const auto areChildrenLeft = [] {
+        siginfo_t ended = {};
+        return ::waitid(P_ALL, 0, &ended, WEXITED | WNOHANG | WNOWAIT) == 0;
+    };
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !areChildrenLeft(); }, 10'000));
 }
 #endif
 
