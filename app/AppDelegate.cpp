@@ -1,7 +1,7 @@
 #include "app/AppDelegate.h"
 
-#include "platform/Directory.h"
 #include "platform/Error.h"
+#include "platform/files/Directory.h"
 
 #include <utility>
 

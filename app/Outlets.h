@@ -3,9 +3,9 @@
 // every one of them alive, and each accessor is indivisible; `labLoggedInAs` alone is a plain reference that owns
 // nothing and is left alone when the controller goes.
 
-#include "platform/ArrayController.h"
-#include "platform/Controls.h"
-#include "platform/Outlet.h"
+#include "platform/controls/ArrayController.h"
+#include "platform/controls/Controls.h"
+#include "platform/controls/Outlet.h"
 
 #include <memory>
 

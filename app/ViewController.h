@@ -6,7 +6,7 @@
 //   Shell                  app/ViewController.cpp
 //   Plug-in library        plugins/ViewControllerPlugins.cpp
 //   Mapping document       mapping/ViewControllerMapping.cpp
-//   History                mapping/ViewControllerHistory.cpp
+//   History                app/ViewControllerHistory.cpp
 //   Control panel          panel/ViewControllerPanel.cpp
 //   Pages                  panel/ViewControllerPages.cpp
 //   Assignment             panel/ViewControllerAssignment.cpp

@@ -1,10 +1,10 @@
 // What a user does with a plug-in of ten thousand parameters: choose it, press a pot, search.
 
-#include "app/interface/FrontPanel.h"
+#include "app/interface/panel/FrontPanel.h"
 #include "bench/Figure.h"
 #include "bench/LoadedWindow.h"
-#include "platform/Files.h"
-#include "platform/PropertyList.h"
+#include "platform/files/Files.h"
+#include "platform/plist/PropertyList.h"
 
 #include <QImage>
 #include <QLineEdit>

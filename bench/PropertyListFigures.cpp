@@ -4,8 +4,8 @@
 
 #include "bench/ChildProcess.h"
 #include "bench/Figure.h"
-#include "platform/Files.h"
-#include "platform/PropertyList.h"
+#include "platform/files/Files.h"
+#include "platform/plist/PropertyList.h"
 #include "tests/support/OrderFiles.h"
 #include "tests/support/TemporaryFolder.h"
 

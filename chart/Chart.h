@@ -2,7 +2,7 @@
 // The HTML chart of a whole mapping: one table row a page, one cell a pot. Names go into the markup exactly as they
 // are, unescaped; that is meant.
 
-#include "platform/Record.h"
+#include "platform/controls/Record.h"
 
 #include <cstdint>
 #include <string>

@@ -2,7 +2,7 @@
 #include "chart/Chart.h"
 #include "chart/ChartState.h"
 #include "mapping/EditingState.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 #include "plugins/PluginScan.h"
 
 void ViewController::writebHTMLDataAndRowEndAndLabelPre(std::int32_t first, std::int32_t last, const std::string& title)

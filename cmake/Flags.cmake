@@ -2,7 +2,6 @@
 add_library(kv_flags INTERFACE)
 target_compile_features(kv_flags INTERFACE cxx_std_20)
 set(CMAKE_CXX_EXTENSIONS OFF)
-target_include_directories(kv_flags INTERFACE "${PROJECT_SOURCE_DIR}")
 target_compile_options(kv_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # GCC 12 sees overlaps and overflows in std::string and std::vector that are not there (GCC bugs 105329, 105651).
@@ -26,9 +25,21 @@ add_library(kv_qt_flags INTERFACE)
 target_compile_definitions(kv_qt_flags INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
 target_link_libraries(kv_qt_flags INTERFACE kv_flags Qt6::Widgets)
 
-# kv_use_qt(target): links Qt, runs moc and compiles Qt's headers once per target.
+# kv_export_headers(target): whoever links it can include the headers of its folder, and nobody else can.
+function(kv_export_headers target)
+    cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY "${PROJECT_SOURCE_DIR}" OUTPUT_VARIABLE folder)
+    set(root "${PROJECT_BINARY_DIR}/include/${folder}")
+    file(MAKE_DIRECTORY "${root}")
+    file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${root}/${folder}" SYMBOLIC)
+    target_include_directories(${target} PUBLIC "${root}")
+endfunction()
+
+# kv_use_qt(target [headers]): links Qt and runs moc. Qt's headers are compiled once, for the target `headers`
+# (platform_qt unless told), whose flags have to be the same.
 function(kv_use_qt target)
     target_link_libraries(${target} PUBLIC kv_qt_flags)
     set_target_properties(${target} PROPERTIES AUTOMOC ON)
-    target_precompile_headers(${target} PRIVATE <QtWidgets>)
+    list(APPEND ARGN platform_qt)
+    list(GET ARGN 0 headers)
+    target_precompile_headers(${target} REUSE_FROM ${headers})
 endfunction()

@@ -1,7 +1,7 @@
 #pragma once
 // The listing of what others shared: the keys that the program reads, and the columns in which an entry is shown.
 
-#include "platform/Record.h"
+#include "platform/controls/Record.h"
 
 #include <optional>
 #include <string>

@@ -1,9 +1,9 @@
+#include "app/ViewControllerOperation.h"
 #include "community/BaseUrl.h"
 #include "community/CommunityState.h"
 #include "community/Listing.h"
 #include "community/Requests.h"
-#include "mapping/ViewControllerOperation.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 #include "plugins/PluginScan.h"
 
 void ViewController::kvCommunityLibrary(Sender)

@@ -4,8 +4,8 @@
 #include "fuzz/Require.h"
 #include "mapping/MappingStore.h"
 #include "mapping/ParameterOrder.h"
-#include "platform/Files.h"
-#include "platform/PropertyList.h"
+#include "platform/files/Files.h"
+#include "platform/plist/PropertyList.h"
 
 #include <cstdlib>
 #include <string>

@@ -1,7 +1,7 @@
 #include "fuzz/Targets.h"
 
 #include "fuzz/Require.h"
-#include "platform/PropertyListCodec.h"
+#include "platform/plist/PropertyListCodec.h"
 
 #include <utility>
 

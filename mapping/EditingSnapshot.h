@@ -2,7 +2,7 @@
 // The editing state at one moment, and what an edit changed of it: what undo and redo go back and forth between. A
 // change holds only the slots that differ, so that a long history of a large mapping stays small.
 
-#include "platform/Record.h"
+#include "platform/controls/Record.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #pragma once
 // The mapping being edited. Process-wide: one plug-in is edited at a time.
 
-#include "platform/Record.h"
+#include "platform/controls/Record.h"
 
 #include <cstdint>
 #include <vector>

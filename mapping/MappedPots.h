@@ -2,7 +2,7 @@
 // On which pots each parameter stands: kept current edit by edit, so that a press on a mapping of ten thousand slots
 // costs what it changed.
 
-#include "platform/Record.h"
+#include "platform/controls/Record.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -2,8 +2,8 @@
 // The three keys of a parameter-order file that are ours to read or write. Every other key of its root dictionary is
 // left alone.
 
-#include "platform/PropertyList.h"
-#include "platform/Record.h"
+#include "platform/controls/Record.h"
+#include "platform/plist/PropertyList.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,7 @@
 #include "mapping/MappingStore.h"
 
 #include "mapping/EditingSnapshot.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include <utility>
 

@@ -4,7 +4,7 @@
 // the order of the steps is what keeps the last good content in a backup.
 
 #include "mapping/MappingFile.h"
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
 
 #include <cstdint>
 #include <ctime>

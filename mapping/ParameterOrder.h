@@ -2,7 +2,7 @@
 // The texts of a parameter-order file and the mapping entries made of them. An element is "NUMBER NAME", split at its
 // first blank; an element without a blank, in practice "-1", is an empty slot.
 
-#include "platform/Record.h"
+#include "platform/controls/Record.h"
 
 #include <cstdint>
 #include <optional>

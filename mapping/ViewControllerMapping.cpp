@@ -1,6 +1,6 @@
+#include "app/ViewControllerOperation.h"
 #include "mapping/EditingState.h"
 #include "mapping/MappingStore.h"
-#include "mapping/ViewControllerOperation.h"
 
 #include <optional>
 #include <utility>

@@ -1,7 +1,7 @@
 #pragma once
 // The mapping as pages of eight slots: where a page begins, what the read-outs say, and the edits of whole pages.
 
-#include "platform/Record.h"
+#include "platform/controls/Record.h"
 
 #include <cstdint>
 #include <string>

@@ -1,8 +1,8 @@
+#include "app/ViewControllerOperation.h"
 #include "chart/Chart.h"
 #include "chart/ChartState.h"
 #include "mapping/EditingState.h"
 #include "mapping/ParameterOrder.h"
-#include "mapping/ViewControllerOperation.h"
 #include "panel/Pages.h"
 #include "plugins/PluginScan.h"
 

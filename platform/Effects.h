@@ -3,8 +3,8 @@
 // well-known folders, the log, preferences, JSON and HTTP, translated texts and undo managers. `main` composes the real
 // ones and hands them over in one Platform.
 
-#include "platform/Record.h"
 #include "platform/UndoManager.h"
+#include "platform/controls/Record.h"
 
 #include <filesystem>
 #include <optional>

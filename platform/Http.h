@@ -6,7 +6,7 @@
 // Both follow redirects as browsers do, ten at most and to http and https only, and end after 60 seconds without
 // progress. Nothing is sent twice.
 
-#include "platform/Property.h"
+#include "platform/controls/Property.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #include "platform/StreamLog.h"
 
-#include "platform/Descriptors.h"
+#include "platform/files/Descriptors.h"
 
 #include <atomic>
 #include <csignal>

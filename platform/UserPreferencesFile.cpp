@@ -1,8 +1,8 @@
 #include "platform/UserPreferences.h"
 
-#include "platform/Directory.h"
-#include "platform/Files.h"
-#include "platform/PropertyList.h"
+#include "platform/files/Directory.h"
+#include "platform/files/Files.h"
+#include "platform/plist/PropertyList.h"
 
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 #include "plugins/PluginScan.h"
 
-#include "platform/FolderWalk.h"
+#include "platform/files/FolderWalk.h"
 
 namespace plugins {
 

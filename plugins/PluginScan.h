@@ -2,7 +2,7 @@
 // Finds the plug-ins whose parameter order can be edited: one row for every file "CSParameterOrder.plist".
 
 #include "platform/Effects.h"
-#include "platform/Record.h"
+#include "platform/controls/Record.h"
 
 #include <optional>
 #include <string>

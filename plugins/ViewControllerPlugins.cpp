@@ -1,6 +1,6 @@
+#include "app/ViewControllerOperation.h"
 #include "mapping/EditingState.h"
 #include "mapping/ParameterOrder.h"
-#include "mapping/ViewControllerOperation.h"
 #include "plugins/PluginScan.h"
 
 #include <utility>

@@ -1,10 +1,10 @@
 #include "app/interface/EditingView.h"
 
 #include "app/ViewController.h"
-#include "app/interface/FrontPanel.h"
 #include "app/interface/Interface.h"
-#include "app/interface/PageOverview.h"
 #include "app/interface/SearchField.h"
+#include "app/interface/panel/FrontPanel.h"
+#include "app/interface/panel/PageOverview.h"
 #include "mapping/EditingState.h"
 #include "mapping/ParameterOrder.h"
 #include "panel/Pages.h"

@@ -3,7 +3,7 @@
 // unsaved, what undo would take back, where parameters are mapped, all pages at a glance, and what to do next where a
 // list is empty. Follows the controller; changes nothing.
 
-#include "platform/Signal.h"
+#include "platform/controls/Signal.h"
 
 #include <QObject>
 #include <QString>

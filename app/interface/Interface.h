@@ -2,7 +2,7 @@
 // The loaded interface: the four windows, their controls, and the wiring of outlets and actions by object name. Keeps
 // the windows and the wiring alive; the controller must outlive it.
 
-#include "platform/Controls.h"
+#include "platform/controls/Controls.h"
 
 #include <QWidget>
 

@@ -1,11 +1,11 @@
 #include "app/interface/MainWindow.h"
 
 #include "app/interface/Fonts.h"
-#include "app/interface/FrontPanel.h"
 #include "app/interface/Menus.h"
-#include "app/interface/PageOverview.h"
 #include "app/interface/SearchField.h"
 #include "app/interface/Widgets.h"
+#include "app/interface/panel/FrontPanel.h"
+#include "app/interface/panel/PageOverview.h"
 #include "platform/qt/ElidedLabel.h"
 #include "platform/qt/RecordListView.h"
 #include "platform/qt/Typing.h"

@@ -2,8 +2,8 @@
 // Ties an observable control to the widget that shows it. A binding lives as long as the widget and keeps the control
 // alive meanwhile.
 
-#include "platform/ArrayController.h"
-#include "platform/Controls.h"
+#include "platform/controls/ArrayController.h"
+#include "platform/controls/Controls.h"
 
 #include <memory>
 

@@ -2,8 +2,8 @@
 // A list of records in columns with one selected row, tied to an array controller and a table view both ways. A row is
 // chosen by a click, by moving to it with the keyboard, or by a click on the row that is chosen already.
 
-#include "platform/ArrayController.h"
-#include "platform/Controls.h"
+#include "platform/controls/ArrayController.h"
+#include "platform/controls/Controls.h"
 
 #include <QTreeView>
 

@@ -1,7 +1,7 @@
 #pragma once
 // Row orders and row filters that need to know how people write: case, digits, accents.
 
-#include "platform/ArrayController.h"
+#include "platform/controls/ArrayController.h"
 
 #include <QString>
 

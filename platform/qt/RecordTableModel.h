@@ -1,7 +1,7 @@
 #pragma once
 // The rows of an array controller for an item view: one column per record key, or of a text made of the record.
 
-#include "platform/ArrayController.h"
+#include "platform/controls/ArrayController.h"
 
 #include <QAbstractTableModel>
 

@@ -1,6 +1,6 @@
 #include "platform/qt/SystemEffects.h"
 
-#include "platform/FileUrl.h"
+#include "platform/files/FileUrl.h"
 #include "platform/qt/CompletionGate.h"
 #include "platform/qt/Text.h"
 

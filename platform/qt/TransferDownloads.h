@@ -2,8 +2,8 @@
 // Downloads into files, each in a process of its own that the event loop listens to. No thread. A completion is handed
 // out when the gate is open, one after the other.
 
-#include "platform/Files.h"
 #include "platform/Http.h"
+#include "platform/files/Files.h"
 #include "platform/qt/CompletionGate.h"
 #include "platform/transfer/TransferProcess.h"
 

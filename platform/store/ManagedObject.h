@@ -1,7 +1,7 @@
 #pragma once
 // The objects of a store, as plain values.
 
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
 
 #include <cstdint>
 #include <map>

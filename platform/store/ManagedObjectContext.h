@@ -3,8 +3,8 @@
 // can be undone. One context at a time works on a store, on the main thread.
 
 #include "platform/Error.h"
-#include "platform/Signal.h"
 #include "platform/UndoManager.h"
+#include "platform/controls/Signal.h"
 #include "platform/store/ManagedObject.h"
 
 #include <functional>

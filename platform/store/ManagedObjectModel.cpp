@@ -1,6 +1,6 @@
 #include "platform/store/ManagedObjectModel.h"
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include <algorithm>
 #include <variant>

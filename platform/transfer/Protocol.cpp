@@ -1,6 +1,6 @@
 #include "platform/transfer/Protocol.h"
 
-#include "platform/Descriptors.h"
+#include "platform/files/Descriptors.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,7 +1,7 @@
 #include "tests/support/WindowTest.h"
 
 #include "chart/ChartState.h"
-#include "platform/FileUrl.h"
+#include "platform/files/FileUrl.h"
 
 #include <QDesktopServices>
 #include <QUrl>

@@ -1,9 +1,9 @@
-#include "app/interface/FrontPanel.h"
+#include "app/interface/panel/FrontPanel.h"
 
-#include "app/interface/DisplayLabel.h"
 #include "app/interface/DragData.h"
-#include "app/interface/PanelColours.h"
-#include "app/interface/Pot.h"
+#include "app/interface/panel/DisplayLabel.h"
+#include "app/interface/panel/PanelColours.h"
+#include "app/interface/panel/Pot.h"
 #include "tests/support/Pictures.h"
 
 #include <QAccessible>

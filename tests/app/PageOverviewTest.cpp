@@ -1,4 +1,4 @@
-#include "app/interface/PageOverview.h"
+#include "app/interface/panel/PageOverview.h"
 
 #include "tests/support/Pictures.h"
 

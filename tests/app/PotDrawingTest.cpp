@@ -1,4 +1,4 @@
-#include "app/interface/PotDrawing.h"
+#include "app/interface/panel/PotDrawing.h"
 
 #include "app/interface/Fonts.h"
 

@@ -1,6 +1,6 @@
 // Downloads into files: the bytes on the wire, the file, and when the program is told.
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 #include "platform/qt/CompletionGate.h"
 #include "platform/qt/TransferHttp.h"
 #include "tests/support/Alerts.h"

@@ -1,5 +1,5 @@
-#include "platform/Files.h"
 #include "platform/UserPreferences.h"
+#include "platform/files/Files.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "mapping/MappingStore.h"
 
 #include "mapping/ParameterOrder.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 #include "tests/support/OrderFiles.h"
 
 #include <gmock/gmock.h>

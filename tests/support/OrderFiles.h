@@ -1,7 +1,7 @@
 #pragma once
 // Parameter-order files for tests, made and read back.
 
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <string>

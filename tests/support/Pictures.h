@@ -17,7 +17,8 @@ namespace support {
 QPalette lightPalette();
 QPalette darkPalette();
 
-/// The program's own style, DejaVu Sans at 13 pixels and these colours for the whole application, as long as the object lives.
+/// The program's own style, DejaVu Sans at 13 pixels and these colours for the whole application, as long as the object
+/// lives.
 class FixedLook {
 public:
     explicit FixedLook(const QPalette& palette);

@@ -1,7 +1,7 @@
 #include "tests/trust/RandomUser.h"
 
-#include "app/interface/FrontPanel.h"
-#include "app/interface/PageOverview.h"
+#include "app/interface/panel/FrontPanel.h"
+#include "app/interface/panel/PageOverview.h"
 #include "mapping/EditingState.h"
 #include "platform/qt/Text.h"
 #include "tests/support/Alerts.h"

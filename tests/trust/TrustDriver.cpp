@@ -6,7 +6,7 @@
 // folder, "limit:N" lets no file grow beyond N bytes. Afterwards the driver goes on as a user would and writes down
 // what was told; a process that reaches its end writes "goes on" last.
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 #include "tests/support/Obstacles.h"
 #include "tests/support/ScriptedPeer.h"
 #include "tests/support/TestBaseUrl.h"

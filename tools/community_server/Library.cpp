@@ -1,7 +1,7 @@
 #include "tools/community_server/Library.h"
 
-#include "platform/Files.h"
-#include "platform/PropertyList.h"
+#include "platform/files/Files.h"
+#include "platform/plist/PropertyList.h"
 
 #include <openssl/crypto.h>
 #include <openssl/evp.h>

@@ -1,5 +1,5 @@
 #include "platform/Error.h"
-#include "platform/Directory.h"
+#include "platform/files/Directory.h"
 #include "tests/support/Obstacles.h"
 #include "tests/support/WindowTest.h"
 

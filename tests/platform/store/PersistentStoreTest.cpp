@@ -1,4 +1,4 @@
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 #include "platform/store/ManagedObjectModel.h"
 #include "platform/store/PersistentStoreCoordinator.h"
 #include "tests/support/Obstacles.h"

@@ -1,0 +1,293 @@
+#include "app/interface/panel/FrontPanel.h"
+
+#include "app/interface/DragData.h"
+#include "app/interface/Fonts.h"
+#include "app/interface/panel/DisplayLabel.h"
+#include "app/interface/panel/PanelDrawing.h"
+#include "app/interface/panel/Pot.h"
+
+#include <QDrag>
+#include <QDragEnterEvent>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace interface {
+
+namespace {
+
+/// What stands under a pot without a parameter.
+bool isEmptyName(const QString& name)
+{
+    return name.isEmpty() || name == QLatin1String("-");
+}
+
+QString accessibleNameOf(int pot, const QString& name, int page, int pages)
+{
+    const QString number = QString::number(pot);
+    if (pages < 1)
+        return FrontPanel::tr("Pot %1").arg(number);
+    // All in one go, since a name may hold "%3" itself.
+    if (isEmptyName(name))
+        return FrontPanel::tr("Pot %1, empty, page %2 of %3")
+            .arg(number, QString::number(page), QString::number(pages));
+    return FrontPanel::tr("Pot %1, %2, page %3 of %4").arg(number, name, QString::number(page), QString::number(pages));
+}
+
+/// The pot's number in what is dragged, or 0.
+int potIn(const QMimeData* data)
+{
+    const int pot = data->data(QString::fromLatin1(kPotDrag)).toInt();
+    return pot >= 1 && pot <= PanelLayout::kPots ? pot : 0;
+}
+
+/// A name as it hangs at the mouse pointer.
+QPixmap namePicture(const QString& name, const QWidget* widget)
+{
+    const QFontMetrics metrics = widget->fontMetrics();
+    const QString shown = metrics.elidedText(name.left(200), Qt::ElideRight, 20 * metrics.averageCharWidth());
+    const QSize size(metrics.horizontalAdvance(shown) + 16, metrics.height() + 8);
+    QPixmap picture(size * widget->devicePixelRatioF());
+    picture.setDevicePixelRatio(widget->devicePixelRatioF());
+    picture.fill(Qt::transparent);
+    const PanelColours& colours = panelColours(widget->palette());
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setFont(widget->font());
+    painter.setPen(QPen(colours.lit, 1.5));
+    painter.setBrush(colours.screenBottom);
+    painter.drawRoundedRect(QRectF(QPointF(), size).adjusted(1, 1, -1, -1), 4, 4);
+    painter.setPen(colours.screenText);
+    painter.drawText(QRect(QPoint(), size), Qt::AlignCenter | Qt::TextSingleLine, shown);
+    return picture;
+}
+
+} // namespace
+
+FrontPanel::FrontPanel(QWidget* parent) : QFrame(parent)
+{
+    setAccessibleName(tr("Front panel"));
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    setAcceptDrops(true);
+    setAttribute(Qt::WA_OpaquePaintEvent); // or the window would be painted under all of it
+    makeReadOuts();
+    makePots();
+    followPalette();
+    followLabels();
+}
+
+void FrontPanel::makeReadOuts()
+{
+    title_ = new DisplayLabel("labKOScreen_Title", 1, this);
+    pageReadOut_ = new DisplayLabel("lab_PageCurrentlyDisplayed", 1, this);
+    totalReadOut_ = new DisplayLabel("labTotalPagesIndicator", 1, this);
+    title_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    pageReadOut_->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
+    totalReadOut_->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
+}
+
+void FrontPanel::makePots()
+{
+    for (int number = 1; number <= PanelLayout::kPots; ++number) {
+        const auto at = static_cast<std::size_t>(number - 1);
+        auto* pot = pots_[at] = new Pot(number, this);
+        connect(pot, &Pot::pulled, this, [this, pot] { dragPot(pot); });
+        auto* label = labels_[at] = new DisplayLabel(qPrintable(QStringLiteral("kvControl%1").arg(number)), 2, this);
+        label->setAlignment(Qt::AlignCenter);
+        label->setText(QStringLiteral("-"));
+    }
+}
+
+void FrontPanel::setShownPage(int page, int pages)
+{
+    page_ = page;
+    pages_ = pages;
+    followLabels();
+}
+
+void FrontPanel::followLabels()
+{
+    for (std::size_t i = 0; i < pots_.size(); ++i) {
+        const QString name = labels_[i]->text();
+        pots_[i]->setMapped(!isEmptyName(name));
+        const QString spoken = accessibleNameOf(pots_[i]->number(), name, page_, pages_);
+        if (spoken != pots_[i]->accessibleName())
+            pots_[i]->setAccessibleName(spoken);
+    }
+}
+
+void FrontPanel::followPalette()
+{
+    const PanelColours& colours = panelColours(palette());
+    QPalette onDisplay = palette();
+    onDisplay.setColor(QPalette::WindowText, colours.screenText);
+    onDisplay.setColor(QPalette::Disabled, QPalette::WindowText, colours.screenTextOff);
+    onDisplay.setColor(QPalette::Window, colours.screenBottom);
+    for (DisplayLabel* label : labels_)
+        label->setPalette(onDisplay);
+    for (DisplayLabel* label : {title_, pageReadOut_, totalReadOut_})
+        label->setPalette(onDisplay);
+    update();
+}
+
+QSize FrontPanel::sizeHint() const
+{
+    return preferredPanelSize(font());
+}
+
+QSize FrontPanel::minimumSizeHint() const
+{
+    return smallestPanelSize(font());
+}
+
+void FrontPanel::placeChildren()
+{
+    layout_ = layOutPanel(size(), font());
+    for (std::size_t i = 0; i < pots_.size(); ++i) {
+        pots_[i]->setGeometry(layout_.pots[i]);
+        labels_[i]->setGeometry(layout_.fields[i]);
+        labels_[i]->setFont(scaledFont(font(), layout_.scale));
+    }
+    title_->setGeometry(layout_.title);
+    title_->setFont(titleFont(font(), layout_.scale));
+    pageReadOut_->setGeometry(layout_.page);
+    totalReadOut_->setGeometry(layout_.total);
+    for (DisplayLabel* label : {pageReadOut_, totalReadOut_})
+        label->setFont(scaledFont(font(), layout_.scale));
+    update();
+}
+
+bool FrontPanel::event(QEvent* event)
+{
+    // A label has no signal for another text, but asks its parent for the room it now needs.
+    if (event->type() == QEvent::LayoutRequest)
+        followLabels();
+    return QFrame::event(event);
+}
+
+void FrontPanel::changeEvent(QEvent* event)
+{
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        followPalette();
+    } else if (event->type() == QEvent::FontChange) {
+        updateGeometry();
+        placeChildren();
+    }
+}
+
+void FrontPanel::showEvent(QShowEvent* event)
+{
+    followLabels(); // of what changed while hidden nobody was told
+    QFrame::showEvent(event);
+}
+
+void FrontPanel::resizeEvent(QResizeEvent* event)
+{
+    QFrame::resizeEvent(event);
+    placeChildren();
+}
+
+void FrontPanel::paintEvent(QPaintEvent*)
+{
+    const PanelColours& colours = panelColours(palette());
+    pots_.front()->beginDrawing(); // most pots look like it, and its picture takes as long as the face
+    QPainter painter(this);
+    const QRegion beside = QRegion(rect()) - layout_.face.toRect();
+    for (const QRect& part : beside)
+        painter.fillRect(part, palette().window());
+    drawPanel(painter, layout_, colours, font());
+    if (target_ != kNoPot)
+        drawDropField(painter, layout_, target_, colours);
+}
+
+void FrontPanel::keyPressEvent(QKeyEvent* event)
+{
+    const auto focused = std::find_if(pots_.begin(), pots_.end(), [](const Pot* pot) { return pot->hasFocus(); });
+    // The hardware's pots stand from left to right in every language.
+    if (focused != pots_.end() && event->key() == Qt::Key_Left && focused != pots_.begin())
+        (*std::prev(focused))->setFocus(Qt::BacktabFocusReason);
+    else if (focused != pots_.end() && event->key() == Qt::Key_Right && std::next(focused) != pots_.end())
+        (*std::next(focused))->setFocus(Qt::TabFocusReason);
+    else
+        QFrame::keyPressEvent(event);
+}
+
+void FrontPanel::dragPot(Pot* pot)
+{
+    const QString name = labels_[static_cast<std::size_t>(pot->number() - 1)]->text();
+    auto* mime = new QMimeData;
+    mime->setData(QString::fromLatin1(kPotDrag), QByteArray::number(pot->number()));
+    auto* drag = new QDrag(pot);
+    drag->setMimeData(mime);
+    drag->setPixmap(namePicture(isEmptyName(name) ? tr("Pot %1").arg(pot->number()) : name, this));
+    drag->exec(Qt::MoveAction);
+}
+
+int FrontPanel::targetOf(const QDropEvent& event) const
+{
+    const QMimeData* mime = event.mimeData();
+    const int from = potIn(mime);
+    if (from == kNoPot && !mime->hasFormat(QString::fromLatin1(kParameterDrag)))
+        return kNoPot;
+    const QPoint position = event.position().toPoint();
+    for (std::size_t i = 0; i < pots_.size(); ++i) {
+        const bool isOver = layout_.pots[i].united(layout_.fields[i]).contains(position);
+        if (isOver && pots_[i]->isEnabled() && pots_[i]->number() != from)
+            return pots_[i]->number();
+    }
+    return kNoPot;
+}
+
+void FrontPanel::setTarget(int pot)
+{
+    if (pot == target_)
+        return;
+    target_ = pot;
+    for (Pot* each : pots_)
+        each->setDropTarget(each->number() == pot);
+    update(layout_.strip.toAlignedRect());
+}
+
+void FrontPanel::dragEnterEvent(QDragEnterEvent* event)
+{
+    // Taken wherever it enters, since moves are told only to who took it.
+    const QMimeData* mime = event->mimeData();
+    if (potIn(mime) == kNoPot && !mime->hasFormat(QString::fromLatin1(kParameterDrag)))
+        return;
+    event->acceptProposedAction();
+    setTarget(targetOf(*event));
+}
+
+void FrontPanel::dragMoveEvent(QDragMoveEvent* event)
+{
+    setTarget(targetOf(*event));
+    if (target_ == kNoPot)
+        event->ignore();
+    else
+        event->acceptProposedAction();
+}
+
+void FrontPanel::dragLeaveEvent(QDragLeaveEvent*)
+{
+    setTarget(kNoPot);
+}
+
+void FrontPanel::dropEvent(QDropEvent* event)
+{
+    const int onto = targetOf(*event);
+    setTarget(kNoPot);
+    if (onto == kNoPot) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+    if (const int from = potIn(event->mimeData()); from != kNoPot)
+        Q_EMIT potDropped(from, onto);
+    else
+        Q_EMIT parameterDropped(onto);
+}
+
+} // namespace interface

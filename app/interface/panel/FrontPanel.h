@@ -1,0 +1,70 @@
+#pragma once
+// The on-screen copy of the controller's front panel: title, page read-outs, eight pots with their labels. Drawn for
+// any size and density; a parameter or another pot can be dropped on a pot.
+
+#include "app/interface/panel/PanelLayout.h"
+
+#include <QFrame>
+
+#include <array>
+
+namespace interface {
+
+class DisplayLabel;
+class Pot;
+
+class FrontPanel final : public QFrame {
+    Q_OBJECT
+
+public:
+    explicit FrontPanel(QWidget* parent = nullptr);
+
+    /// The page that the labels are of, from 1; 0 pages without a mapping. Pots follow the labels by themselves.
+    void setShownPage(int page, int pages);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+Q_SIGNALS:
+    /// The parameter that is being dragged was dropped on a pot, 1 to 8.
+    void parameterDropped(int pot);
+    /// A pot was dropped on another one, both 1 to 8.
+    void potDropped(int from, int onto);
+
+protected:
+    bool event(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    /// Left and Right move from pot to pot.
+    void keyPressEvent(QKeyEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    static constexpr int kNoPot = 0;
+
+    void makeReadOuts();
+    void makePots();
+    void followLabels();
+    void followPalette();
+    void placeChildren();
+    void dragPot(Pot* pot);
+    int targetOf(const QDropEvent& event) const;
+    void setTarget(int pot);
+
+    std::array<Pot*, PanelLayout::kPots> pots_ = {};
+    std::array<DisplayLabel*, PanelLayout::kPots> labels_ = {};
+    DisplayLabel* title_ = nullptr;
+    DisplayLabel* pageReadOut_ = nullptr;
+    DisplayLabel* totalReadOut_ = nullptr;
+    PanelLayout layout_;
+    int page_ = 0;
+    int pages_ = 0;
+    int target_ = kNoPot;
+};
+
+} // namespace interface

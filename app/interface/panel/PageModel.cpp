@@ -1,0 +1,96 @@
+#include "app/interface/panel/PageModel.h"
+
+#include <algorithm>
+#include <bit>
+#include <utility>
+
+namespace interface {
+
+namespace {
+
+/// So that the tip with eight names stays one that can be read.
+constexpr qsizetype kLongestName = 90;
+
+QString shortened(const QString& name)
+{
+    return name.size() <= kLongestName ? name : name.left(kLongestName) + QChar(0x2026);
+}
+
+} // namespace
+
+void PageModel::setSource(std::function<QString(int page, int pot)> name)
+{
+    beginResetModel();
+    name_ = std::move(name);
+    endResetModel();
+}
+
+void PageModel::refresh(int pages, int shownPage)
+{
+    const int before = pages_;
+    shown_ = shownPage;
+    if (pages > before) {
+        beginInsertRows({}, before, pages - 1);
+        pages_ = pages;
+        endInsertRows();
+    } else if (pages < before) {
+        beginRemoveRows({}, pages, before - 1);
+        pages_ = pages;
+        endRemoveRows();
+    }
+    if (pages > 0 && before > 0)
+        Q_EMIT dataChanged(index(0), index(std::min(pages, before) - 1));
+}
+
+int PageModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : pages_;
+}
+
+QVariant PageModel::data(const QModelIndex& index, int role) const
+{
+    if (!index.isValid() || index.row() >= pages_)
+        return {};
+    const int page = index.row() + 1;
+    switch (role) {
+    case Qt::DisplayRole: return QString::number(page);
+    case Qt::AccessibleTextRole: return spokenText(page);
+    case Qt::ToolTipRole: return namesText(page);
+    case MappedPots: return mappedPots(page);
+    case IsShown: return page == shown_;
+    default: return {};
+    }
+}
+
+QString PageModel::nameAt(int page, int pot) const
+{
+    return name_ ? name_(page, pot) : QStringLiteral("-");
+}
+
+unsigned PageModel::mappedPots(int page) const
+{
+    unsigned mapped = 0;
+    for (int pot = 1; pot <= kPots; ++pot) {
+        const QString name = nameAt(page, pot);
+        if (!name.isEmpty() && name != QLatin1String("-"))
+            mapped |= 1U << static_cast<unsigned>(pot - 1);
+    }
+    return mapped;
+}
+
+QString PageModel::spokenText(int page) const
+{
+    const QString text = tr("Page %1 of %2, %3 of 8 pots mapped");
+    const QString shown = tr("Page %1 of %2, %3 of 8 pots mapped, shown");
+    return (page == shown_ ? shown : text).arg(page).arg(pages_).arg(std::popcount(mappedPots(page)));
+}
+
+QString PageModel::namesText(int page) const
+{
+    QStringList lines;
+    for (int pot = 1; pot <= kPots; ++pot)
+        lines << QString::number(pot) + QStringLiteral("  ") + shortened(nameAt(page, pot));
+    return lines.join(QLatin1Char('\n'));
+}
+
+} // namespace interface

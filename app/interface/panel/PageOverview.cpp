@@ -1,0 +1,248 @@
+#include "app/interface/panel/PageOverview.h"
+
+#include "app/interface/panel/PageModel.h"
+#include "app/interface/panel/PanelColours.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QStyledItemDelegate>
+
+#include <algorithm>
+#include <utility>
+
+namespace interface {
+
+namespace {
+
+constexpr int kCell = 7;
+constexpr int kCellGap = 4;
+constexpr int kTilePadding = 8;
+constexpr int kTileGap = 3;
+
+QSize tileSize(const QFontMetrics& metrics)
+{
+    const int cells = PageModel::kPots * kCell + (PageModel::kPots - 1) * kCellGap;
+    return {cells + 2 * kTilePadding + 2 * kTileGap, metrics.height() + kCell + 16 + 2 * kTileGap};
+}
+
+void drawCells(QPainter& painter, const QPointF& from, unsigned mapped, const PanelColours& colours)
+{
+    for (int pot = 0; pot < PageModel::kPots; ++pot) {
+        const QRectF cell(from.x() + pot * (kCell + kCellGap), from.y(), kCell, kCell);
+        const bool isMapped = (mapped >> static_cast<unsigned>(pot)) & 1U;
+        painter.setPen(QPen(isMapped ? colours.cellEdge : colours.tileEdge, 1));
+        painter.setBrush(isMapped ? QBrush(colours.cell) : QBrush(Qt::NoBrush));
+        painter.drawEllipse(cell.adjusted(0.5, 0.5, -0.5, -0.5));
+    }
+}
+
+class TileDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const override
+    {
+        return tileSize(option.fontMetrics);
+    }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        const PanelColours& colours = panelColours(option.palette);
+        const bool isShown = index.data(PageModel::IsShown).toBool();
+        const QRectF tile =
+            QRectF(option.rect).adjusted(kTileGap + 0.5, kTileGap + 0.5, -kTileGap - 0.5, -kTileGap - 0.5);
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        drawTile(*painter, tile, option, isShown, colours);
+        drawNumber(*painter, tile, option, index, isShown, colours);
+        const double cells = PageModel::kPots * kCell + (PageModel::kPots - 1) * kCellGap;
+        drawCells(*painter, {tile.center().x() - cells / 2, tile.bottom() - kCell - 6},
+                  index.data(PageModel::MappedPots).toUInt(), colours);
+        painter->restore();
+    }
+
+private:
+    static void drawTile(QPainter& painter, const QRectF& tile, const QStyleOptionViewItem& option, bool isShown,
+                         const PanelColours& colours)
+    {
+        const bool isHovered = option.state & QStyle::State_MouseOver;
+        QLinearGradient metal(tile.topLeft(), tile.bottomLeft());
+        metal.setColorAt(0, isHovered ? colours.tileHover : colours.tile);
+        metal.setColorAt(1, isShown ? colours.tileShown : colours.tile);
+        painter.setBrush(metal);
+        painter.setPen(isShown ? QPen(colours.tileText, 2) : QPen(colours.tileFrame, 1));
+        painter.drawRoundedRect(tile, 4, 4);
+        const bool hasFocus = option.state & QStyle::State_HasFocus;
+        if (!hasFocus)
+            return;
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(colours.focus, 2));
+        painter.drawRoundedRect(tile.adjusted(-2.5, -2.5, 2.5, 2.5), 6, 6);
+    }
+
+    static void drawNumber(QPainter& painter, const QRectF& tile, const QStyleOptionViewItem& option,
+                           const QModelIndex& index, bool isShown, const PanelColours& colours)
+    {
+        QFont font = option.font;
+        font.setBold(isShown);
+        painter.setFont(font);
+        painter.setPen(colours.tileText);
+        const QString number = index.data().toString();
+        const QRectF room(tile.left(), tile.top() + 3, tile.width(), option.fontMetrics.height());
+        painter.drawText(room, Qt::AlignCenter, number);
+        if (!isShown)
+            return;
+        const double half = QFontMetricsF(font).horizontalAdvance(number) / 2;
+        const double reach = option.fontMetrics.height() * 0.22;
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(colours.tileText);
+        for (const double side : {-1.0, 1.0}) { // an arrow head on either side points at the number
+            const QPointF tip = room.center() + QPointF(side * (half + 5), 0);
+            painter.drawPolygon(
+                QPolygonF{tip, tip + QPointF(side * reach * 1.4, -reach), tip + QPointF(side * reach * 1.4, reach)});
+        }
+    }
+};
+
+} // namespace
+
+PageOverview::PageOverview(QWidget* parent) : QListView(parent), model_(new PageModel(this))
+{
+    setObjectName(QStringLiteral("pageOverview"));
+    setAccessibleName(tr("Pages"));
+    setFlow(QListView::LeftToRight);
+    setWrapping(false);
+    setUniformItemSizes(true);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFrameShape(QFrame::NoFrame);
+    viewport()->setBackgroundRole(QPalette::Window); // the tiles lie on the window like the panel
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setDragDropMode(QAbstractItemView::NoDragDrop);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setMouseTracking(true);
+    viewport()->setAttribute(Qt::WA_Hover);
+    setModel(model_);
+    setItemDelegate(new TileDelegate(this));
+    refresh(0, 0);
+}
+
+void PageOverview::setSource(Source name)
+{
+    const QScopedValueRollback guard(isRefreshing_, true);
+    model_->setSource(std::move(name));
+}
+
+void PageOverview::refresh(int pages, int shownPage)
+{
+    const QScopedValueRollback guard(isRefreshing_, true);
+    const bool hadPages = model_->rowCount() > 0;
+    const bool isOtherCount = model_->rowCount() != pages;
+    model_->refresh(pages, shownPage);
+    if (hadPages != (pages > 0) || accessibleDescription().isEmpty() != (pages > 0))
+        setAccessibleDescription(pages > 0 ? QString() : tr("Choose a plug-in to see its pages here."));
+    const QModelIndex shown = model_->index(shownPage - 1);
+    if (shown != currentIndex())
+        setCurrentIndex(shown);
+    // Qt would lay out when events are next handled, and an alert that comes up before shows an empty strip.
+    if (isOtherCount)
+        doItemsLayout();
+}
+
+QSize PageOverview::sizeHint() const
+{
+    const QSize tile = tileSize(fontMetrics());
+    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, horizontalScrollBar());
+    return {10 * tile.width(), tile.height() + bar + 2 * frameWidth()};
+}
+
+QSize PageOverview::minimumSizeHint() const
+{
+    return {3 * tileSize(fontMetrics()).width(), sizeHint().height()};
+}
+
+void PageOverview::scrollTo(const QModelIndex& index, ScrollHint hint)
+{
+    for (const int row : {index.row() + 1, index.row() - 1}) { // its neighbours stay in sight, ready to be clicked
+        if (const QModelIndex beside = model_->index(row); beside.isValid())
+            QListView::scrollTo(beside, hint);
+    }
+    QListView::scrollTo(index, hint);
+}
+
+void PageOverview::currentChanged(const QModelIndex& current, const QModelIndex& previous)
+{
+    QListView::currentChanged(current, previous);
+    if (!isRefreshing_ && current.isValid())
+        Q_EMIT pageChosen(current.row() + 1);
+}
+
+void PageOverview::dataChanged(const QModelIndex&, const QModelIndex&, const QList<int>&)
+{
+    // No tile changes its size, so nothing is laid out anew; what is in sight is asked for again.
+    viewport()->update();
+}
+
+QItemSelectionModel::SelectionFlags PageOverview::selectionCommand(const QModelIndex& index, const QEvent*) const
+{
+    // Whatever key is held, one page is shown.
+    return index.isValid() ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate;
+}
+
+QModelIndex PageOverview::moveCursor(CursorAction action, Qt::KeyboardModifiers)
+{
+    // By where the tiles lie; the list view itself goes the wrong way where they run from the right.
+    const int towardsLeft = isRightToLeft() ? 1 : -1;
+    const int last = model_->rowCount() - 1;
+    const auto clamped = [this, last](int row) { return model_->index(std::clamp(row, 0, std::max(last, 0))); };
+    switch (action) {
+    case MoveLeft: return clamped(currentIndex().row() + towardsLeft);
+    case MoveRight: return clamped(currentIndex().row() - towardsLeft);
+    case MoveHome: return clamped(0);
+    case MoveEnd: return clamped(last);
+    default: return currentIndex();
+    }
+}
+
+void PageOverview::keyPressEvent(QKeyEvent* event)
+{
+    switch (event->key()) {
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Home:
+    case Qt::Key_End: QListView::keyPressEvent(event); return;
+    default: event->ignore(); // digits, words and Page Up mean the panel and the search, not a tile
+    }
+}
+
+void PageOverview::changeEvent(QEvent* event)
+{
+    QListView::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        viewport()->update();
+    else if (event->type() == QEvent::FontChange)
+        updateGeometry();
+}
+
+void PageOverview::resizeEvent(QResizeEvent* event)
+{
+    QListView::resizeEvent(event);
+    if (currentIndex().isValid())
+        scrollTo(currentIndex());
+}
+
+void PageOverview::paintEvent(QPaintEvent* event)
+{
+    QListView::paintEvent(event);
+    if (model_->rowCount() > 0)
+        return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::Active, QPalette::WindowText));
+    const QString hint = painter.fontMetrics().elidedText(accessibleDescription(), Qt::ElideRight, viewport()->width());
+    painter.drawText(viewport()->rect(), Qt::AlignCenter, hint);
+}
+
+} // namespace interface

@@ -1,0 +1,131 @@
+#include "app/interface/panel/PanelLayout.h"
+
+#include "app/interface/Fonts.h"
+
+#include <QFontMetricsF>
+
+#include <algorithm>
+#include <cmath>
+
+namespace interface {
+
+namespace {
+
+constexpr int kSmallestPot = 80; // of the square, ring of ticks included; the cap is about 0.68 of it
+constexpr int kPreferredPot = 122;
+constexpr int kLargestPot = 148;
+constexpr double kLargestScale = 1.4;
+
+constexpr double kCheek = 13;
+constexpr double kSide = 30; // from cheek to content; the screws lie in it
+constexpr double kEdge = 11; // from the upper and lower end to content
+constexpr double kGap = 5;
+constexpr double kFieldPadding = 6;
+constexpr double kNameShare = 0.32; // large letters leave the display more than the maker's name
+
+double fieldHeight(const QFont& font, double scale)
+{
+    return std::ceil(2 * QFontMetricsF(scaledFont(font, scale)).lineSpacing() + 10 * scale);
+}
+
+double displayHeight(const QFont& font, double scale)
+{
+    return std::ceil(QFontMetricsF(titleFont(font, scale)).height() + 12 * scale);
+}
+
+double heightAround(const QFont& font, double scale)
+{
+    return 2 * kEdge * scale + displayHeight(font, scale) + 2 * kGap * scale + fieldHeight(font, scale);
+}
+
+double widthOf(const QFont& font, const char* text)
+{
+    return std::ceil(QFontMetricsF(font).horizontalAdvance(QString::fromLatin1(text)));
+}
+
+double widthOf(const EnlargedFont& font, const char* text)
+{
+    return font.factor * widthOf(font.font, text);
+}
+
+double scaleFor(const QSize& size, const QFont& font)
+{
+    const QSize preferred = preferredPanelSize(font);
+    const double fits = std::min(double(size.height()) / preferred.height(), double(size.width()) / preferred.width());
+    return std::clamp(fits, 1.0, kLargestScale);
+}
+
+/// Title and read-outs, from the left end of the display to the right.
+void layOutDisplay(PanelLayout& layout, const QFont& font)
+{
+    const double s = layout.scale;
+    const QFont readOut = scaledFont(font, s);
+    const QRectF inner = layout.display.adjusted(12 * s, 2, -12 * s, -2);
+    // The title keeps a third whatever the font.
+    const double total = std::min(widthOf(readOut, "00000 Pages"), inner.width() * 0.28);
+    const double page = std::min(widthOf(readOut, "Page 00000 of 00000"), inner.width() * 0.36);
+    const auto part = [&inner](double left, double width) {
+        return QRectF(left, inner.top(), width, inner.height()).toRect();
+    };
+    const double gap = 12 * s;
+    layout.total = part(inner.right() - total, total);
+    layout.page = part(inner.right() - total - gap - page, page);
+    layout.title = part(inner.left(), inner.width() - total - page - 2 * gap);
+}
+
+void layOutPots(PanelLayout& layout, const QRectF& room)
+{
+    const double column = room.width() / PanelLayout::kPots;
+    const int side = static_cast<int>(std::min({column, room.height(), kLargestPot * 1.0}));
+    for (int i = 0; i < PanelLayout::kPots; ++i) {
+        const double centre = room.left() + column * (i + 0.5);
+        const auto at = static_cast<std::size_t>(i);
+        layout.pots[at] = QRect(static_cast<int>(std::lround(centre - side / 2.0)),
+                                static_cast<int>(std::lround(room.center().y() - side / 2.0)), side, side);
+        const double padding = kFieldPadding;
+        layout.fields[at] = QRectF(room.left() + column * i + padding, layout.strip.top() + 2, column - 2 * padding,
+                                   layout.strip.height() - 4)
+                                .toRect();
+    }
+}
+
+} // namespace
+
+PanelLayout layOutPanel(const QSize& size, const QFont& font)
+{
+    PanelLayout layout;
+    const double s = layout.scale = scaleFor(size, font);
+    layout.body = QRectF(QPointF(), size).adjusted(1, 1, -1, -2);
+    layout.face = layout.body.adjusted(kCheek * s, 0, -kCheek * s, 0);
+    const double in = kSide * s / 2;
+    layout.screws = {layout.face.topLeft() + QPointF(in, in), layout.face.topRight() + QPointF(-in, in),
+                     layout.face.bottomLeft() + QPointF(in, -in), layout.face.bottomRight() + QPointF(-in, -in)};
+
+    const QRectF content = layout.face.adjusted(kSide * s, kEdge * s, -kSide * s, -kEdge * s);
+    const double wanted = widthOf(makerFont(font, s), kMaker) + widthOf(legendFont(font, s), kLegendBelow) + 35 * s;
+    const double nameWidth = std::min(wanted, kNameShare * content.width());
+    layout.nameScale = s * nameWidth / wanted;
+    const double top = displayHeight(font, s);
+    layout.name = QRectF(content.left(), content.top(), nameWidth, top);
+    layout.display = QRectF(content.left() + nameWidth, content.top(), content.width() - nameWidth, top);
+    layOutDisplay(layout, font);
+
+    const double field = fieldHeight(font, s);
+    layout.strip = QRectF(content.left(), content.bottom() - field, content.width(), field);
+    layOutPots(layout, QRectF(QPointF(content.left(), layout.display.bottom() + kGap * s),
+                              QPointF(content.right(), layout.strip.top() - kGap * s)));
+    return layout;
+}
+
+QSize preferredPanelSize(const QFont& font)
+{
+    return {1180, static_cast<int>(heightAround(font, 1)) + kPreferredPot};
+}
+
+QSize smallestPanelSize(const QFont& font)
+{
+    const double width = 2 * (kCheek + kSide) + PanelLayout::kPots * kSmallestPot;
+    return {static_cast<int>(width) + 2, static_cast<int>(heightAround(font, 1)) + kSmallestPot + 3};
+}
+
+} // namespace interface

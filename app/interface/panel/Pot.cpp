@@ -1,0 +1,133 @@
+#include "app/interface/panel/Pot.h"
+
+#include "app/interface/panel/PotDrawing.h"
+
+#include <QApplication>
+#include <QHoverEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace interface {
+
+Pot::Pot(int number, QWidget* parent) : QPushButton(QString::number(number), parent), number_(number)
+{
+    setObjectName(QStringLiteral("kvRotaryBtn%1").arg(number));
+    setToolTip(QObject::tr("Put the selected parameter on pot %1").arg(number));
+    setAutoDefault(false);
+    setFocusPolicy(Qt::StrongFocus); // macOS would leave buttons out of the tab order
+    setAttribute(Qt::WA_Hover);
+}
+
+void Pot::setMapped(bool isMapped)
+{
+    if (isMapped == isMapped_)
+        return;
+    isMapped_ = isMapped;
+    update();
+}
+
+void Pot::setDropTarget(bool isTarget)
+{
+    if (isTarget == isDropTarget_)
+        return;
+    isDropTarget_ = isTarget;
+    update();
+}
+
+bool Pot::hitButton(const QPoint& position) const
+{
+    const QPointF off = QPointF(position) - QRectF(rect()).center();
+    const double radius = std::min(width(), height()) / 2.0;
+    return QPointF::dotProduct(off, off) <= radius * radius;
+}
+
+bool Pot::event(QEvent* event)
+{
+    if (event->type() == QEvent::HoverEnter || event->type() == QEvent::HoverMove)
+        setHovered(hitButton(static_cast<QHoverEvent*>(event)->position().toPoint()));
+    else if (event->type() == QEvent::HoverLeave)
+        setHovered(false);
+    return QPushButton::event(event);
+}
+
+void Pot::setHovered(bool isHovered)
+{
+    if (isHovered == isHovered_)
+        return;
+    isHovered_ = isHovered;
+    update();
+}
+
+PotLook Pot::look() const
+{
+    PotLook look;
+    look.number = number_;
+    look.isMapped = isMapped_;
+    look.isEnabled = isEnabled();
+    look.isHovered = isHovered_ && isEnabled();
+    look.isPressed = isDown();
+    look.hasFocus = hasFocus();
+    look.isDropTarget = isDropTarget_;
+    return look;
+}
+
+void Pot::beginDrawing()
+{
+    beginPot(size(), devicePixelRatioF(), look(), panelColours(palette()));
+}
+
+void Pot::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    drawPot(painter, QRectF(rect()), look(), panelColours(palette()), font());
+}
+
+void Pot::keyPressEvent(QKeyEvent* event)
+{
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (!event->isAutoRepeat()) // a key held down does not lay parameter after parameter
+            click();
+        return;
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Up:
+    case Qt::Key_Down: event->ignore(); return; // the panel knows the pots beside this one
+    default: QPushButton::keyPressEvent(event);
+    }
+}
+
+void Pot::mousePressEvent(QMouseEvent* event)
+{
+    isPulled_ = false;
+    pressedAt_ = event->pos();
+    QPushButton::mousePressEvent(event);
+}
+
+void Pot::mouseMoveEvent(QMouseEvent* event)
+{
+    if (isPulled_)
+        return;
+    const bool isFar = (event->pos() - pressedAt_).manhattanLength() >= QApplication::startDragDistance();
+    if (!isFar || !(event->buttons() & Qt::LeftButton) || !hitButton(pressedAt_)) {
+        QPushButton::mouseMoveEvent(event);
+        return;
+    }
+    isPulled_ = true;
+    setDown(false);
+    setHovered(false); // the drag swallows the leaving of the mouse
+    Q_EMIT pulled();
+}
+
+void Pot::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (isPulled_)
+        setDown(false);
+    QPushButton::mouseReleaseEvent(event);
+}
+
+} // namespace interface

@@ -1,0 +1,348 @@
+#include "app/interface/panel/PotDrawing.h"
+
+#include "app/interface/Fonts.h"
+#include "platform/qt/ReadableColours.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QPixmap>
+#include <QPixmapCache>
+#include <QSemaphore>
+#include <QThreadPool>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace interface {
+
+using platform::qt::mixed;
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kTurn = 135;         // degrees from the top to either end
+constexpr double kMappedPointer = 40; // where the pointer of a pot with a parameter stands; an empty one is turned down
+constexpr int kRidges = 44;
+
+// Radii, as shares of half the square.
+constexpr double kFocusRing = 0.965;
+constexpr double kNumber = 0.845;
+constexpr double kTickOuter = 0.905;
+constexpr double kTickInner = 0.815;
+constexpr double kGroove = 0.755;
+constexpr double kSkirt = 0.685;
+constexpr double kCap = 0.53;
+
+struct Drawing {
+    QPainter& painter;
+    QPointF centre;
+    double radius; ///< half the square
+    const PotLook& look;
+    const PanelColours& c;
+
+    double at(double share) const { return radius * share; }
+    QRectF circle(double share) const
+    {
+        return {centre.x() - at(share), centre.y() - at(share), 2 * at(share), 2 * at(share)};
+    }
+};
+
+/// A point at an angle in degrees, clockwise from the top.
+QPointF onCircle(const QPointF& centre, double radius, double degrees)
+{
+    const double angle = degrees * kPi / 180;
+    return centre + QPointF(std::sin(angle), -std::cos(angle)) * radius;
+}
+
+void arc(const Drawing& d, double share, double from, double to, const QPen& pen)
+{
+    d.painter.setPen(pen);
+    d.painter.setBrush(Qt::NoBrush);
+    d.painter.drawArc(d.circle(share), static_cast<int>((90 - from) * 16), static_cast<int>((from - to) * 16));
+}
+
+void drawTicks(const Drawing& d)
+{
+    constexpr int kTicks = 11;
+    const QColor ink = d.look.isEnabled ? d.c.legend : d.c.legendOff;
+    for (int tick = 0; tick < kTicks; ++tick) {
+        const bool isMain = tick == 0 || tick == kTicks - 1 || tick == kTicks / 2;
+        const double angle = -kTurn + tick * 2 * kTurn / (kTicks - 1);
+        d.painter.setPen(
+            QPen(faded(ink, isMain ? 255 : 190), d.at(isMain ? 0.032 : 0.022), Qt::SolidLine, Qt::FlatCap));
+        d.painter.drawLine(onCircle(d.centre, d.at(kTickInner + (isMain ? 0 : 0.02)), angle),
+                           onCircle(d.centre, d.at(kTickOuter - (isMain ? 0 : 0.02)), angle));
+    }
+}
+
+void drawRing(const Drawing& d, double pointer)
+{
+    const double width = d.at(0.062);
+    arc(d, kGroove, -kTurn, kTurn, QPen(d.c.groove, width, Qt::SolidLine, Qt::RoundCap));
+    if (!d.look.isMapped)
+        return;
+    const QColor light = d.look.isEnabled ? d.c.lit : mixed(d.c.lit, d.c.groove, 0.45);
+    if (d.look.isEnabled)
+        arc(d, kGroove, -kTurn, pointer, QPen(faded(light, 60), width * 2.1, Qt::SolidLine, Qt::RoundCap));
+    arc(d, kGroove, -kTurn, pointer, QPen(light, width * 0.72, Qt::SolidLine, Qt::RoundCap));
+    if (d.look.isEnabled)
+        arc(d, kGroove, -kTurn, pointer,
+            QPen(faded(light.lighter(150), 200), width * 0.22, Qt::SolidLine, Qt::RoundCap));
+}
+
+void drawShadow(const Drawing& d)
+{
+    const QColor dark = faded(d.c.shadow, d.c.shadow.alpha() * (d.look.isEnabled ? 3 : 2) / 3);
+    // A pressed cap lies nearer to the face.
+    const double drop = d.at(d.look.isPressed ? 0.05 : 0.13);
+    const QPointF centre = d.centre + QPointF(drop * 0.35, drop);
+    const double reach = d.at(d.look.isPressed ? 0.74 : 0.86);
+    QRadialGradient shade(centre, reach);
+    shade.setColorAt(0, dark);
+    shade.setColorAt(0.72, dark);
+    shade.setColorAt(0.86, faded(dark, dark.alpha() * 2 / 5));
+    shade.setColorAt(1, faded(dark, 0));
+    d.painter.setPen(Qt::NoPen);
+    d.painter.setBrush(shade);
+    d.painter.drawEllipse(centre, reach, reach);
+}
+
+/// The outline of a grip with ridges.
+QPainterPath knurled(const QPointF& centre, double radius, double turn)
+{
+    constexpr int kSteps = kRidges * 6;
+    QPolygonF outline;
+    for (int step = 0; step < kSteps; ++step) {
+        const double degrees = 360.0 * step / kSteps;
+        const double wave = std::cos((degrees - turn) * kRidges * kPi / 180);
+        outline << onCircle(centre, radius * (0.985 + 0.018 * wave), degrees);
+    }
+    QPainterPath path;
+    path.addPolygon(outline);
+    path.closeSubpath();
+    return path;
+}
+
+void drawSkirt(const Drawing& d, double turn)
+{
+    const double radius = d.at(kSkirt);
+    const QPainterPath outline = knurled(d.centre, radius, turn);
+    QLinearGradient rubber(d.centre - QPointF(radius * 0.5, radius), d.centre + QPointF(radius * 0.5, radius));
+    rubber.setColorAt(0, d.c.skirtLight);
+    rubber.setColorAt(0.55, mixed(d.c.skirtLight, d.c.skirtDark, 0.7));
+    rubber.setColorAt(1, d.c.skirtDark);
+    d.painter.setPen(QPen(QColor(0, 0, 0, 150), d.at(0.012)));
+    d.painter.setBrush(rubber);
+    d.painter.drawPath(outline);
+    for (int ridge = 0; ridge < kRidges; ++ridge) {
+        const double degrees = turn + 360.0 * ridge / kRidges;
+        const double towardsLight = 0.5 + 0.5 * std::cos((degrees + 28) * kPi / 180);
+        const int alpha = static_cast<int>(d.c.skirtRidge.alpha() * (0.25 + 1.3 * towardsLight));
+        d.painter.setPen(QPen(faded(d.c.skirtRidge, std::min(alpha, 255)), d.at(0.018), Qt::SolidLine, Qt::FlatCap));
+        d.painter.drawLine(onCircle(d.centre, radius * 0.83, degrees), onCircle(d.centre, radius * 0.985, degrees));
+    }
+}
+
+/// A turned metal face throws the light back in two wedges.
+QConicalGradient turnedMetal(const Drawing& d)
+{
+    const double lift = d.look.isHovered && !d.look.isPressed ? 0.22 : 0;
+    const double sink = d.look.isPressed ? 0.3 : 0;
+    const auto tone = [lift, sink](const QColor& colour) {
+        return mixed(mixed(colour, Qt::white, lift), Qt::black, sink);
+    };
+    const QColor light = tone(d.c.capLight);
+    const QColor middle = tone(d.c.capMiddle);
+    const QColor dark = tone(d.c.capDark);
+    QConicalGradient metal(d.centre, 118);
+    const std::pair<double, QColor> stops[] = {{0.00, light},  {0.10, middle}, {0.24, dark},
+                                               {0.38, middle}, {0.50, light},  {0.62, middle},
+                                               {0.76, dark},   {0.90, middle}, {1.00, light}};
+    for (const auto& [at, colour] : stops)
+        metal.setColorAt(at, colour);
+    return metal;
+}
+
+void drawCap(const Drawing& d)
+{
+    const double cap = d.look.isPressed ? kCap * 0.965 : kCap;
+    QLinearGradient bevel(d.circle(cap + 0.055).topLeft(), d.circle(cap + 0.055).bottomRight());
+    bevel.setColorAt(0, d.look.isPressed ? d.c.skirtDark : d.c.capRim);
+    bevel.setColorAt(0.5, d.c.capDark);
+    bevel.setColorAt(1, d.look.isPressed ? d.c.capMiddle : d.c.skirtDark);
+    d.painter.setPen(QPen(QColor(0, 0, 0, 170), d.at(0.014)));
+    d.painter.setBrush(bevel);
+    d.painter.drawEllipse(d.circle(cap + 0.045));
+    d.painter.setPen(Qt::NoPen);
+    d.painter.setBrush(turnedMetal(d));
+    d.painter.drawEllipse(d.circle(cap));
+    // The marks of the lathe, which can't be seen on a faint pot.
+    for (double ring = 0.12; d.look.isEnabled && ring < cap - 0.03; ring += 0.055) {
+        d.painter.setBrush(Qt::NoBrush);
+        d.painter.setPen(QPen(QColor(0, 0, 0, 18), d.at(0.014)));
+        d.painter.drawEllipse(d.circle(ring));
+    }
+    QRadialGradient dish(d.centre + QPointF(0, d.at(0.18)), d.at(cap * 1.25));
+    dish.setColorAt(0, QColor(255, 255, 255, d.look.isPressed ? 6 : 22));
+    dish.setColorAt(0.6, QColor(0, 0, 0, 0));
+    dish.setColorAt(1, QColor(0, 0, 0, d.look.isPressed ? 110 : 60));
+    d.painter.setPen(Qt::NoPen);
+    d.painter.setBrush(dish);
+    d.painter.drawEllipse(d.circle(cap));
+}
+
+void drawPointer(const Drawing& d, double degrees)
+{
+    const QPointF inner = onCircle(d.centre, d.at(0.25), degrees);
+    const QPointF outer = onCircle(d.centre, d.at(kSkirt * 0.965), degrees);
+    d.painter.setPen(QPen(QColor(0, 0, 0, 190), d.at(0.105), Qt::SolidLine, Qt::RoundCap));
+    d.painter.drawLine(inner, outer);
+    d.painter.setPen(QPen(d.look.isEnabled ? d.c.pointer : d.c.pointerOff, d.at(0.06), Qt::SolidLine, Qt::RoundCap));
+    d.painter.drawLine(inner, outer);
+}
+
+void drawNumber(const Drawing& d, const QFont& font)
+{
+    const double pixels = std::max(9.0, d.at(0.19));
+    d.painter.setPen(d.look.isEnabled ? d.c.legend : d.c.legendOff);
+    const QPointF centre(d.centre.x(), d.centre.y() + d.at(kNumber));
+    drawText(d.painter, numberFont(font, pixels), QRectF(centre, centre).adjusted(-pixels, -pixels, pixels, pixels),
+             Qt::AlignCenter, QString::number(d.look.number));
+}
+
+void drawMarks(const Drawing& d)
+{
+    d.painter.setBrush(Qt::NoBrush);
+    const double width = std::max(2.0, d.at(0.04));
+    if (d.look.isDropTarget) {
+        d.painter.setPen(QPen(d.c.target, width * 1.3, Qt::DashLine, Qt::FlatCap));
+        d.painter.drawEllipse(d.circle(kFocusRing));
+    } else if (d.look.hasFocus) {
+        d.painter.setPen(QPen(d.c.focus, width));
+        d.painter.drawEllipse(d.circle(kFocusRing));
+    }
+}
+
+void drawBody(const Drawing& d)
+{
+    const double pointer = d.look.isMapped ? kMappedPointer : -kTurn;
+    drawTicks(d);
+    drawShadow(d);
+    drawRing(d, pointer);
+    d.painter.setOpacity(d.look.isEnabled ? 1 : 0.6);
+    drawSkirt(d, pointer);
+    drawCap(d);
+    d.painter.setOpacity(1);
+    drawPointer(d, pointer);
+}
+
+/// What all pots have in common that look alike but for their numbers and marks.
+struct Body {
+    QSizeF size;
+    double scale;
+    PotLook look;
+    const PanelColours& colours; ///< one of the two that there are
+
+    QString key() const
+    {
+        return QStringLiteral("kvPot %1 %2 %3 %4%5%6%7 %8")
+            .arg(size.width())
+            .arg(size.height())
+            .arg(scale)
+            .arg(look.isMapped)
+            .arg(look.isEnabled)
+            .arg(look.isHovered)
+            .arg(look.isPressed)
+            .arg(colours.skirtDark.rgba());
+    }
+
+    QImage drawn() const
+    {
+        QImage picture((size * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+        picture.setDevicePixelRatio(scale);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const QRectF square(QPointF(), size);
+        drawBody({painter, square.center(), std::min(size.width(), size.height()) / 2, look, colours});
+        return picture;
+    }
+};
+
+/// A body that one of Qt's threads draws. Not only for the time that passes meanwhile: outside of these threads Qt 6.4
+/// shares every larger shape out among them, which takes longer than to draw it.
+class Sketch {
+public:
+    explicit Sketch(const Body& body) : key_(body.key()), work_(std::make_shared<Work>())
+    {
+        QThreadPool::globalInstance()->start([body, work = work_] {
+            work->picture = body.drawn();
+            work->isDone.release();
+        });
+    }
+
+    bool isOf(const QString& key) const { return key_ == key; }
+    /// Waits for it; once.
+    QPixmap take()
+    {
+        work_->isDone.acquire();
+        return QPixmap::fromImage(std::move(work_->picture));
+    }
+
+private:
+    struct Work {
+        QSemaphore isDone;
+        QImage picture;
+    };
+
+    QString key_;
+    std::shared_ptr<Work> work_;
+};
+
+/// The last one, until it is taken.
+std::optional<Sketch>& lastSketch()
+{
+    static std::optional<Sketch> sketch;
+    return sketch;
+}
+
+QPixmap pictureOf(const Body& body)
+{
+    const QString key = body.key();
+    QPixmap picture;
+    if (QPixmapCache::find(key, &picture))
+        return picture;
+    if (!lastSketch() || !lastSketch()->isOf(key))
+        lastSketch().emplace(body);
+    picture = lastSketch()->take();
+    lastSketch().reset();
+    QPixmapCache::insert(key, picture);
+    return picture;
+}
+
+} // namespace
+
+void beginPot(const QSizeF& size, double scale, const PotLook& look, const PanelColours& colours)
+{
+    const Body body{size, scale, look, colours};
+    const QString key = body.key();
+    QPixmap picture;
+    if (!size.isEmpty() && !QPixmapCache::find(key, &picture) && (!lastSketch() || !lastSketch()->isOf(key)))
+        lastSketch().emplace(body);
+}
+
+void drawPot(QPainter& painter, const QRectF& square, const PotLook& look, const PanelColours& colours,
+             const QFont& font)
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    const double scale = painter.device()->devicePixelRatioF();
+    painter.drawPixmap(square.topLeft(), pictureOf({square.size(), scale, look, colours}));
+    const Drawing d{painter, square.center(), std::min(square.width(), square.height()) / 2, look, colours};
+    drawNumber(d, font);
+    drawMarks(d);
+}
+
+} // namespace interface

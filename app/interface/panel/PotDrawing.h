@@ -1,0 +1,31 @@
+#pragma once
+// Draws one pot of the front panel: cap with knurl and pointer on its skirt, the ring round it, tick marks and number.
+
+#include "app/interface/panel/PanelColours.h"
+
+#include <QFont>
+#include <QRect>
+
+class QPainter;
+
+namespace interface {
+
+struct PotLook {
+    int number = 1;
+    bool isMapped = false;
+    bool isEnabled = true;
+    bool isHovered = false;
+    bool isPressed = false;
+    bool hasFocus = false;
+    bool isDropTarget = false;
+};
+
+/// Fills the square; the cap lies in its middle.
+void drawPot(QPainter& painter, const QRectF& square, const PotLook& look, const PanelColours& colours,
+             const QFont& font);
+
+/// Begins in another thread what drawPot() will be asked for next, on a device of so many pixels to a point. `colours`
+/// must stay.
+void beginPot(const QSizeF& size, double scale, const PotLook& look, const PanelColours& colours);
+
+} // namespace interface

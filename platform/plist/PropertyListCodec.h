@@ -1,0 +1,44 @@
+#pragma once
+
+// What the sources of the property-list codec share: the two readers and writers, their bounds, and the text of
+// numbers, dates and characters.
+
+#include "platform/plist/PropertyList.h"
+
+namespace platform::plist {
+
+inline constexpr std::size_t kMaxFileBytes = std::size_t{64} << 20;
+inline constexpr std::size_t kMaxTextBytes = std::size_t{64} << 20;
+inline constexpr std::size_t kMaxValues = 1'000'000;
+inline constexpr std::size_t kMaxDepth = 512;
+
+std::optional<Value> readXml(std::string_view bytes);
+std::optional<Value> readBinary(std::string_view bytes);
+// Nothing if XML cannot hold some value.
+std::optional<std::string> writeXml(const Value& root);
+std::string writeBinary(const Value& root);
+
+// Decimal, with or without exponent; "inf", "infinity" and "nan" in any case; signed. 64 bits wide.
+std::optional<Real> realFrom(std::string_view text);
+// A text that realFrom() reads as the same number, of at most 17 digits; 1.0 is "1".
+std::string textOf(double number);
+
+// Seconds since 2001-01-01T00:00:00Z, proleptic Gregorian, with a year 0. Nothing if the text is no DateText.
+std::optional<double> secondsOfDate(std::string_view text);
+// YYYY-MM-DDTHH:MM:SSZ; nothing if such a text would not read back as the same seconds.
+std::optional<std::string> dateOfSeconds(Real seconds);
+
+struct CodePoint {
+    char32_t value;
+    std::size_t length; // in bytes
+    bool wellFormed;    // if not: one byte, to be written as U+FFFD
+};
+
+// The code point that starts at `at` in a UTF-8 text; a lone surrogate in three bytes counts as well-formed.
+CodePoint codePointAt(std::string_view text, std::size_t at);
+bool isAscii(std::string_view text);
+
+// Without the blanks of XML at both ends.
+std::string_view trimmed(std::string_view text);
+
+} // namespace platform::plist
