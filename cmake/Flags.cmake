@@ -7,6 +7,17 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
     # GCC 12 sees overlaps and overflows in std::string and std::vector that are not there (GCC bugs 105329, 105651).
     target_compile_options(kv_flags INTERFACE -Wno-restrict -Wno-stringop-overflow)
 endif()
+# What users get ends when its memory is damaged, and leaves nothing in it that could be turned against it.
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT KV_SANITIZE)
+    include(CheckCXXCompilerFlag)
+    check_cxx_compiler_flag(-fcf-protection KV_HAS_CONTROL_FLOW_PROTECTION) # x86 alone has it
+    target_compile_options(kv_flags INTERFACE -fstack-protector-strong
+        $<$<BOOL:${KV_HAS_CONTROL_FLOW_PROTECTION}>:-fcf-protection>)
+    target_compile_definitions(kv_flags INTERFACE _FORTIFY_SOURCE=2)
+    if(NOT APPLE) # whose linker does the same unasked
+        target_link_options(kv_flags INTERFACE -Wl,-z,relro,-z,now)
+    endif()
+endif()
 if(KV_WARNINGS_AS_ERRORS)
     target_compile_options(kv_flags INTERFACE -Werror)
 endif()
