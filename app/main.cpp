@@ -11,9 +11,9 @@
 #include "platform/files/Files.h"
 #include "platform/qt/Application.h"
 #include "platform/qt/CompletionGate.h"
+#include "platform/qt/CurlHttp.h"
 #include "platform/qt/QtJson.h"
 #include "platform/qt/SystemEffects.h"
-#include "platform/qt/TransferHttp.h"
 #include "platform/qt/UndoStack.h"
 
 #include <unistd.h>
@@ -28,8 +28,7 @@ int main(int argc, char* argv[])
     platform::qt::MessageBoxAlerts alerts(gate);
     platform::qt::DesktopWorkspace workspace;
     platform::qt::UserFolders folders;
-    platform::qt::TransferHttp http(gate);
-    http.prepare(); // for the log-in check of the start
+    platform::qt::CurlHttp http(gate);
     platform::UserPreferences preferences(KV_BUNDLE_IDENTIFIER);
     platform::qt::QtJson json;
     platform::ErrorAlerts errors(alerts);

@@ -8,9 +8,9 @@
 #include "platform/StreamLog.h"
 #include "platform/UserPreferences.h"
 #include "platform/qt/CompletionGate.h"
+#include "platform/qt/CurlHttp.h"
 #include "platform/qt/QtJson.h"
 #include "platform/qt/SystemEffects.h"
-#include "platform/qt/TransferHttp.h"
 #include "platform/qt/UndoStack.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -60,7 +60,7 @@ private:
     platform::qt::DesktopWorkspace workspace_;
     platform::qt::UserFolders folders_;
     platform::StreamLog log_;
-    platform::qt::TransferHttp http_{gate_};
+    platform::qt::CurlHttp http_{gate_};
     platform::UserPreferences preferences_{"org.example.kv-bench"};
     platform::qt::QtJson json_;
     platform::ErrorAlerts errors_{alerts_};

@@ -1,7 +1,6 @@
 // Loaded into an unchanged program by QT_QPA_GENERIC_PLUGINS: once the main window has been exposed and painted, and
 // the row named by KV_BENCH_SELECT, if any, has been chosen and painted too, writes to the file that KV_BENCH_REPORT
-// names the time since KV_BENCH_STARTED until the painting, the peak memory so far and that until the window was about
-// to be shown, and ends the program.
+// names the time since KV_BENCH_STARTED until the painting and the peak memory so far, and ends the program.
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -44,8 +43,6 @@ public:
 
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        if (event->type() == QEvent::Show && qobject_cast<QMainWindow*>(watched) && unshownKiB_ == 0)
-            unshownKiB_ = peakKiB();
         // The paint event of the backing store's widget is handled when the filters are through with it.
         if (event->type() == QEvent::Paint && qobject_cast<QMainWindow*>(watched) && !window_) {
             window_ = qobject_cast<QMainWindow*>(watched);
@@ -61,7 +58,7 @@ private:
         if (qEnvironmentVariableIsSet("KV_BENCH_SELECT"))
             choose(qEnvironmentVariable("KV_BENCH_SELECT"));
         if (std::FILE* report = std::fopen(qPrintable(qEnvironmentVariable("KV_BENCH_REPORT")), "w")) {
-            std::fprintf(report, "%f %ld %ld\n", shownAfterMs_, peakKiB(), unshownKiB_);
+            std::fprintf(report, "%f %ld\n", shownAfterMs_, peakKiB());
             std::fclose(report);
         }
         std::_Exit(0);
@@ -80,7 +77,6 @@ private:
 
     QMainWindow* window_ = nullptr;
     double shownAfterMs_ = 0;
-    long unshownKiB_ = 0;
 };
 
 } // namespace

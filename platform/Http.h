@@ -3,8 +3,8 @@
 // run beside everything else. Addresses are sent byte for byte; a blank or control character in one fails the request,
 // and what follows a `#` stays here, as in every address.
 //
-// Both follow redirects as browsers do, ten at most and to http and https only, and end after 60 seconds without
-// progress. Nothing is sent twice.
+// Both follow redirects as browsers do, ten at most and to http and https only. A blocking request ends after 60
+// seconds in all, a download after 60 seconds without progress. Nothing is sent twice.
 
 #include "platform/controls/Property.h"
 

@@ -8,7 +8,7 @@
 
 namespace platform {
 
-bool writeWhole(int descriptor, std::string_view bytes, int patience) noexcept
+bool writeWhole(int descriptor, std::string_view bytes) noexcept
 {
     while (!bytes.empty()) {
         const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
@@ -20,7 +20,7 @@ bool writeWhole(int descriptor, std::string_view bytes, int patience) noexcept
             continue;
         pollfd writable = {descriptor, POLLOUT, 0};
         const bool mustWait = written < 0 && errno == EAGAIN;
-        if (!mustWait || ::poll(&writable, 1, patience) == 0)
+        if (!mustWait || ::poll(&writable, 1, -1) == 0)
             return false;
     }
     return true;

@@ -5,9 +5,8 @@
 
 namespace platform {
 
-/// Writes every byte, however many calls it takes. A descriptor that would have to wait is waited for, each time at
-/// most so long in milliseconds; a negative time is no limit. False when that or the writing failed. Does only what a
-/// signal handler may.
-bool writeWhole(int descriptor, std::string_view bytes, int patience = -1) noexcept;
+/// Writes every byte, however many calls it takes; a descriptor that would have to wait is waited for. False when the
+/// writing failed. Does only what a signal handler may.
+bool writeWhole(int descriptor, std::string_view bytes) noexcept;
 
 } // namespace platform

@@ -98,12 +98,6 @@ void DesktopWorkspace::openFile(const std::filesystem::path& path)
     QDesktopServices::openUrl(QUrl::fromEncoded(QByteArray::fromStdString(fileUrl(path)), QUrl::StrictMode));
 }
 
-std::filesystem::path besideProgram(const char* name)
-{
-    const auto folder = QFile::encodeName(QCoreApplication::applicationDirPath()).toStdString();
-    return (std::filesystem::path(folder) / ".." / name).lexically_normal();
-}
-
 std::filesystem::path UserFolders::home() const
 {
     if (const char* home = environmentOr("HOME", nullptr))
@@ -128,7 +122,8 @@ std::filesystem::path UserFolders::userApplicationSupport() const
 
 std::filesystem::path UserFolders::resources() const
 {
-    return besideProgram(KV_RESOURCES_FOLDER);
+    const auto folder = QFile::encodeName(QCoreApplication::applicationDirPath()).toStdString();
+    return (std::filesystem::path(folder) / ".." / KV_RESOURCES_FOLDER).lexically_normal();
 }
 
 std::string TranslatedTexts::localizedString(const std::string& english) const

@@ -25,9 +25,6 @@ public:
 
 /// Home is `HOME`. The machine-wide library is /Library, or the folder that KV_LOCAL_LIBRARY names. The user's
 /// Application Support is in the home's Library on macOS, elsewhere XDG_DATA_HOME. Resources lie beside the program.
-/// What is built and installed beside the program's own folder.
-std::filesystem::path besideProgram(const char* name);
-
 class UserFolders final : public Folders {
 public:
     std::filesystem::path home() const override;

@@ -1,7 +1,7 @@
 // What a blocking request holds up, and what it does not.
 
 #include "platform/qt/CompletionGate.h"
-#include "platform/qt/TransferHttp.h"
+#include "platform/qt/CurlHttp.h"
 #include "tests/support/Alerts.h"
 #include "tests/support/ScriptedPeer.h"
 #include "tests/support/TemporaryHome.h"
@@ -9,9 +9,13 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
+
+#include <future>
+#include <optional>
 
 #include <sys/socket.h>
 #include <unistd.h>
@@ -51,7 +55,7 @@ protected:
     }
 
     CompletionGate gate_;
-    TransferHttp http_{gate_};
+    CurlHttp http_{gate_};
     ScriptedPeer peer_;
 };
 
@@ -137,6 +141,23 @@ TEST_F(BlockingRequest, ShowsWhatWasSetJustBefore)
     EXPECT_GE(window.paints, 1);
 }
 
+TEST_F(BlockingRequest, EndsSoonAfterItIsCancelled)
+{
+    int asked = 0;
+    CurlHttp cancelled(gate_, [&asked] { return ++asked > 5; });
+    std::promise<bool> isLeft;
+    peer_.play([&isLeft](ScriptedPeer::Connection& connection) { isLeft.set_value(connection.waitForTheEnd()); });
+    QElapsedTimer time;
+    time.start();
+    EXPECT_EQ(cancelled.post(peer_.url(), {}, {}), std::nullopt);
+    EXPECT_LT(time.elapsed(), 3000); // it is asked many times a second
+    EXPECT_EQ(asked, 6);
+    EXPECT_TRUE(isLeft.get_future().get());
+
+    EXPECT_EQ(cancelled.post(peer_.url(), {}, {}), std::nullopt);
+    EXPECT_EQ(peer_.requests().size(), 1u);
+}
+
 TEST_F(BlockingRequest, KeepsTheCompletionOfADownloadWaiting)
 {
     const support::TemporaryHome home;
@@ -152,9 +173,9 @@ TEST_F(BlockingRequest, KeepsTheCompletionOfADownloadWaiting)
 TEST_F(BlockingRequest, DoesNotCountAgainstADownload)
 {
     const support::TemporaryHome home;
-    TransferHttp impatient(gate_, {500ms, 1000, std::size_t{64} << 20});
+    CurlHttp impatient(gate_, {}, {10s, 500ms, 1000, std::size_t{64} << 20});
     ScriptedPeer files;
-    const std::string content(std::size_t{16} << 20, 'x'); // more than fits into sockets and pipes
+    const std::string content(std::size_t{16} << 20, 'x'); // more than fits into sockets
     files.play(support::reply(content));
     bool isFinished = false;
     std::string failure;

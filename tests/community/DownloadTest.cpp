@@ -2,7 +2,7 @@
 
 #include "platform/files/Files.h"
 #include "platform/qt/CompletionGate.h"
-#include "platform/qt/TransferHttp.h"
+#include "platform/qt/CurlHttp.h"
 #include "tests/support/Alerts.h"
 #include "tests/support/ScriptedPeer.h"
 #include "tests/support/TemporaryHome.h"
@@ -24,7 +24,7 @@ class Download : public testing::Test {
 protected:
     Download() { fs::create_directory(folder_); }
 
-    void start(TransferHttp& http, const std::string& address)
+    void start(CurlHttp& http, const std::string& address)
     {
         http.download(address, file_,
                       {[this] { ++finished_; }, [this](const DownloadError& error) { error_ = error; }});
@@ -45,8 +45,8 @@ protected:
     const fs::path folder_ = home_.path() / "plug-in";
     const fs::path file_ = folder_ / "CSParameterOrder.plist.downloaded";
     CompletionGate gate_;
-    TransferHttp http_{gate_};
-    TransferHttp impatient_{gate_, {300ms, 1000, 1000}};
+    CurlHttp http_{gate_};
+    CurlHttp impatient_{gate_, {}, {300ms, 300ms, 1000, 1000}};
     ScriptedPeer peer_;
     int finished_ = 0;
     std::optional<DownloadError> error_;
@@ -186,6 +186,35 @@ TEST_F(Download, FailsWithoutProgress)
     EXPECT_EQ(failure(), "Timeout was reached");
 }
 
+TEST_F(Download, IsPatientWhileSomethingMoves)
+{
+    peer_.play([](Connection& connection) {
+        connection.wait(100ms);
+        connection.send(support::redirect(302, "/there"));
+    });
+    peer_.play([](Connection& connection) {
+        connection.send("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n");
+        for (int i = 0; i < 10; ++i) {
+            connection.wait(100ms);
+            connection.send("x");
+        }
+    });
+    start(impatient_, peer_.url());
+    EXPECT_TRUE(wait());
+    EXPECT_EQ(support::readFile(file_), "xxxxxxxxxx");
+}
+
+TEST_F(Download, DoesNotBelieveEverySizeThatIsAnnounced)
+{
+    peer_.play([](Connection& connection) {
+        connection.send("HTTP/1.1 200 OK\r\nContent-Length: 1001\r\n\r\na");
+        connection.waitForTheEnd();
+    });
+    start(impatient_, peer_.url());
+    EXPECT_TRUE(support::waitUntil([&] { return impatient_.downloadProgress.get().received == 1; }));
+    EXPECT_EQ(impatient_.downloadProgress.get().expected, 0);
+}
+
 TEST_F(Download, TakesSoManyBytesAndNoMore)
 {
     peer_.play(support::reply(std::string(1000, 'x')));
@@ -204,8 +233,9 @@ TEST_F(Download, TakesSoManyBytesAndNoMore)
 
 TEST_F(Download, TakesSixtyFourMebibytesOfASharedFile)
 {
-    EXPECT_EQ(TransferHttp::Limits().file, std::size_t{64} << 20);
-    EXPECT_EQ(TransferHttp::Limits().stall, 60s);
+    EXPECT_EQ(HttpLimits().file, std::size_t{64} << 20);
+    EXPECT_EQ(HttpLimits().stall, 60s);
+    EXPECT_EQ(HttpLimits().total, 60s);
 }
 
 TEST_F(Download, FailsWhenTheFileCannotBeWritten)
@@ -265,7 +295,7 @@ TEST_F(Download, LeavesNothingBehindWhenTheProgramEnds)
         connection.wait(20s);
     });
     {
-        TransferHttp http(gate_);
+        CurlHttp http(gate_);
         start(http, peer_.url());
         EXPECT_TRUE(support::waitUntil([&] { return http.downloadProgress.get().received == 3; }));
         EXPECT_FALSE(fs::is_empty(folder_));

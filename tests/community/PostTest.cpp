@@ -2,18 +2,21 @@
 
 #include "community/Requests.h"
 #include "platform/qt/CompletionGate.h"
-#include "platform/qt/TransferHttp.h"
+#include "platform/qt/CurlHttp.h"
 #include "tests/support/ScriptedPeer.h"
 
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
-#include <QTest>
 
-#include <csignal>
-#include <fstream>
+#include <string>
+#include <vector>
 
-#include <sys/wait.h>
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace platform::qt {
 
@@ -32,8 +35,8 @@ protected:
     }
 
     CompletionGate gate_;
-    TransferHttp http_{gate_};
-    TransferHttp impatient_{gate_, {300ms, 1000, 1000}};
+    CurlHttp http_{gate_};
+    CurlHttp impatient_{gate_, {}, {300ms, 300ms, 1000, 1000}};
     ScriptedPeer peer_;
 };
 
@@ -209,7 +212,7 @@ TEST_F(Post, EndsAnEndlessReply)
     EXPECT_EQ(post("endless"), std::nullopt);
 }
 
-TEST_F(Post, GivesUpWithoutProgress)
+TEST_F(Post, GivesUpOnASilentServer)
 {
     for (const char* beginning : {"", "HTTP/1.1 200 OK\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc"}) {
         peer_.play([beginning](Connection& connection) {
@@ -224,16 +227,73 @@ TEST_F(Post, GivesUpWithoutProgress)
     }
 }
 
-TEST_F(Post, IsPatientWhileSomethingMoves)
+TEST_F(Post, HasItsTimeInAllHoweverMuchMoves)
 {
-    peer_.play([](Connection& connection) {
-        connection.send("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n");
-        for (int i = 0; i < 10; ++i) {
+    const auto drip = [](const char* beginning, const char* drop, const char* end) {
+        return [=](Connection& connection) {
+            connection.send(beginning);
+            for (int i = 0; i < 20; ++i) {
+                connection.wait(50ms);
+                connection.send(drop);
+            }
+            connection.send(end);
+        };
+    };
+    peer_.play(drip("HTTP/1.1 200 OK\r\nContent-Length: 20\r\n\r\n", "x", ""));
+    EXPECT_EQ(impatient_.post(peer_.url() + "body", {}, {}), std::nullopt);
+    peer_.play(drip("HTTP/1.1 200 OK\r\n", "X-Drop: x\r\n", "\r\n"));
+    EXPECT_EQ(impatient_.post(peer_.url() + "head", {}, {}), std::nullopt);
+    peer_.play(drip("HTTP/1.1 200 OK\r\nContent-Length: 20\r\n\r\n", "x", ""));
+    EXPECT_EQ(post("patient"), std::string(20, 'x'));
+}
+
+TEST_F(Post, HasItsTimeInAllOverRedirects)
+{
+    for (int i = 0; i < 10; ++i) {
+        peer_.play([](Connection& connection) {
             connection.wait(100ms);
-            connection.send("x");
-        }
-    });
-    EXPECT_EQ(impatient_.post(peer_.url(), {}, {}), "xxxxxxxxxx");
+            connection.send(support::redirect(302, "/again"));
+        });
+    }
+    peer_.play(support::reply("there"));
+    EXPECT_EQ(impatient_.post(peer_.url(), {}, {}), std::nullopt);
+    EXPECT_LT(peer_.requests().size(), 6u);
+}
+
+TEST_F(Post, HasItsTimeInAllWhileItConnects)
+{
+    // Nobody accepts and the queue is full, so that the next one waits for an answer to its first packet.
+    const auto open = [] { return ::socket(AF_INET, SOCK_STREAM, 0); };
+    const int listener = open();
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    auto* const general = reinterpret_cast<sockaddr*>(&address);
+    ASSERT_EQ(::bind(listener, general, size), 0);
+    ASSERT_EQ(::listen(listener, 0), 0);
+    ASSERT_EQ(::getsockname(listener, general, &size), 0);
+    std::vector<int> waiting;
+    for (int i = 0; i < 5; ++i) {
+        waiting.push_back(open());
+        ::fcntl(waiting.back(), F_SETFL, O_NONBLOCK);
+        ::connect(waiting.back(), general, size);
+    }
+    QElapsedTimer time;
+    time.start();
+    const std::string url = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/";
+    EXPECT_EQ(impatient_.post(url, {}, {}), std::nullopt);
+    EXPECT_GE(time.elapsed(), 300);
+    EXPECT_LT(time.elapsed(), 3000);
+    waiting.push_back(listener);
+    for (const int socket : waiting)
+        ::close(socket);
+}
+
+TEST_F(Post, TakesTheReplyToAVeryLongAddress)
+{
+    peer_.play(support::reply("<h1>too long</h1>", "414 URI Too Long"));
+    EXPECT_EQ(post(std::string(1'000'000, 'x')), "<h1>too long</h1>");
 }
 
 TEST_F(Post, BecomesAGetWhenRedirectedAsBrowsersDo)
@@ -289,43 +349,6 @@ TEST_F(Post, TakesThePageOfARedirectThatLeadsNowhere)
     EXPECT_EQ(post("choice"), "page");
     EXPECT_EQ(peer_.requests().size(), 2u);
 }
-
-TEST_F(Post, GoesThroughAProcessThatWasPreparedOnce)
-{
-    peer_.play(support::reply("first"));
-    peer_.play(support::reply("second"));
-    http_.prepare();
-    EXPECT_EQ(post("one"), "first");
-    EXPECT_EQ(post("two"), "second");
-    http_.prepare(); // never used
-}
-
-#ifdef Q_OS_LINUX
-TEST_F(Post, NeedsNoPreparedProcessThatHasDied)
-{
-    peer_.play(support::reply("reply"));
-    http_.prepare();
-    std::ifstream children("/proc/thread-self/children");
-    pid_t prepared = 0;
-    ASSERT_TRUE(children >> prepared);
-    ASSERT_EQ(::kill(prepared, SIGKILL), 0);
-    siginfo_t ended = {};
-    ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(prepared), &ended, WEXITED | WNOWAIT), 0);
-    EXPECT_EQ(post("once"), "reply");
-    EXPECT_EQ(peer_.requests().size(), 1u);
-}
-
-TEST_F(Post, ClearsItsProcessAwaySoonAfterwards)
-{
-    peer_.play(support::reply("reply"));
-    EXPECT_EQ(post("once"), "reply");
-    const auto areChildrenLeft = [] {
-        siginfo_t ended = {};
-        return ::waitid(P_ALL, 0, &ended, WEXITED | WNOHANG | WNOWAIT) == 0;
-    };
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !areChildrenLeft(); }, 10'000));
-}
-#endif
 
 TEST_F(Post, GoesThroughTheProxyOfTheEnvironmentExceptToThisMachine)
 {

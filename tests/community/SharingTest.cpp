@@ -52,7 +52,7 @@ protected:
         first_ = home_.addPlugin("Maker", "A One", support::orderFile("0 Cutoff,1 Resonance,-1,2 Drive"));
         second_ = home_.addPlugin("Maker", "B Two", support::orderFile("5 Mix"));
         peer_.play(support::reply("no"));
-        program_.emplace(platform::qt::TransferHttp::Limits{2s, 1 << 20, 1 << 20});
+        program_.emplace(platform::qt::HttpLimits{2s, 2s, 1 << 20, 1 << 20});
         program_->start();
         program_->choosePlugin(0);
     }

@@ -22,7 +22,7 @@ std::vector<std::string> RecordedLog::linesWith(std::string_view beginning) cons
     return found;
 }
 
-Program::Program(platform::qt::TransferHttp::Limits limits) : http(gate, limits)
+Program::Program(platform::qt::HttpLimits limits) : http(gate, {}, limits)
 {
     test::startAnew();
 }

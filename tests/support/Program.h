@@ -6,9 +6,9 @@
 #include "platform/ErrorAlerts.h"
 #include "platform/UserPreferences.h"
 #include "platform/qt/CompletionGate.h"
+#include "platform/qt/CurlHttp.h"
 #include "platform/qt/QtJson.h"
 #include "platform/qt/SystemEffects.h"
-#include "platform/qt/TransferHttp.h"
 #include "platform/qt/UndoStack.h"
 
 #include <string>
@@ -31,7 +31,7 @@ public:
     static constexpr char kBundleIdentifier[] = "org.example.kv-test";
 
     /// Forgets what an earlier one in this process has left in the editing state.
-    explicit Program(platform::qt::TransferHttp::Limits limits = {});
+    explicit Program(platform::qt::HttpLimits limits = {});
 
     /// Start-up as in `main`.
     void start();
@@ -45,7 +45,7 @@ public:
     platform::qt::DesktopWorkspace workspace;
     platform::qt::UserFolders folders;
     RecordedLog log;
-    platform::qt::TransferHttp http;
+    platform::qt::CurlHttp http;
     platform::UserPreferences preferences{kBundleIdentifier};
     platform::qt::QtJson json;
     platform::ErrorAlerts errors{alerts};

@@ -5,8 +5,8 @@
 #include "app/ViewController.h"
 #include "platform/ErrorAlerts.h"
 #include "platform/qt/CompletionGate.h"
+#include "platform/qt/CurlHttp.h"
 #include "platform/qt/QtJson.h"
-#include "platform/qt/TransferHttp.h"
 #include "platform/qt/UndoStack.h"
 
 #include <optional>
@@ -82,7 +82,7 @@ public:
 private:
     FoldersBelow folders_;
     platform::qt::CompletionGate gate_;
-    platform::qt::TransferHttp http_{gate_};
+    platform::qt::CurlHttp http_{gate_};
     NoPreferences preferences_;
     platform::qt::QtJson json_;
     platform::ErrorAlerts errors_{alerts};

@@ -2,11 +2,8 @@
 // One HTTP request with its redirects on a libcurl handle; whoever drives the handle asks this class what comes next.
 // Every hop has a connection of its own, so that libcurl has no reason to send anything twice.
 
-#include "platform/transfer/Protocol.h"
-
 #include <curl/curl.h>
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -14,26 +11,38 @@
 #include <string>
 #include <string_view>
 
-namespace platform::transfer {
+namespace platform::qt {
+
+struct FreeMulti {
+    void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+};
+using MultiHandle = std::unique_ptr<CURLM, FreeMulti>;
 
 class CurlTransfer {
 public:
+    struct Request {
+        std::string address;
+        bool isPost = false;
+        std::string contentType;
+        std::string body;
+    };
     /// Takes a piece of the body; false ends the transfer.
     using Sink = std::function<bool(std::string_view)>;
-    using Clock = std::chrono::steady_clock;
 
-    CurlTransfer(Request request, Sink sink);
+    /// A reply body of more than `limit` bytes ends the transfer.
+    CurlTransfer(Request request, std::size_t limit, Sink sink);
     CurlTransfer(const CurlTransfer&) = delete;
     CurlTransfer& operator=(const CurlTransfer&) = delete;
 
     CURL* handle() const { return handle_.get(); }
 
-    /// After libcurl was done with `result`: whether the reply led elsewhere and the handle is ready for that.
-    /// Otherwise `result` is the outcome of the whole transfer.
-    bool followRedirect(CURLcode& result);
+    /// Makes the handle ready for the first hop and, after libcurl was done with one with `result`, for where its reply
+    /// led. False when nothing is to be sent (any more): `result` is the outcome of the whole transfer then.
+    bool nextHop(CURLcode& result);
 
-    /// Whether nothing at all has moved for as long as `limit`.
-    bool isStalled(std::chrono::milliseconds limit);
+    /// Whether anything at all has moved since this was last asked.
+    bool hasMoved();
+    std::int64_t received() const { return static_cast<std::int64_t>(received_); }
     /// Size of the body as announced, 0 when it was not.
     std::int64_t expected() const;
     /// The address of the hop that came last.
@@ -47,16 +56,14 @@ private:
         void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
     };
 
-    /// Forgets how long nothing has moved.
-    void restartWatch() { movedAt_ = Clock::now(); }
-    void setUp();
-    void setUpHop();
+    CURLcode setUp();
     /// Whether the reply whose headers have arrived leads elsewhere.
     bool isRedirect() const;
     static std::size_t takeHeader(char* bytes, std::size_t one, std::size_t count, void* self);
     static std::size_t take(char* bytes, std::size_t one, std::size_t count, void* self);
 
     Request request_;
+    std::size_t limit_;
     Sink sink_;
     std::unique_ptr<curl_slist, FreeList> headers_;
     std::unique_ptr<CURL, FreeHandle> handle_;
@@ -64,9 +71,8 @@ private:
     bool isTooLarge_ = false;
     bool isHeadWhole_ = false;
     bool hasLocation_ = false;
-    int redirects_ = 0;
+    int hops_ = 0;
     std::int64_t moved_ = 0;
-    Clock::time_point movedAt_ = Clock::now();
 };
 
-} // namespace platform::transfer
+} // namespace platform::qt

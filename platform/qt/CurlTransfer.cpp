@@ -1,13 +1,13 @@
-#include "platform/transfer/CurlTransfer.h"
+#include "platform/qt/CurlTransfer.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace platform::transfer {
+namespace platform::qt {
 
 namespace {
 
-constexpr int kMostRedirects = 10;
+constexpr int kMostHops = 11;
 
 /// A host that names this machine, however it is written in an address.
 bool isLoopback(std::string_view host)
@@ -33,67 +33,70 @@ std::string hostOf(const std::string& address)
     return host;
 }
 
-void allowHttpOnly(CURL* handle)
+/// A library that is older than the headers refuses the option that has no number for each scheme.
+CURLcode allowHttpOnly(CURL* handle)
 {
 #if LIBCURL_VERSION_NUM >= 0x075500
-    curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "http,https");
-#else
-    curl_easy_setopt(handle, CURLOPT_PROTOCOLS, static_cast<long>(CURLPROTO_HTTP | CURLPROTO_HTTPS));
+    const CURLcode result = curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "http,https");
+    if (result != CURLE_UNKNOWN_OPTION)
+        return result;
 #endif
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    return curl_easy_setopt(handle, CURLOPT_PROTOCOLS, static_cast<long>(CURLPROTO_HTTP | CURLPROTO_HTTPS));
+#pragma GCC diagnostic pop
 }
 
 } // namespace
 
-CurlTransfer::CurlTransfer(Request request, Sink sink)
-    : request_(std::move(request)), sink_(std::move(sink)), handle_(curl_easy_init())
-{
-    setUp();
-    setUpHop();
-}
+CurlTransfer::CurlTransfer(Request request, std::size_t limit, Sink sink)
+    : request_(std::move(request)), limit_(limit), sink_(std::move(sink)), handle_(curl_easy_init())
+{}
 
-void CurlTransfer::setUp()
+CURLcode CurlTransfer::setUp()
 {
-    CURL* curl = handle();
-    allowHttpOnly(curl);
-    curl_easy_setopt(curl, CURLOPT_PATH_AS_IS, 1L);
+    if (!handle_)
+        return CURLE_FAILED_INIT;
+    // A NUL would cut the address short and ask for something else.
+    if (request_.address.find('\0') != std::string::npos)
+        return CURLE_URL_MALFORMAT;
+    CURLcode result = allowHttpOnly(handle());
+    const auto set = [&](CURLoption option, auto value) {
+        if (result == CURLE_OK)
+            result = curl_easy_setopt(handle(), option, value);
+    };
+    set(CURLOPT_URL, request_.address.c_str());
+    set(CURLOPT_PATH_AS_IS, 1L);
     // A redirect must not make us send an authorization that nobody gave.
-    curl_easy_setopt(curl, CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
-    curl_easy_setopt(curl, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
-    curl_easy_setopt(curl, CURLOPT_FRESH_CONNECT, 1L);
-    curl_easy_setopt(curl, CURLOPT_FORBID_REUSE, 1L);
-    curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT, 0L);
-    curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, &CurlTransfer::takeHeader);
-    curl_easy_setopt(curl, CURLOPT_HEADERDATA, static_cast<void*>(this));
-    curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &CurlTransfer::take);
-    curl_easy_setopt(curl, CURLOPT_WRITEDATA, static_cast<void*>(this));
-#if LIBCURL_VERSION_NUM >= 0x075700
-    curl_easy_setopt(curl, CURLOPT_QUICK_EXIT, 1L); // giving up must not wait for a name to be looked up
-#endif
-}
-
-void CurlTransfer::setUpHop()
-{
-    CURL* curl = handle();
-    // A NUL would cut the address short and ask for something else; an address that is no address fails.
-    const bool isWhole = request_.address.find('\0') == std::string::npos;
-    curl_easy_setopt(curl, CURLOPT_URL, isWhole ? request_.address.c_str() : "");
+    set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
     // A null pointer leaves the choice to the environment's variables.
-    curl_easy_setopt(curl, CURLOPT_PROXY, isLoopback(hostOf(request_.address)) ? "" : nullptr);
-    curl_easy_setopt(curl, CURLOPT_HTTPHEADER, nullptr);
-    headers_.reset();
-    if (!request_.isPost) {
-        curl_easy_setopt(curl, CURLOPT_HTTPGET, 1L);
-        return;
+    set(CURLOPT_PROXY, isLoopback(hostOf(request_.address)) ? "" : nullptr);
+    set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    set(CURLOPT_FRESH_CONNECT, 1L);
+    set(CURLOPT_FORBID_REUSE, 1L);
+    set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_HEADERFUNCTION, &CurlTransfer::takeHeader);
+    set(CURLOPT_HEADERDATA, static_cast<void*>(this));
+    set(CURLOPT_WRITEFUNCTION, &CurlTransfer::take);
+    set(CURLOPT_WRITEDATA, static_cast<void*>(this));
+#if LIBCURL_VERSION_NUM >= 0x075700
+    // Giving up should not wait for a name to be looked up; where it has to, it is only late.
+    curl_easy_setopt(handle(), CURLOPT_QUICK_EXIT, 1L);
+#endif
+    if (request_.isPost) {
+        // A header without a value is one that is not sent.
+        const std::string contentType =
+            request_.contentType.empty() ? "Content-Type:" : "Content-Type: " + request_.contentType;
+        headers_.reset(curl_slist_append(curl_slist_append(nullptr, contentType.c_str()), "Expect:"));
+        set(CURLOPT_POST, 1L);
+        set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request_.body.size()));
+        set(CURLOPT_POSTFIELDS, request_.body.data());
+        set(CURLOPT_HTTPHEADER, headers_.get());
+    } else {
+        set(CURLOPT_HTTPGET, 1L);
+        set(CURLOPT_HTTPHEADER, nullptr);
     }
-    // A header without a value is one that is not sent.
-    const std::string contentType =
-        request_.contentType.empty() ? "Content-Type:" : "Content-Type: " + request_.contentType;
-    headers_.reset(curl_slist_append(curl_slist_append(nullptr, contentType.c_str()), "Expect:"));
-    curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headers_.get());
-    curl_easy_setopt(curl, CURLOPT_POST, 1L);
-    curl_easy_setopt(curl, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request_.body.size()));
-    curl_easy_setopt(curl, CURLOPT_POSTFIELDS, request_.body.data());
+    return result;
 }
 
 bool CurlTransfer::isRedirect() const
@@ -103,8 +106,12 @@ bool CurlTransfer::isRedirect() const
     return hasLocation_ && (status == 301 || status == 302 || status == 303 || status == 307 || status == 308);
 }
 
-bool CurlTransfer::followRedirect(CURLcode& result)
+bool CurlTransfer::nextHop(CURLcode& result)
 {
+    if (hops_++ == 0) {
+        result = setUp();
+        return result == CURLE_OK;
+    }
     if (isTooLarge_)
         result = CURLE_FILESIZE_EXCEEDED;
     if (result == CURLE_OK && !isHeadWhole_) // libcurl takes a head that was cut off for a whole one
@@ -113,7 +120,7 @@ bool CurlTransfer::followRedirect(CURLcode& result)
     curl_easy_getinfo(handle(), CURLINFO_REDIRECT_URL, &target);
     if (result != CURLE_OK || !isRedirect() || !target)
         return false;
-    if (++redirects_ > kMostRedirects) {
+    if (hops_ > kMostHops) {
         result = CURLE_TOO_MANY_REDIRECTS;
         return false;
     }
@@ -125,12 +132,11 @@ bool CurlTransfer::followRedirect(CURLcode& result)
         request_.body.clear();
     }
     received_ = 0;
-    setUpHop();
-    restartWatch();
-    return true;
+    result = setUp();
+    return result == CURLE_OK;
 }
 
-bool CurlTransfer::isStalled(std::chrono::milliseconds limit)
+bool CurlTransfer::hasMoved()
 {
     curl_off_t down = 0;
     curl_off_t up = 0;
@@ -138,18 +144,15 @@ bool CurlTransfer::isStalled(std::chrono::milliseconds limit)
     curl_easy_getinfo(handle(), CURLINFO_SIZE_DOWNLOAD_T, &down);
     curl_easy_getinfo(handle(), CURLINFO_SIZE_UPLOAD_T, &up);
     curl_easy_getinfo(handle(), CURLINFO_HEADER_SIZE, &head);
-    if (const std::int64_t moved = down + up + head; moved != moved_) {
-        moved_ = moved;
-        restartWatch();
-    }
-    return Clock::now() - movedAt_ >= limit;
+    const std::int64_t moved = down + up + head;
+    return std::exchange(moved_, moved) != moved;
 }
 
 std::int64_t CurlTransfer::expected() const
 {
     curl_off_t size = 0;
     curl_easy_getinfo(handle(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &size);
-    const bool isBelievable = size > 0 && static_cast<std::uint64_t>(size) <= request_.sizeLimit;
+    const bool isBelievable = size > 0 && static_cast<std::uint64_t>(size) <= limit_;
     return isBelievable ? static_cast<std::int64_t>(size) : 0;
 }
 
@@ -174,7 +177,7 @@ std::size_t CurlTransfer::take(char* bytes, std::size_t, std::size_t count, void
 {
     auto& transfer = *static_cast<CurlTransfer*>(self);
     transfer.received_ += count;
-    transfer.isTooLarge_ = transfer.received_ > transfer.request_.sizeLimit;
+    transfer.isTooLarge_ = transfer.received_ > transfer.limit_;
     if (transfer.isTooLarge_)
         return 0;
     if (transfer.isRedirect()) // nobody sees the page that says so
@@ -182,4 +185,4 @@ std::size_t CurlTransfer::take(char* bytes, std::size_t, std::size_t count, void
     return transfer.sink_({bytes, count}) ? count : 0;
 }
 
-} // namespace platform::transfer
+} // namespace platform::qt

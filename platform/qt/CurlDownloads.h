@@ -1,0 +1,71 @@
+#pragma once
+// Downloads into files, driven by the event loop: libcurl says which sockets and which time it waits for, notifiers and
+// a timer report them. No thread. A completion is handed out when the gate is open, one after the other.
+
+#include "platform/Http.h"
+#include "platform/files/Files.h"
+#include "platform/qt/CompletionGate.h"
+#include "platform/qt/CurlTransfer.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <chrono>
+#include <cstddef>
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+class QSocketNotifier;
+
+namespace platform::qt {
+
+class CurlDownloads final : public QObject {
+    Q_OBJECT
+
+public:
+    CurlDownloads(CompletionGate& gate, std::chrono::milliseconds stallLimit, std::size_t sizeLimit);
+    /// Ends what runs; nobody is told and nothing is left behind.
+    ~CurlDownloads() override;
+
+    void start(const std::string& address, const std::filesystem::path& destination, DownloadHandlers handlers);
+    DownloadProgress progress() const;
+
+Q_SIGNALS:
+    void progressed();
+
+private:
+    struct Download;
+    struct Notifiers {
+        QSocketNotifier* readable;
+        QSocketNotifier* writable;
+    };
+
+    static int watchSocket(CURL* handle, curl_socket_t socket, int what, void* self, void* ours);
+    static int setTimer(CURLM* multi, long milliseconds, void* self);
+    void drive(curl_socket_t socket, int events);
+    void goOn(Download& download, CURLcode result);
+    void endStalled();
+    void end(Download& download, CURLcode result);
+    void complete(std::function<void()> tell);
+    void scheduleDelivery();
+    void deliver();
+    bool isUsed(const std::filesystem::path& part) const;
+    std::filesystem::path unusedPart(const std::filesystem::path& destination) const;
+    void clearLeftParts(const std::filesystem::path& destination) const;
+
+    CompletionGate& gate_;
+    std::size_t sizeLimit_;
+    std::map<curl_socket_t, Notifiers> notifiers_;
+    QTimer timer_; ///< libcurl's
+    QTimer watch_; ///< for stalled ones
+    std::vector<std::unique_ptr<Download>> running_;
+    std::deque<std::function<void()>> completed_;
+    MultiHandle multi_;
+};
+
+} // namespace platform::qt
