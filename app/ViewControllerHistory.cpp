@@ -37,8 +37,7 @@ ViewController::Operation::~Operation()
     controller_.offered_ = controller_.offeredParameters();
     const auto parameters = controller_.arrayControllerPlistSelected();
     if (std::exchange(controller_.mappedRevision_, parameters->contentRevision()) != parameters->contentRevision()) {
-        controller_.mappedPots_ = {}; // another mapping, as a rule: quicker made anew than changed
-        controller_.mappedPots_.setParameters(parameters->content());
+        controller_.mappedPots_ = mapping::MappedPots(parameters->content());
     }
     controller_.mappedPots_.setEntries(mapping::plistBuild, mapping::totalPages);
     controller_.editingChanged.emit();

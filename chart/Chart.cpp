@@ -2,8 +2,6 @@
 
 #include "mapping/ParameterOrder.h"
 
-#include <algorithm>
-
 namespace chart {
 
 std::string header(std::string_view plugin, std::string_view fileLocation)
@@ -44,11 +42,6 @@ void appendRow(std::string& document, const std::vector<platform::Record>& entri
 void appendEnd(std::string& document)
 {
     document += "</table></body></html>";
-}
-
-bool isAscii(std::string_view text)
-{
-    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 } // namespace chart

@@ -23,7 +23,4 @@ void appendRow(std::string& document, const std::vector<platform::Record>& entri
 
 void appendEnd(std::string& document);
 
-/// Whether a text can be written in ASCII.
-bool isAscii(std::string_view text);
-
 } // namespace chart

@@ -2,6 +2,7 @@
 #include "chart/Chart.h"
 #include "chart/ChartState.h"
 #include "mapping/EditingState.h"
+#include "platform/Utf8.h"
 #include "platform/files/Files.h"
 #include "plugins/PluginScan.h"
 
@@ -22,7 +23,7 @@ void ViewController::outputChartAs(const std::string&)
     const std::string path = myArrayController()->selectionText(plugins::kFileLocation) + ".html";
     if (platform::files::exists(path))
         platform::files::remove(path);
-    if (chart::isAscii(chart::bHTML))
+    if (platform::isAscii(chart::bHTML))
         platform::files::writeAtomically(path, chart::bHTML);
     platform_.workspace.openFile(path);
 }

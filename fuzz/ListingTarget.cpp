@@ -20,10 +20,10 @@ bool isAddress(const std::string& text)
 
 void checkEntry(const platform::Record& entry)
 {
-    for (const auto& [key, value] : entry.fields()) {
+    for (const std::string& key : entry.keys()) {
         require(platform::isUtf8(key), "a key is UTF-8");
         require(platform::isUtf8(entry.text(key)), "a text is UTF-8");
-        require(std::holds_alternative<std::string>(value), "every value is a text");
+        require(entry.findText(key).has_value(), "every value is a text");
         require(platform::isUtf8(community::readableTitle(key)), "a title is UTF-8");
     }
     const auto location = community::textOf(&entry, community::kFileLocation);

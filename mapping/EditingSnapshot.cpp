@@ -3,7 +3,7 @@
 #include "mapping/ParameterOrder.h"
 
 #include <algorithm>
-#include <iterator>
+#include <cstddef>
 
 namespace mapping {
 
@@ -11,83 +11,51 @@ namespace {
 
 using Records = std::vector<platform::Record>;
 
-Records slice(const Records& records, std::size_t first, std::size_t end)
+void replace(Records& records, std::size_t position, const Records& former, const Records& by)
 {
-    return {records.begin() + static_cast<std::ptrdiff_t>(first), records.begin() + static_cast<std::ptrdiff_t>(end)};
-}
-
-std::vector<Splice> differingRuns(const Records& before, const Records& after)
-{
-    std::vector<Splice> splices;
-    for (std::size_t position = 0; position < before.size(); ++position) {
-        if (before[position] == after[position])
-            continue;
-        if (splices.empty() || splices.back().position + splices.back().before.size() != position)
-            splices.push_back({position, {}, {}});
-        splices.back().before.push_back(before[position]);
-        splices.back().after.push_back(after[position]);
-    }
-    return splices;
-}
-
-void replace(Records& records, std::size_t position, std::size_t count, const Records& by)
-{
-    const auto at = records.begin() + static_cast<std::ptrdiff_t>(position);
-    const auto overwritten = static_cast<std::ptrdiff_t>(std::min(count, by.size()));
-    std::copy(by.begin(), by.begin() + overwritten, at);
-    if (by.size() > count)
-        records.insert(at + overwritten, by.begin() + overwritten, by.end());
-    else
-        records.erase(at + overwritten, at + static_cast<std::ptrdiff_t>(count));
+    const auto first = records.begin() + static_cast<std::ptrdiff_t>(position);
+    records.insert(records.erase(first, first + static_cast<std::ptrdiff_t>(former.size())), by.begin(), by.end());
 }
 
 bool areWrittenAlike(const platform::Record& one, const platform::Record& other)
 {
-    if (one.isCopyOf(other))
-        return true;
-    if (isEmptyEntry(one) || isEmptyEntry(other))
-        return isEmptyEntry(one) && isEmptyEntry(other);
-    return one.text(kParamNum) == other.text(kParamNum) && one.text(kParameter) == other.text(kParameter);
+    return one == other || elementFromEntry(one) == elementFromEntry(other);
 }
 
 } // namespace
 
 bool EditingChange::isEmpty() const
 {
-    return entries.empty() && !parametersBefore && before.totalPages == after.totalPages && before.mode == after.mode;
+    return entries.isEmpty() && !parametersBefore && before.totalPages == after.totalPages && before.mode == after.mode;
 }
 
-std::vector<Splice> differences(const Records& before, const Records& after)
+Splice difference(const Records& before, const Records& after)
 {
-    if (before.size() == after.size())
-        return differingRuns(before, after);
-    const std::size_t shorter = std::min(before.size(), after.size());
-    std::size_t front = 0;
-    while (front < shorter && before[front] == after[front])
-        ++front;
-    std::size_t back = 0;
-    while (back < shorter - front && before[before.size() - 1 - back] == after[after.size() - 1 - back])
-        ++back;
-    return {{front, slice(before, front, before.size() - back), slice(after, front, after.size() - back)}};
+    const auto [from, to] = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+    auto fromEnd = before.end();
+    auto toEnd = after.end();
+    while (fromEnd != from && toEnd != to && fromEnd[-1] == toEnd[-1]) {
+        --fromEnd;
+        --toEnd;
+    }
+    return {static_cast<std::size_t>(from - before.begin()), Records(from, fromEnd), Records(to, toEnd)};
 }
 
-void makeAgain(const std::vector<Splice>& splices, Records& records)
+void makeAgain(const Splice& splice, Records& records)
 {
-    for (const Splice& splice : splices)
-        replace(records, splice.position, splice.before.size(), splice.after);
+    replace(records, splice.position, splice.before, splice.after);
 }
 
-void takeBack(const std::vector<Splice>& splices, Records& records)
+void takeBack(const Splice& splice, Records& records)
 {
-    for (const Splice& splice : splices)
-        replace(records, splice.position, splice.after.size(), splice.before);
+    replace(records, splice.position, splice.after, splice.before);
 }
 
 EditingChange changeSince(const EditingSnapshot& before, const Records& entries,
                           const platform::SharedRecords& parameters, const EditingNumbers& numbers)
 {
-    EditingChange change{differences(before.entries, entries), {}, {}, before.numbers, numbers};
-    if (before.parameters != parameters && *before.parameters != *parameters) {
+    EditingChange change{difference(before.entries, entries), {}, {}, before.numbers, numbers};
+    if (*before.parameters != *parameters) {
         change.parametersBefore = before.parameters;
         change.parametersAfter = parameters;
     }

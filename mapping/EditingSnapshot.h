@@ -1,6 +1,7 @@
 #pragma once
 // The editing state at one moment, and what an edit changed of it: what undo and redo go back and forth between. A
-// change holds only the slots that differ, so that a long history of a large mapping stays small.
+// change holds only the slots from the first to the last that differ, so that a long history of a large mapping stays
+// small.
 
 #include "platform/controls/Record.h"
 
@@ -15,6 +16,8 @@ struct Splice {
     std::size_t position = 0;
     std::vector<platform::Record> before;
     std::vector<platform::Record> after;
+
+    bool isEmpty() const { return before.empty() && after.empty(); }
 };
 
 struct EditingNumbers {
@@ -30,7 +33,7 @@ struct EditingSnapshot {
 };
 
 struct EditingChange {
-    std::vector<Splice> entries;
+    Splice entries;
     /// The whole lists; both null where the list stayed as it was.
     platform::SharedRecords parametersBefore;
     platform::SharedRecords parametersAfter;
@@ -41,13 +44,11 @@ struct EditingChange {
     bool isEmpty() const;
 };
 
-/// What turns one list into another, front to back. Lists of one length differ in runs of records, others in one
-/// splice between what they have in common at both ends.
-std::vector<Splice> differences(const std::vector<platform::Record>& before,
-                                const std::vector<platform::Record>& after);
+/// What turns one list into another: all that stands between what they have in common at both ends.
+Splice difference(const std::vector<platform::Record>& before, const std::vector<platform::Record>& after);
 /// Puts the later records in place of the earlier ones, or the other way round.
-void makeAgain(const std::vector<Splice>& splices, std::vector<platform::Record>& records);
-void takeBack(const std::vector<Splice>& splices, std::vector<platform::Record>& records);
+void makeAgain(const Splice& splice, std::vector<platform::Record>& records);
+void takeBack(const Splice& splice, std::vector<platform::Record>& records);
 
 /// From a snapshot to what is there now.
 EditingChange changeSince(const EditingSnapshot& before, const std::vector<platform::Record>& entries,

@@ -12,9 +12,9 @@ namespace {
 
 Record entry(std::string_view number, std::string_view name, std::int32_t page, std::int32_t controlNo)
 {
-    static const auto kKeys = Record::keysOf({kParamNum, kParameter, kKorvelPage, kKorvelControlNo});
-    const Record::ValueView values[] = {number, name, page, controlNo};
-    return {kKeys, values};
+    static const Record kAlike = {
+        {kParamNum, ""}, {kParameter, ""}, {kKorvelPage, std::int32_t{0}}, {kKorvelControlNo, std::int32_t{0}}};
+    return {kAlike, {std::string(number), std::string(name), page, controlNo}};
 }
 
 } // namespace
@@ -45,7 +45,7 @@ std::string_view nameAt(const std::vector<Record>& entries, std::int32_t positio
 
 std::int32_t pageOfElement(std::int32_t n)
 {
-    return n < 9 ? 1 : 2 + (n - 9) / kPotsPerPage;
+    return 1 + (n - 1) / kPotsPerPage;
 }
 
 std::optional<std::int32_t> modeFromText(std::string_view text)

@@ -1,5 +1,5 @@
 #pragma once
-// Undo and redo of changes, either made through the manager or made already and told to it.
+// Undo and redo of changes that have been made already and are told to the manager.
 
 #include <functional>
 #include <memory>
@@ -12,10 +12,8 @@ public:
     using Change = std::function<void()>;
 
     virtual ~UndoManager() = default;
-    /// Makes a change and remembers how to take it back. What was undone before and not redone is forgotten. Neither
-    /// function may call the manager.
-    virtual void perform(Change change, Change takeBack) = 0;
-    /// The same for a change that has been made already; `name` is what a menu says of it.
+    /// Remembers how to make a change again and how to take it back; `name` is what a menu says of it. What was undone
+    /// before and not redone is forgotten. Neither function may call the manager.
     virtual void remember(const std::string& name, Change change, Change takeBack) = 0;
     virtual bool canUndo() const = 0;
     virtual bool canRedo() const = 0;

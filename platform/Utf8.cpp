@@ -1,44 +1,56 @@
 #include "platform/Utf8.h"
 
-#include <cstddef>
-#include <cstdint>
+#include <algorithm>
+#include <array>
 
 namespace platform {
 
-namespace {
-
-/// The length in bytes of the character that begins here; 0 when it is none that UTF-8 has.
-std::size_t characterLength(std::string_view text)
+CodePoint codePointAt(std::string_view text, std::size_t at)
 {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char first = byte(0);
+    constexpr std::array<char32_t, 5> kSmallest = {0, 0, 0x80, 0x800, 0x10000};
+    constexpr CodePoint kMalformed = {0xFFFD, 1, false};
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[at + i]); };
+    const auto first = byte(0);
     if (first < 0x80)
-        return 1;
-    const std::size_t length = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
-    if (first < 0xc2 || first > 0xf4 || text.size() < length)
-        return 0;
-    std::uint32_t character = first & (0xffu >> (length + 1));
+        return {first, 1, true};
+    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+    if (first < 0xC2 || first > 0xF4 || length > text.size() - at)
+        return kMalformed;
+    char32_t value = first & (0x7Fu >> length);
     for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xc0) != 0x80)
-            return 0;
-        character = character << 6 | (byte(i) & 0x3fu);
+        if ((byte(i) & 0xC0) != 0x80)
+            return kMalformed;
+        value = value << 6 | (byte(i) & 0x3Fu);
     }
-    static constexpr std::uint32_t kShortest[] = {0, 0, 0x80, 0x800, 0x10000};
-    const bool isSurrogate = character >= 0xd800 && character <= 0xdfff;
-    return character < kShortest[length] || character > 0x10ffff || isSurrogate ? 0 : length;
+    return value < kSmallest[length] || value > 0x10FFFF ? kMalformed : CodePoint{value, length, true};
 }
 
-} // namespace
-
-bool isUtf8(std::string_view text)
+void appendUtf8(std::string& text, char32_t point)
 {
-    while (!text.empty()) {
-        const std::size_t length = characterLength(text);
-        if (length == 0)
+    if (point < 0x80) {
+        text += static_cast<char>(point);
+        return;
+    }
+    const int followers = point < 0x800 ? 1 : point < 0x10000 ? 2 : 3;
+    text += static_cast<char>((0xF80u >> followers & 0xF0u) | point >> 6 * followers);
+    for (int i = followers - 1; i >= 0; --i)
+        text += static_cast<char>(0x80 | (point >> 6 * i & 0x3F));
+}
+
+bool isUtf8(std::string_view bytes)
+{
+    for (std::size_t at = 0; at < bytes.size();) {
+        const CodePoint point = codePointAt(bytes, at);
+        if (!point.wellFormed || point.value >> 11 == 0xD800 >> 11)
             return false;
-        text.remove_prefix(length);
+        at += point.length;
     }
     return true;
+}
+
+bool isAscii(std::string_view text)
+{
+    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 } // namespace platform

@@ -32,9 +32,8 @@ std::optional<platform::Record> rowForFile(std::string_view path)
     std::string_view type = takeLastComponent(rest);
     if (type == kLogicFolder)
         type = kBuiltIn;
-    static const auto kKeys = platform::Record::keysOf({kType, kPlugin, kState, kFileLocation});
-    const platform::Record::ValueView values[] = {type, plugin, "Editable", path};
-    return platform::Record(kKeys, values);
+    static const platform::Record kAlike = {{kType, ""}, {kPlugin, ""}, {kState, ""}, {kFileLocation, ""}};
+    return platform::Record(kAlike, {std::string(type), std::string(plugin), "Editable", std::string(path)});
 }
 
 std::vector<platform::Record> scanFolder(const std::string& root, platform::Log& log)

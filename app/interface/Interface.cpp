@@ -325,7 +325,7 @@ QString Interface::potsOf(const platform::Record& parameter) const
 {
     if (mapping::isEmptyEntry(parameter))
         return QObject::tr("clears a pot");
-    auto positions = controller_.mappedPots().positionsOf(parameter, kMostPotsTold + 1);
+    auto positions = controller_.mappedPots().positionsOf(parameter);
     const bool isCut = positions.size() > kMostPotsTold;
     positions.resize(std::min(positions.size(), kMostPotsTold));
     return qt::toQt(mapping::potsText(positions)) + (isCut ? QStringLiteral(", \u2026") : QString());

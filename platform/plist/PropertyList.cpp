@@ -217,36 +217,6 @@ bool Value::operator==(const Value& other) const
     return held == other.held;
 }
 
-// Characters
-
-CodePoint codePointAt(std::string_view text, std::size_t at)
-{
-    constexpr std::array<char32_t, 5> kSmallest = {0, 0, 0x80, 0x800, 0x10000};
-    constexpr CodePoint kMalformed = {0xFFFD, 1, false};
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[at + i]); };
-    const auto first = byte(0);
-    if (first < 0x80) {
-        return {first, 1, true};
-    }
-    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-    if (first < 0xC2 || first > 0xF4 || length > text.size() - at) {
-        return kMalformed;
-    }
-    char32_t value = first & (0x7Fu >> length);
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0) != 0x80) {
-            return kMalformed;
-        }
-        value = value << 6 | (byte(i) & 0x3Fu);
-    }
-    return value < kSmallest[length] || value > 0x10FFFF ? kMalformed : CodePoint{value, length, true};
-}
-
-bool isAscii(std::string_view text)
-{
-    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
 std::string_view trimmed(std::string_view text)
 {
     constexpr std::string_view kBlanks = " \t\r\n";

@@ -2,8 +2,16 @@
 
 #include <algorithm>
 #include <bit>
-#include <functional>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
+#include <variant>
+#include <vector>
 
 namespace platform::plist {
 
@@ -75,19 +83,6 @@ std::optional<Integer> integerFrom(std::string_view bytes)
         return std::nullopt;
     }
     return high == 0 ? Integer(low) : Integer(static_cast<std::int64_t>(low));
-}
-
-void appendUtf8(std::string& out, char32_t point)
-{
-    if (point < 0x80) {
-        out += static_cast<char>(point);
-        return;
-    }
-    const int followers = point < 0x800 ? 1 : point < 0x10000 ? 2 : 3;
-    out += static_cast<char>((0xF80u >> followers & 0xF0u) | point >> 6 * followers);
-    for (int i = followers - 1; i >= 0; --i) {
-        out += static_cast<char>(0x80 | (point >> 6 * i & 0x3F));
-    }
 }
 
 // A pair of surrogates is one character, a lone one stays in three bytes.
@@ -295,25 +290,26 @@ void appendNumber(std::string& out, std::uint64_t number, std::size_t size)
 }
 
 // An object of a marker and a number of 1, 2, 4 or 8 bytes, or the start of a larger one.
-void appendObject(std::string& out, Kind kind, std::size_t low, std::uint64_t number = 0, std::size_t size = 0)
+std::string objectOf(Kind kind, std::size_t low, std::uint64_t number = 0, std::size_t size = 0)
 {
-    out += static_cast<char>(kind << 4 | low);
-    appendNumber(out, number, size);
+    std::string object(1, static_cast<char>(kind << 4 | low));
+    appendNumber(object, number, size);
+    return object;
 }
 
-void appendInteger(std::string& out, std::uint64_t number)
+std::string integerOf(std::uint64_t number)
 {
     const std::size_t size = sizeFor(number);
-    appendObject(out, kInteger, static_cast<std::size_t>(std::countr_zero(size)), number, size);
+    return objectOf(kInteger, static_cast<std::size_t>(std::countr_zero(size)), number, size);
 }
 
-void appendCounted(std::string& out, Kind kind, std::size_t count, std::string_view content = {})
+std::string countedOf(Kind kind, std::size_t count, std::string_view content = {})
 {
-    appendObject(out, kind, std::min<std::size_t>(count, kCountFollows));
+    std::string object = objectOf(kind, std::min<std::size_t>(count, kCountFollows));
     if (count >= kCountFollows) {
-        appendInteger(out, count);
+        object += integerOf(count);
     }
-    out += content;
+    return object += content;
 }
 
 std::string utf16FromUtf8(std::string_view text)
@@ -330,6 +326,63 @@ std::string utf16FromUtf8(std::string_view text)
     return units;
 }
 
+std::string leafOf(Null)
+{
+    return objectOf(kSimple, kNull);
+}
+
+std::string leafOf(bool truth)
+{
+    return objectOf(kSimple, truth ? kTrue : kFalse);
+}
+
+std::string leafOf(Integer number)
+{
+    if (number.negative) {
+        return objectOf(kInteger, 3, number.bits, 8);
+    }
+    if (number.bits >> 63 == 0) {
+        return integerOf(number.bits);
+    }
+    std::string object = objectOf(kInteger, 4, 0, 8); // eight bytes are signed: what is too large takes sixteen
+    appendNumber(object, number.bits, 8);
+    return object;
+}
+
+std::string leafOf(Real number)
+{
+    return objectOf(kReal, number.single ? 2 : 3, number.bits, number.single ? 4 : 8);
+}
+
+std::string leafOf(DateSeconds date)
+{
+    return objectOf(kDate, 3, date.seconds.bits, 8);
+}
+
+std::string leafOf(const DateText& date)
+{
+    return leafOf(DateSeconds{Real(secondsOfDate(date.text).value_or(0))});
+}
+
+std::string leafOf(Uid uid)
+{
+    return objectOf(kUid, sizeFor(uid.number) - 1, uid.number, sizeFor(uid.number));
+}
+
+std::string leafOf(const Data& data)
+{
+    return countedOf(kData, data.bytes.size(), data.bytes);
+}
+
+std::string leafOf(const std::string& text)
+{
+    if (isAscii(text)) {
+        return countedOf(kAscii, text.size(), text);
+    }
+    const std::string units = utf16FromUtf8(text);
+    return countedOf(kUtf16, units.size() / 2, units);
+}
+
 // Numbers the objects first, equal leaves once, then writes them, their offsets and the trailer.
 class BinaryWriter {
 public:
@@ -338,14 +391,12 @@ public:
         add(root);
         const std::size_t referenceSize = sizeFor(objects_.size() - 1);
         std::string out(kMagic);
-        out.reserve(bytes_.size() + references_.size() * referenceSize + objects_.size() * sizeof(Number));
         std::vector<std::size_t> offsets;
-        offsets.reserve(objects_.size());
         for (const Object& object : objects_) {
             offsets.push_back(out.size());
-            out += bytesOf(object);
-            for (std::size_t i = 0; i < object.referenceCount; ++i) {
-                appendNumber(out, references_[object.firstReference + i], referenceSize);
+            out += object.bytes;
+            for (const std::size_t reference : object.references) {
+                appendNumber(out, reference, referenceSize);
             }
         }
         const std::size_t table = out.size();
@@ -362,149 +413,54 @@ public:
     }
 
 private:
-    using Number = std::uint32_t;
-
-    // A piece of bytes_, followed by a piece of references_.
     struct Object {
-        std::size_t firstByte;
-        std::size_t size;
-        std::size_t firstReference = 0;
-        std::size_t referenceCount = 0;
+        std::string bytes;
+        std::vector<std::size_t> references; // behind the bytes
     };
 
-    Number add(const Value& value)
+    std::size_t add(const Value& value)
     {
         return std::visit([&](const auto& held) { return addHeld(held); }, value.held);
     }
 
-    Number addHeld(const Array& array)
+    std::size_t addHeld(const Array& array)
     {
-        const std::size_t count = array.size();
-        const Number number = addContainer(kArray, count, count);
-        const std::size_t first = objects_[number].firstReference;
-        for (std::size_t i = 0; i < count; ++i) {
-            const Number item = add(array[i]);
-            references_[first + i] = item;
+        Object& object = addObject(countedOf(kArray, array.size()));
+        const std::size_t number = objects_.size() - 1;
+        for (const Value& value : array) {
+            object.references.push_back(add(value));
         }
         return number;
     }
 
-    Number addHeld(const Dictionary& dictionary)
+    std::size_t addHeld(const Dictionary& dictionary)
     {
-        const std::size_t count = dictionary.entries.size();
-        const Number number = addContainer(kDictionary, count, 2 * count);
-        const std::size_t first = objects_[number].firstReference; // of all keys, then of all values
-        for (std::size_t i = 0; i < count; ++i) {
-            const Number key = addHeld(dictionary.entries[i].first);
-            const Number value = add(dictionary.entries[i].second);
-            references_[first + i] = key;
-            references_[first + count + i] = value;
+        Object& object = addObject(countedOf(kDictionary, dictionary.size()));
+        const std::size_t number = objects_.size() - 1;
+        std::vector<std::size_t> values;
+        for (const auto& [key, value] : dictionary.entries) {
+            object.references.push_back(addHeld(key));
+            values.push_back(add(value));
         }
+        object.references.insert(object.references.end(), values.begin(), values.end());
         return number;
     }
 
     // Leaves are equal where their bytes are: 1, 1.0 and true differ, and so do 0.0 and -0.0.
-    Number addHeld(const auto& leaf)
+    std::size_t addHeld(const auto& leaf)
     {
-        const std::size_t start = bytes_.size();
-        encode(leaf);
-        Number& known = leafSlot(std::string_view(bytes_).substr(start));
-        if (known == kNone) {
-            known = addObject(start);
-        } else {
-            bytes_.resize(start);
+        const Object& object = addObject(leafOf(leaf));
+        const auto [known, isNew] = leaves_.try_emplace(object.bytes, objects_.size() - 1);
+        if (!isNew) {
+            objects_.pop_back();
         }
-        return known;
+        return known->second;
     }
 
-    Number addContainer(Kind kind, std::size_t count, std::size_t referenceCount)
-    {
-        const std::size_t start = bytes_.size();
-        appendCounted(bytes_, kind, count);
-        const Number number = addObject(start);
-        objects_[number].firstReference = references_.size();
-        objects_[number].referenceCount = referenceCount;
-        references_.resize(references_.size() + referenceCount);
-        return number;
-    }
+    Object& addObject(std::string bytes) { return objects_.emplace_back(Object{std::move(bytes), {}}); }
 
-    Number addObject(std::size_t firstByte)
-    {
-        objects_.push_back({firstByte, bytes_.size() - firstByte});
-        return static_cast<Number>(objects_.size() - 1);
-    }
-
-    std::string_view bytesOf(const Object& object) const
-    {
-        return std::string_view(bytes_).substr(object.firstByte, object.size);
-    }
-
-    // Where the number of the leaf with these bytes stands or belongs. The table is at most half full: there may be
-    // one leaf more after this than there are objects now.
-    Number& leafSlot(std::string_view bytes)
-    {
-        if (2 * (objects_.size() + 1) > leaves_.size()) {
-            growLeaves();
-        }
-        const std::size_t mask = leaves_.size() - 1;
-        std::size_t slot = std::hash<std::string_view>()(bytes) & mask;
-        while (leaves_[slot] != kNone && bytesOf(objects_[leaves_[slot]]) != bytes) {
-            slot = (slot + 1) & mask;
-        }
-        return leaves_[slot];
-    }
-
-    void growLeaves()
-    {
-        const std::vector<Number> former = std::exchange(leaves_, {});
-        leaves_.assign(std::max<std::size_t>(64, 4 * former.size()), kNone);
-        const std::size_t mask = leaves_.size() - 1;
-        for (const Number number : former) {
-            if (number == kNone) {
-                continue;
-            }
-            std::size_t slot = std::hash<std::string_view>()(bytesOf(objects_[number])) & mask;
-            while (leaves_[slot] != kNone) {
-                slot = (slot + 1) & mask;
-            }
-            leaves_[slot] = number;
-        }
-    }
-
-    void encode(Null) { appendObject(bytes_, kSimple, kNull); }
-    void encode(bool truth) { appendObject(bytes_, kSimple, truth ? kTrue : kFalse); }
-    void encode(Real number) { appendObject(bytes_, kReal, number.single ? 2 : 3, number.bits, number.single ? 4 : 8); }
-    void encode(DateSeconds date) { appendObject(bytes_, kDate, 3, date.seconds.bits, 8); }
-    void encode(const DateText& date) { encode(DateSeconds{Real(secondsOfDate(date.text).value_or(0))}); }
-    void encode(Uid uid) { appendObject(bytes_, kUid, sizeFor(uid.number) - 1, uid.number, sizeFor(uid.number)); }
-    void encode(const Data& data) { appendCounted(bytes_, kData, data.bytes.size(), data.bytes); }
-    void encode(Integer number)
-    {
-        if (number.negative) {
-            appendObject(bytes_, kInteger, 3, number.bits, 8);
-        } else if (number.bits >> 63 == 0) {
-            appendInteger(bytes_, number.bits);
-        } else { // eight bytes are signed: what is too large takes sixteen
-            appendObject(bytes_, kInteger, 4, 0, 8);
-            appendNumber(bytes_, number.bits, 8);
-        }
-    }
-    void encode(const std::string& text)
-    {
-        if (isAscii(text)) {
-            appendCounted(bytes_, kAscii, text.size(), text);
-            return;
-        }
-        const std::string units = utf16FromUtf8(text);
-        appendCounted(bytes_, kUtf16, units.size() / 2, units);
-    }
-
-    static constexpr Number kNone = static_cast<Number>(-1);
-
-    std::string bytes_;
-    std::vector<Number> references_;
-    std::vector<Object> objects_;
-    std::vector<Number> leaves_; // hashed by the leaf's bytes; as many as a power of two
+    std::deque<Object> objects_; // which stay where they are
+    std::unordered_map<std::string_view, std::size_t> leaves_;
 };
 
 } // namespace

@@ -3,6 +3,7 @@
 // What the sources of the property-list codec share: the two readers and writers, their bounds, and the text of
 // numbers, dates and characters.
 
+#include "platform/Utf8.h"
 #include "platform/plist/PropertyList.h"
 
 namespace platform::plist {
@@ -27,16 +28,6 @@ std::string textOf(double number);
 std::optional<double> secondsOfDate(std::string_view text);
 // YYYY-MM-DDTHH:MM:SSZ; nothing if such a text would not read back as the same seconds.
 std::optional<std::string> dateOfSeconds(Real seconds);
-
-struct CodePoint {
-    char32_t value;
-    std::size_t length; // in bytes
-    bool wellFormed;    // if not: one byte, to be written as U+FFFD
-};
-
-// The code point that starts at `at` in a UTF-8 text; a lone surrogate in three bytes counts as well-formed.
-CodePoint codePointAt(std::string_view text, std::size_t at);
-bool isAscii(std::string_view text);
 
 // Without the blanks of XML at both ends.
 std::string_view trimmed(std::string_view text);

@@ -10,8 +10,8 @@ namespace {
 
 class Command final : public QUndoCommand {
 public:
-    Command(const QString& name, bool isMade, UndoManager::Change change, UndoManager::Change takeBack)
-        : QUndoCommand(name), isMade_(isMade), change_(std::move(change)), takeBack_(std::move(takeBack))
+    Command(const QString& name, UndoManager::Change change, UndoManager::Change takeBack)
+        : QUndoCommand(name), change_(std::move(change)), takeBack_(std::move(takeBack))
     {}
 
     void redo() override
@@ -22,21 +22,16 @@ public:
     void undo() override { takeBack_(); }
 
 private:
-    bool isMade_; ///< when pushed, so that pushing, which calls redo, does not make the change twice
+    bool isMade_ = true; ///< when pushed, so that pushing, which calls redo, does not make the change twice
     UndoManager::Change change_;
     UndoManager::Change takeBack_;
 };
 
 } // namespace
 
-void UndoStack::perform(Change change, Change takeBack)
-{
-    stack_.push(new Command({}, false, std::move(change), std::move(takeBack)));
-}
-
 void UndoStack::remember(const std::string& name, Change change, Change takeBack)
 {
-    stack_.push(new Command(toQt(name), true, std::move(change), std::move(takeBack)));
+    stack_.push(new Command(toQt(name), std::move(change), std::move(takeBack)));
 }
 
 std::string UndoStack::undoName() const

@@ -9,7 +9,6 @@ namespace platform::qt {
 
 class UndoStack final : public UndoManager {
 public:
-    void perform(Change change, Change takeBack) override;
     void remember(const std::string& name, Change change, Change takeBack) override;
     bool canUndo() const override { return stack_.canUndo(); }
     bool canRedo() const override { return stack_.canRedo(); }

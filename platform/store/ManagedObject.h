@@ -3,22 +3,20 @@
 
 #include "platform/plist/PropertyList.h"
 
-#include <cstdint>
-#include <map>
 #include <string>
+#include <vector>
 
 namespace platform::store {
 
-/// An object's entity and the attributes that were set; which ones there may be says the model.
+/// An object's entity, which the model has to know, and its attributes.
 struct ManagedObject {
     std::string entity;
-    std::map<std::string, plist::Value> attributes;
+    plist::Dictionary attributes;
 
     bool operator==(const ManagedObject&) const = default;
 };
 
-/// Names an object as long as its coordinator lives; rising in the order of insertion.
-using ObjectId = std::int64_t;
-using ObjectGraph = std::map<ObjectId, ManagedObject>;
+/// In the order of insertion.
+using ObjectGraph = std::vector<ManagedObject>;
 
 } // namespace platform::store

@@ -12,33 +12,14 @@ ManagedObjectContext::ManagedObjectContext(PersistentStoreCoordinator& coordinat
     : coordinator_(coordinator), objects_(coordinator.objects()), undoManager_(std::move(undoManager))
 {}
 
-std::optional<ObjectId> ManagedObjectContext::insert(const std::string& entity)
+bool ManagedObjectContext::insert(const ManagedObject& object)
 {
     const ManagedObjectModel* model = coordinator_.model();
-    if (!model || !model->hasEntity(entity))
-        return std::nullopt;
-    const ObjectId id = coordinator_.newObjectId();
-    change(id, ManagedObject{entity, {}});
-    return id;
-}
-
-bool ManagedObjectContext::setValue(ObjectId id, const std::string& attribute, plist::Value value)
-{
-    const auto found = objects_.find(id);
-    // Where there is an object, there is a model.
-    if (found == objects_.end() || !coordinator_.model()->accepts(found->second.entity, attribute, value))
+    if (!model || !model->entities.contains(object.entity))
         return false;
-    ManagedObject object = found->second;
-    object.attributes[attribute] = std::move(value);
-    change(id, std::move(object));
-    return true;
-}
-
-bool ManagedObjectContext::remove(ObjectId id)
-{
-    if (!objects_.contains(id))
-        return false;
-    change(id, std::nullopt);
+    objects_.push_back(object);
+    undoManager_->remember(
+        {}, [this, object] { objects_.push_back(object); }, [this] { objects_.pop_back(); });
     return true;
 }
 
@@ -67,22 +48,6 @@ bool ManagedObjectContext::commitEditing()
     bool committed = true;
     editors_.emit(committed);
     return committed;
-}
-
-void ManagedObjectContext::change(ObjectId id, std::optional<ManagedObject> object)
-{
-    const auto found = objects_.find(id);
-    auto before = found == objects_.end() ? std::nullopt : std::optional(found->second);
-    undoManager_->perform([this, id, after = std::move(object)] { put(id, after); },
-                          [this, id, before = std::move(before)] { put(id, before); });
-}
-
-void ManagedObjectContext::put(ObjectId id, const std::optional<ManagedObject>& object)
-{
-    if (object)
-        objects_.insert_or_assign(id, *object);
-    else
-        objects_.erase(id);
 }
 
 } // namespace platform::store

@@ -10,7 +10,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <string>
 
 namespace platform::store {
 
@@ -25,13 +24,8 @@ public:
 
     const ObjectGraph& objects() const { return objects_; }
 
-    /// A new object without attributes; none when the model has no such entity.
-    std::optional<ObjectId> insert(const std::string& entity);
-    /// False when there is no such object, or the model does not have that attribute with that type.
-    bool setValue(ObjectId id, const std::string& attribute, plist::Value value);
-    /// False when there is no such object.
-    bool remove(ObjectId id);
-
+    /// Adds an object; false when the model has no such entity.
+    bool insert(const ManagedObject& object);
     /// Whether the objects differ from those in the store.
     bool hasChanges() const;
     /// Writes the objects if they differ. The error offers the user to try again.
@@ -46,10 +40,6 @@ public:
     UndoManager& undoManager() { return *undoManager_; }
 
 private:
-    /// Puts the object in its place as an undoable change, or takes it away when there is none.
-    void change(ObjectId id, std::optional<ManagedObject> object);
-    void put(ObjectId id, const std::optional<ManagedObject>& object);
-
     PersistentStoreCoordinator& coordinator_;
     ObjectGraph objects_;
     Signal<bool&> editors_;

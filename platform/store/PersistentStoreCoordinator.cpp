@@ -21,21 +21,13 @@ Error storeError(StoreErrorCode code, const char* failure, const std::filesystem
             {"The store “" + file.native() + "” could not be " + failure + ".", std::move(reason)}};
 }
 
-// Writing
-
 std::string toXml(const ObjectGraph& objects)
 {
     plist::Array list;
-    for (const auto& [id, object] : objects) {
-        plist::Dictionary attributes;
-        for (const auto& [name, value] : object.attributes)
-            attributes.entries.emplace_back(name, value);
-        list.emplace_back(plist::Dictionary{{kEntity, object.entity}, {kAttributes, std::move(attributes)}});
-    }
+    for (const ManagedObject& object : objects)
+        list.emplace_back(plist::Dictionary{{kEntity, object.entity}, {kAttributes, object.attributes}});
     return plist::write({plist::Dictionary{{kObjects, std::move(list)}}, plist::Form::xml});
 }
-
-// Reading
 
 std::optional<ManagedObject> objectFrom(const plist::Value& value)
 {
@@ -44,20 +36,17 @@ std::optional<ManagedObject> objectFrom(const plist::Value& value)
     const auto* attributes = entry ? entry->find(kAttributes) : nullptr;
     if (!entity || !entity->asString() || !attributes || !attributes->asDictionary())
         return std::nullopt;
-    ManagedObject object{*entity->asString(), {}};
-    for (const auto& [name, attribute] : attributes->asDictionary()->entries)
-        object.attributes[name] = attribute;
-    return object;
+    return ManagedObject{*entity->asString(), *attributes->asDictionary()};
 }
 
-std::optional<std::vector<ManagedObject>> fromXml(std::string_view bytes)
+std::optional<ObjectGraph> fromXml(std::string_view bytes)
 {
     const auto document = plist::parse(bytes);
     const auto* root = document && document->form == plist::Form::xml ? document->root.asDictionary() : nullptr;
     const auto* list = root ? root->find(kObjects) : nullptr;
     if (!list || !list->asArray())
         return std::nullopt;
-    std::vector<ManagedObject> objects;
+    ObjectGraph objects;
     for (const plist::Value& value : *list->asArray()) {
         auto object = objectFrom(value);
         if (!object)
@@ -65,12 +54,6 @@ std::optional<std::vector<ManagedObject>> fromXml(std::string_view bytes)
         objects.push_back(std::move(*object));
     }
     return objects;
-}
-
-bool readsBackAs(const ObjectGraph& objects, std::string_view bytes)
-{
-    const auto readBack = fromXml(bytes);
-    return readBack && std::ranges::equal(*readBack, objects, {}, {}, &ObjectGraph::value_type::second);
 }
 
 } // namespace
@@ -96,7 +79,7 @@ std::optional<Error> PersistentStoreCoordinator::addStore(const std::filesystem:
 std::optional<Error> PersistentStoreCoordinator::save(const ObjectGraph& objects)
 {
     const std::string bytes = toXml(objects);
-    if (!readsBackAs(objects, bytes))
+    if (fromXml(bytes) != objects)
         return storeError(kStoreUnsuitable, "written", file_, "It was given a value that its format cannot keep.");
     if (!files::writeAtomically(file_, bytes, files::permissions(file_)))
         return storeError(kStoreUnwritable, "written", file_,
@@ -113,12 +96,13 @@ std::optional<Error> PersistentStoreCoordinator::open()
     auto objects = fromXml(*bytes);
     if (!objects)
         return storeError(kStoreMalformed, "opened", file_, "The file is damaged or is no store.");
-    for (ManagedObject& object : *objects) {
-        if (!model_ || !model_->describes(object))
-            return storeError(kStoreNotDescribed, "opened", file_,
-                              "It holds objects that this version of the program does not know.");
-        saved_.emplace(newObjectId(), std::move(object));
-    }
+    const auto isUnknown = [this](const ManagedObject& object) {
+        return !model_ || !model_->entities.contains(object.entity);
+    };
+    if (std::any_of(objects->begin(), objects->end(), isUnknown))
+        return storeError(kStoreNotDescribed, "opened", file_,
+                          "It holds objects that this version of the program does not know.");
+    saved_ = std::move(*objects);
     return std::nullopt;
 }
 

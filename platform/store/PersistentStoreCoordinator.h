@@ -29,7 +29,6 @@ public:
 
     /// The objects as the store's file has them.
     const ObjectGraph& objects() const { return saved_; }
-    ObjectId newObjectId() { return ++lastId_; }
 
     /// Replaces the store's content. Refused is also what would not be read back as it is: a text with a control
     /// character or no UTF-8, more than a property list may hold.
@@ -41,7 +40,6 @@ private:
     std::shared_ptr<const ManagedObjectModel> model_;
     std::filesystem::path file_;
     ObjectGraph saved_;
-    ObjectId lastId_ = 0;
 };
 
 } // namespace platform::store

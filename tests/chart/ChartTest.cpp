@@ -99,13 +99,4 @@ TEST(Chart, TitlesAndEnd)
     EXPECT_EQ(text, "x</table></body></html>");
 }
 
-TEST(Chart, IsAsciiOnlyWithoutAnyHighByte)
-{
-    EXPECT_TRUE(chart::isAscii(""));
-    EXPECT_TRUE(chart::isAscii("plain <b> & 'text' ~\x7f\t\n"));
-    EXPECT_TRUE(chart::isAscii(std::string("a\0b", 3)));
-    for (const char* text : {"\x80", "caf\xC3\xA9", "a long plain text and then one \xFF"})
-        EXPECT_FALSE(chart::isAscii(text)) << text;
-}
-
 } // namespace

@@ -410,24 +410,4 @@ TEST_F(HistoryTest, TellsHowABackupDiffersFromTheMappingBeingEdited)
     EXPECT_FALSE(controller_.compareWithBackup("nothing"));
 }
 
-TEST_F(HistoryTest, ALongHistoryOfALargeMappingStaysSmall)
-{
-    edit(test::numbered(10'000));
-    for (int round = 0; round < 2000; ++round) {
-        selectParameter(1 + round % 500);
-        controller_.showPage(1 + round % 1250);
-        controller_.clickControl(round % 8);
-    }
-    const Texts edited = order();
-    int steps = 0;
-    for (; controller_.history().canUndo(); ++steps)
-        controller_.undo();
-    EXPECT_GT(steps, 1900);
-    EXPECT_EQ(order(), test::numbered(10'000));
-    for (; controller_.history().canRedo(); --steps)
-        controller_.redo();
-    EXPECT_EQ(steps, 0);
-    EXPECT_EQ(order(), edited);
-}
-
 } // namespace

@@ -186,6 +186,20 @@ TEST(AddCatalogue, AddsTheOrdersParametersAndTouchesNothingElse)
     EXPECT_EQ(file, expected);
 }
 
+TEST(AddCatalogue, LeavesOutWhatIsNoText)
+{
+    plist::Dictionary file;
+    file.set("ControlSurfaceParameterOrder",
+             plist::Array{plist::Integer(5), "2 B", true, plist::Real(1.5), plist::Data{"3 C"}, plist::Array{"4 D"},
+                          plist::Dictionary{{"5 E", "6 F"}}, plist::DateText{"2020-01-01"}, "1 A"});
+    addCatalogue(file);
+    EXPECT_EQ(*file.find("KorvelCSUnique"), plist::Value(arrayOf({"-1", "2 B", "1 A"})));
+    EXPECT_THAT(offered(loadMapping(file, std::nullopt)), ElementsAre("-", "B", "A"));
+    EXPECT_THAT(
+        orderOf(loadMapping(file, std::nullopt).entries),
+        ElementsAre("-1", "2 B", "-1", "-1", "-1", "-1", "-1", "-1", "1 A", "-1", "-1", "-1", "-1", "-1", "-1", "-1"));
+}
+
 // Storing
 
 TEST(StoreMapping, ReplacesOrderAndModeAndKeepsEveryOtherKey)

@@ -41,8 +41,9 @@ TEST_F(Rescan, TheTypeGivenIsInNoRow)
     test::write(builtIn("EQ One"), "");
     controller_.checkFilesAndType((home_ / "Application Support").native(), "3rd Party");
     ASSERT_EQ(plugins().size(), 1u);
-    for (const auto& [key, value] : controller_.myArrayController()->content().front().fields())
-        EXPECT_NE(std::get<std::string>(value), "3rd Party") << key;
+    const auto& row = controller_.myArrayController()->content().front();
+    for (const std::string& key : row.keys())
+        EXPECT_NE(row.text(key), "3rd Party") << key;
 }
 
 TEST_F(Rescan, EmptiesTheParameterListAsWellAsThePluginList)

@@ -63,9 +63,7 @@ protected:
     {
         auto* context = delegate_.managedObjectContext();
         ASSERT_TRUE(context);
-        const auto id = context->insert("Note");
-        ASSERT_TRUE(id);
-        ASSERT_TRUE(context->setValue(*id, "title", std::string(size, 'x')));
+        ASSERT_TRUE(context->insert({"Note", {{"title", std::string(size, 'x')}}}));
     }
     /// How many objects a fresh coordinator finds in the store's file.
     std::size_t storedObjects() const

@@ -4,13 +4,16 @@
 
 namespace test {
 
-TEST(UndoStackTest, ChangesAreMadeTakenBackAndMadeAgain)
+TEST(UndoStackTest, ChangesAreTakenBackAndMadeAgain)
 {
     platform::qt::UndoStack stack;
-    int value = 0;
-    stack.perform([&] { value = 1; }, [&] { value = 0; });
-    stack.perform([&] { value = 2; }, [&] { value = 1; });
+    int value = 2;
+    stack.remember(
+        "one", [&] { value = 1; }, [&] { value = 0; });
+    stack.remember(
+        "two", [&] { value = 2; }, [&] { value = 1; });
     EXPECT_EQ(value, 2);
+    EXPECT_EQ(stack.undoName(), "two");
     EXPECT_TRUE(stack.canUndo());
     EXPECT_FALSE(stack.canRedo());
     stack.undo();
@@ -26,13 +29,16 @@ TEST(UndoStackTest, ChangesAreMadeTakenBackAndMadeAgain)
 TEST(UndoStackTest, ANewChangeForgetsWhatWasUndone)
 {
     platform::qt::UndoStack stack;
-    int value = 0;
-    stack.perform([&] { value = 1; }, [&] { value = 0; });
+    int value = 1;
+    stack.remember(
+        "one", [&] { value = 1; }, [&] { value = 0; });
     stack.undo();
-    stack.perform([&] { value = 5; }, [&] { value = 0; });
+    stack.remember(
+        "five", [&] { value = 5; }, [&] { value = 0; });
     EXPECT_FALSE(stack.canRedo());
+    EXPECT_EQ(stack.undoName(), "five");
     stack.redo();
-    EXPECT_EQ(value, 5);
+    EXPECT_EQ(value, 0);
 }
 
 TEST(UndoStackTest, AnEmptyStackHasNothingToDo)
