@@ -24,6 +24,7 @@ int main(int argc, char* argv[])
     platform::files::failBeyondSizeLimits();
     platform::StreamLog log(STDERR_FILENO);
     application.flushWhenIdle(log);
+    application.endOnTerminationSignals();
     platform::qt::CompletionGate gate;
     platform::qt::MessageBoxAlerts alerts(gate);
     platform::qt::DesktopWorkspace workspace;
@@ -49,5 +50,5 @@ int main(int argc, char* argv[])
     controller.viewDidLoad();
     loaded.mainWindow()->show();
     delegate.applicationDidFinishLaunching();
-    return QApplication::exec();
+    return application.run();
 }
