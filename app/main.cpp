@@ -7,6 +7,7 @@
 #include "app/interface/WindowMemory.h"
 #include "platform/ErrorAlerts.h"
 #include "platform/StreamLog.h"
+#include "platform/TerminationSignals.h"
 #include "platform/UserPreferences.h"
 #include "platform/files/Files.h"
 #include "platform/qt/Application.h"
@@ -24,11 +25,12 @@ int main(int argc, char* argv[])
     platform::files::failBeyondSizeLimits();
     platform::StreamLog log(STDERR_FILENO);
     application.flushWhenIdle(log);
+    application.endOnTerminationSignals();
     platform::qt::CompletionGate gate;
     platform::qt::MessageBoxAlerts alerts(gate);
     platform::qt::DesktopWorkspace workspace;
     platform::qt::UserFolders folders;
-    platform::qt::CurlHttp http(gate);
+    platform::qt::CurlHttp http(gate, [] { return platform::terminationSignal() != 0; });
     platform::UserPreferences preferences(KV_BUNDLE_IDENTIFIER);
     platform::qt::QtJson json;
     platform::ErrorAlerts errors(alerts);
@@ -48,5 +50,5 @@ int main(int argc, char* argv[])
     controller.viewDidLoad();
     loaded.mainWindow()->show();
     delegate.applicationDidFinishLaunching();
-    return QApplication::exec();
+    return application.run();
 }

@@ -1,27 +1,16 @@
 #include "platform/StreamLog.h"
 
-#include "platform/files/Descriptors.h"
-
-#include <atomic>
 #include <csignal>
-#include <cstdlib>
-#include <cstring>
-#include <exception>
 
-#include <unistd.h>
+#include <fcntl.h>
 
 namespace platform {
 
 namespace {
 
-std::atomic<StreamLog*> theDyingLog = nullptr;
-std::terminate_handler formerTerminate = nullptr;
-
-constexpr int kFatalSignals[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGABRT, SIGSEGV,
-                                 SIGBUS, SIGILL, SIGFPE,  SIGXCPU, SIGXFSZ};
-
-bool isControl(unsigned char byte)
+bool isControl(char character)
 {
+    const auto byte = static_cast<unsigned char>(character);
     return (byte < 0x20) | (byte == 0x7f);
 }
 
@@ -29,109 +18,48 @@ bool isControl(unsigned char byte)
 bool hasControls(std::string_view line)
 {
     unsigned any = 0;
-    for (const char c : line)
-        any |= isControl(static_cast<unsigned char>(c));
+    for (const char character : line)
+        any |= isControl(character);
     return any != 0;
-}
-
-void flushDyingLog() noexcept
-{
-    if (StreamLog* log = theDyingLog.exchange(nullptr))
-        log->flushFromSignal();
-}
-
-extern "C" void writeLogAndDie(int signal)
-{
-    flushDyingLog();
-    // The handler was reset to the default on entry, so this ends the process the way the signal would have.
-    ::raise(signal);
-}
-
-void writeLogOnDeath()
-{
-    static const bool installed = [] {
-        std::atexit([] { flushDyingLog(); });
-        formerTerminate = std::set_terminate([] {
-            flushDyingLog();
-            formerTerminate();
-        });
-        static std::array<char, std::size_t{1} << 16> stack; // the program's own may be what overflowed
-        const stack_t ownStack = {stack.data(), 0, stack.size()};
-        ::sigaltstack(&ownStack, nullptr);
-        for (const int signal : kFatalSignals) {
-            struct sigaction action = {};
-            if (::sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL)
-                continue; // ignored on purpose, or a sanitizer's
-            action.sa_handler = writeLogAndDie;
-            action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER | SA_ONSTACK);
-            ::sigemptyset(&action.sa_mask);
-            ::sigaction(signal, &action, nullptr);
-        }
-        ::signal(SIGPIPE, SIG_IGN); // a closed log must not end the program
-        return true;
-    }();
-    static_cast<void>(installed);
 }
 
 } // namespace
 
-StreamLog::StreamLog(int descriptor) : descriptor_(descriptor)
+StreamLog::StreamLog(int descriptor)
 {
-    writeLogOnDeath();
-    theDyingLog = this;
+    std::signal(SIGPIPE, SIG_IGN); // a reader that is gone must not end the program
+    const int own = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    stream_ = own < 0 ? nullptr : ::fdopen(own, "w");
+    if (stream_)
+        std::setvbuf(stream_, buffer_.data(), _IOFBF, buffer_.size());
 }
 
 StreamLog::~StreamLog()
 {
-    flush();
-    StreamLog* self = this;
-    theDyingLog.compare_exchange_strong(self, nullptr);
+    if (stream_)
+        std::fclose(stream_);
 }
 
 void StreamLog::write(std::string_view line)
 {
-    if (!hasControls(line)) {
-        append(line);
-        append("\n");
+    if (!stream_)
         return;
-    }
-    static constexpr char kDigits[] = "0123456789abcdef";
-    std::size_t start = 0;
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(line[i]);
-        if (!isControl(byte))
-            continue;
-        append(line.substr(start, i - start));
-        const char escaped[] = {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 0xf]};
-        append({escaped, sizeof escaped});
-        start = i + 1;
-    }
-    append(line.substr(start));
-    append("\n");
-}
-
-void StreamLog::append(std::string_view bytes)
-{
-    if (bytes.size() > buffer_.size() - used_)
-        flush();
-    if (bytes.size() > buffer_.size()) {
-        writeWhole(descriptor_, bytes); // or not at all, when nobody reads the log any more
-        return;
-    }
-    std::memcpy(buffer_.data() + used_, bytes.data(), bytes.size());
-    used_ += bytes.size();
+    if (!hasControls(line))
+        std::fwrite(line.data(), 1, line.size(), stream_);
+    else
+        for (const char character : line) {
+            if (isControl(character))
+                std::fprintf(stream_, "\\x%02x", static_cast<unsigned>(character));
+            else
+                std::fputc(character, stream_);
+        }
+    std::fputc('\n', stream_);
 }
 
 void StreamLog::flush()
 {
-    writeWhole(descriptor_, {buffer_.data(), used_});
-    used_ = 0;
-}
-
-void StreamLog::flushFromSignal() noexcept
-{
-    writeWhole(descriptor_, {buffer_.data(), used_});
-    used_ = 0;
+    if (stream_)
+        std::fflush(stream_);
 }
 
 } // namespace platform

@@ -58,8 +58,7 @@ void flushFolder(const Path& folder)
 
 void failBeyondSizeLimits()
 {
-    // Not ignored: that would be handed on to every program this one starts.
-    std::signal(SIGXFSZ, [](int) {});
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 bool exists(const Path& path)

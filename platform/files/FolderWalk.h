@@ -3,7 +3,6 @@
 // or cannot be read, names that are not UTF-8, paths beyond the system's limit, and any depth.
 
 #include <functional>
-#include <optional>
 #include <string>
 
 namespace platform {
@@ -24,9 +23,5 @@ struct FolderWalkHandlers {
 /// Visits every item below `root` (not `root` itself): a folder first, then what is in it, in the order the system
 /// yields.
 void walkFolder(const std::string& root, const FolderWalkHandlers& handlers);
-
-/// Whether the entry `name` of the open folder `folder` is a folder itself. `typeHint` is what readdir said (a DT_
-/// value), asked of the file system again only where that says nothing. None when the question fails.
-std::optional<bool> isFolder(int folder, const char* name, unsigned char typeHint);
 
 } // namespace platform

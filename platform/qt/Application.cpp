@@ -1,12 +1,14 @@
 #include "platform/qt/Application.h"
 
 #include "platform/Effects.h"
+#include "platform/TerminationSignals.h"
 #include "platform/qt/ReadableColours.h"
 #include "platform/qt/ReadableStyle.h"
 #include "platform/qt/SymbolIcon.h"
 
 #include <QAbstractEventDispatcher>
 #include <QEvent>
+#include <QSocketNotifier>
 
 namespace platform::qt {
 
@@ -29,6 +31,20 @@ void Application::flushWhenIdle(Log& log)
 {
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
             [&log] { log.flush(); });
+}
+
+void Application::endOnTerminationSignals()
+{
+    const auto* notifier = new QSocketNotifier(catchTerminationSignals(), QSocketNotifier::Read, this);
+    // Every time, since what an alert's loop is ended by does not end the loops that begin afterwards.
+    connect(notifier, &QSocketNotifier::activated, this, [] { exit(); });
+}
+
+int Application::run()
+{
+    const int status = exec();
+    const int signal = terminationSignal();
+    return signal == 0 ? status : 128 + signal;
 }
 
 bool Application::event(QEvent* event)

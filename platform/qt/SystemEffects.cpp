@@ -90,7 +90,8 @@ int MessageBoxAlerts::runModal(const Alert& alert)
     box.setTextInteractionFlags(Qt::TextSelectableByMouse); // a reply may hold what is needed later
     letLongTextScroll(box);
     box.exec();
-    return kFirstButton + static_cast<int>(buttons.indexOf(box.clickedButton()));
+    const auto pressed = buttons.indexOf(box.clickedButton()); // none when the program is to end
+    return kFirstButton + static_cast<int>(pressed < 0 ? buttons.size() - 1 : pressed);
 }
 
 void DesktopWorkspace::openFile(const std::filesystem::path& path)

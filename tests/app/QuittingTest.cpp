@@ -1,9 +1,14 @@
+#include "platform/qt/Application.h"
 #include "tests/support/DelegateTest.h"
 
 #include <QAction>
 #include <QSessionManager>
 #include <QTest>
 #include <QTranslator>
+
+#include <csignal>
+
+#include <unistd.h>
 
 using testing::ElementsAre;
 using testing::SizeIs;
@@ -318,6 +323,50 @@ TEST_F(QuittingTest, QuitIsNotAskedTwiceAtATime)
         {"Cancel", "Quit anyway"});
     EXPECT_THAT(alerts, ElementsAre(saveError(), quitAlert()));
     EXPECT_EQ(status, kGoesOn);
+}
+
+TEST_F(QuittingTest, ASignalEndsItWhateverIsAsked)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // in a new process, which the signal may end
+    const auto exitAfter = [this](const std::function<void(platform::qt::Application&)>& ask) {
+        launchWithDelegate();
+        change(kLarge);
+        const FullDisk disk(kSmallDisk);
+        auto& application = static_cast<platform::qt::Application&>(*qApp);
+        application.endOnTerminationSignals();
+        QTimer alertIsOpen;
+        QObject::connect(&alertIsOpen, &QTimer::timeout, [&] {
+            if (!QApplication::activeModalWidget())
+                return;
+            alertIsOpen.stop();
+            ::raise(SIGTERM);
+        });
+        alertIsOpen.start(5);
+        ask(application);
+        const int status = application.run();
+        const bool isAsItWas = storedObjects() == 0;
+        std::filesystem::remove_all(home_.path());
+        ::_exit(isAsItWas ? status : 1);
+    };
+    const auto whileRunning = [](platform::qt::Application& application, const std::function<void()>& action) {
+        QTimer::singleShot(0, &application, action);
+    };
+    const auto exitStatus = testing::ExitedWithCode(128 + SIGTERM);
+    EXPECT_EXIT(exitAfter([&](auto&) {
+                    const int pressed = platform().alerts.runModal({"At the start", "", {"One", "Last"}});
+                    EXPECT_EQ(pressed, platform::Alerts::kFirstButton + 1);
+                    if (HasFailure())
+                        ::_exit(1);
+                }),
+                exitStatus, "");
+    EXPECT_EXIT(exitAfter([&](auto& application) {
+                    whileRunning(application, [this] { controller().alertUserAndSub("Later", ""); });
+                }),
+                exitStatus, "");
+    EXPECT_EXIT(exitAfter([&](auto& application) {
+                    whileRunning(application, [this] { find<QAction>("terminate")->trigger(); });
+                }),
+                exitStatus, "");
 }
 
 } // namespace test

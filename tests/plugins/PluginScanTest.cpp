@@ -1,7 +1,7 @@
 #include "plugins/PluginScan.h"
 
-#include "tests/plugins/UnhelpfulFileSystem.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/UnhelpfulFileSystem.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -149,8 +149,6 @@ TEST_F(ScanFolder, OfAMissingRootHasNoRowsAndSaysWhyInTheLog)
 
 TEST_F(ScanFolder, ErrorHereStandsInTheLogForAnItemThatWouldNotSayWhatItIs)
 {
-    if (!test::UnhelpfulFileSystem::isPossible())
-        GTEST_SKIP() << "nothing can stand in for the file system here";
     const Path root = folder_ / "Plug-In Settings";
     for (const char* plugin : {"EQ A", "EQ B", "EQ C"})
         write(root / plugin / "CSParameterOrder.plist", "");
@@ -170,8 +168,6 @@ TEST_F(ScanFolder, ErrorHereStandsInTheLogForAnItemThatWouldNotSayWhatItIs)
 
 TEST_F(ScanFolder, AnOrderFileThatWouldNotSayWhatItIsHasNoRow)
 {
-    if (!test::UnhelpfulFileSystem::isPossible())
-        GTEST_SKIP() << "nothing can stand in for the file system here";
     write(folder_ / "Plug-In Settings/EQ/CSParameterOrder.plist", "");
     const test::UnhelpfulFileSystem fileSystem("CSParameterOrder.plist");
     EXPECT_THAT(plugins::scanFolder(folder_.path(), log_), IsEmpty());

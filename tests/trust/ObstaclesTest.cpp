@@ -9,11 +9,6 @@
 #include <cerrno>
 #include <iostream>
 
-#include <csignal>
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 namespace trust {
 
 namespace {
@@ -195,31 +190,6 @@ TEST_P(Obstacles, SuchAsASizeLimitDoNotEndTheProgram)
 
 INSTANTIATE_TEST_SUITE_P(, Obstacles, testing::ValuesIn(scenarios()),
                          [](const auto& test) { return std::string(test.param.name); });
-
-// What it writes first is its log.
-TEST(TheProgram, OutlivesALimitOnFileSizes)
-{
-    const test::TemporaryFolder home;
-    test::write(home / "home/Library/Audio/Presets/Maker/Synth/CSParameterOrder.plist", "");
-    const pid_t program = ::fork();
-    if (program == 0) {
-        ::setenv("HOME", (home / "home").c_str(), 1);
-        ::setenv("KV_LOCAL_LIBRARY", (home / "Library").c_str(), 1);
-        ::setenv("XDG_CONFIG_HOME", (home / "config").c_str(), 1);
-        ::setenv("XDG_DATA_HOME", (home / "data").c_str(), 1);
-        ::setenv("XDG_RUNTIME_DIR", home.path().c_str(), 1);
-        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        ::dup2(::open((home / "log").c_str(), O_WRONLY | O_CREAT, 0666), STDERR_FILENO);
-        ::execl("/bin/sh", "sh", "-c", "ulimit -f 0; exec \"$0\"", KV_PROGRAM, nullptr);
-        ::_exit(127);
-    }
-    int status = 0;
-    for (int tenths = 0; tenths < 20 && ::waitpid(program, &status, WNOHANG) == 0; ++tenths)
-        ::usleep(100000);
-    EXPECT_EQ(status, 0) << "ended by itself";
-    ::kill(program, SIGKILL);
-    ::waitpid(program, &status, 0);
-}
 
 } // namespace
 

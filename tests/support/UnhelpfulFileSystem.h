@@ -13,9 +13,6 @@ public:
     UnhelpfulFileSystem(const UnhelpfulFileSystem&) = delete;
     UnhelpfulFileSystem& operator=(const UnhelpfulFileSystem&) = delete;
     ~UnhelpfulFileSystem();
-
-    /// Whether this system lets it stand in at all.
-    static bool isPossible();
 };
 
 } // namespace test
