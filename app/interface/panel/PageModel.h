@@ -1,6 +1,8 @@
 #pragma once
 // The pages of the mapping for the overview. Holds no names: it asks for them when a page is looked at.
 
+#include "mapping/ParameterOrder.h"
+
 #include <QAbstractListModel>
 
 #include <functional>
@@ -17,7 +19,7 @@ public:
         /// Whether the panel shows this page.
         IsShown,
     };
-    static constexpr int kPots = 8;
+    static constexpr int kPots = mapping::kPotsPerPage;
 
     using QAbstractListModel::QAbstractListModel;
 

@@ -1,6 +1,8 @@
 #pragma once
 // Where everything on the front panel lies, for any size. The drawing and the widgets on it read the same places.
 
+#include "mapping/ParameterOrder.h"
+
 #include <QFont>
 #include <QRect>
 
@@ -9,7 +11,7 @@
 namespace interface {
 
 struct PanelLayout {
-    static constexpr int kPots = 8;
+    static constexpr int kPots = mapping::kPotsPerPage;
 
     double scale = 1; ///< of texts and small parts, 1 at the smallest
     QRectF body;      ///< all of the hardware, cheeks included
