@@ -62,6 +62,10 @@ public:
 
     // Mapping document
 
+    /// A plug-in has been loaded, so there is a mapping to show, edit and save.
+    bool isMappingLoaded() const;
+    /// A mapping is loaded and its plug-in is still the selected row.
+    bool isPluginBeingEdited() const;
     /// Writes the plug-in's catalogue into the file, once.
     void korvelizePlistFile(const std::string& path);
     /// Replaces the editing state by the file's. Check mode 1 takes the editing mode from the file, any other keeps it.
@@ -196,10 +200,6 @@ private:
     void showMode();
     /// What the mapping and its mode are now is what the file holds.
     void noteSaved();
-    /// A plug-in has been loaded, so there is a mapping to show, edit and save.
-    bool isMappingLoaded() const;
-    /// A mapping is loaded and its plug-in is still the selected row.
-    bool isPluginBeingEdited() const;
     std::shared_ptr<TextField> knobLabel(std::int32_t number) const;
     /// Sends a request without a body and returns the reply's text.
     std::string sendRequest(const std::string& address);

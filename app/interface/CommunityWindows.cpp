@@ -1,11 +1,14 @@
 #include "app/interface/CommunityWindows.h"
 
+#include "app/interface/Actions.h"
 #include "app/interface/Widgets.h"
-#include "platform/qt/ElidedLabel.h"
+#include "community/Listing.h"
 #include "platform/qt/RecordListView.h"
+#include "platform/qt/Text.h"
 
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QProgressBar>
@@ -14,6 +17,7 @@
 #include <QVBoxLayout>
 
 #include <initializer_list>
+#include <vector>
 
 namespace interface {
 
@@ -63,6 +67,26 @@ QProgressBar* makeProgressBar()
     return bar;
 }
 
+std::vector<platform::qt::RecordColumn> sharedColumns(const std::vector<platform::Record>& entries)
+{
+    std::vector<platform::qt::RecordColumn> columns;
+    for (const auto& [key, title] : community::columnsOf(entries))
+        columns.push_back({platform::qt::toQt(title), key});
+    return columns;
+}
+
+QWidget* makeSharedList()
+{
+    auto* list =
+        makeList("cwinPlistAvailable", "arrayController_downloadList", QObject::tr("Shared for this plugin"), {});
+    list->records().setColumns(sharedColumns);
+    list->header()->setDefaultSectionSize(105);
+    QObject::connect(&list->records(), &QAbstractItemModel::modelReset, list, [list] {
+        list->header()->resizeSection(0, 320); // the comments
+    });
+    return list;
+}
+
 } // namespace
 
 QWidget* makeAccountWindow()
@@ -74,8 +98,7 @@ QWidget* makeAccountWindow()
     auto* userName = makeLine("cwinUserName");
     auto* pin = makeLine("cwinPinCode");
     pin->setEchoMode(QLineEdit::Password);
-    auto* attempt =
-        makeButton("cwinLoginAttempt", QObject::tr("Log In"), QObject::tr("Log in with this PIN"), "log-in");
+    auto* attempt = makeButton(Action::named("cwinLoginAttempt"));
     pressOnReturn(attempt, {userName, pin});
     logInForm->addRow(QObject::tr("User name"), userName);
     logInForm->addRow(QObject::tr("PIN"), pin);
@@ -86,8 +109,7 @@ QWidget* makeAccountWindow()
     auto* newUserName = makeLine("cwinUserNameNew");
     newUserName->setAccessibleName(QObject::tr("User name of the new account"));
     auto* email = makeLine("cwinEmailAddrNew");
-    auto* request = makeButton("cwinNewUserCreate", QObject::tr("Create Account"),
-                               QObject::tr("Ask the community library for an account"), "new-account");
+    auto* request = makeButton(Action::named("cwinNewUserCreate"));
     pressOnReturn(request, {newUserName, email});
     createForm->addRow(QObject::tr("User name"), newUserName);
     createForm->addRow(QObject::tr("E-mail address"), email);
@@ -105,8 +127,7 @@ QWidget* makeUploadWindow()
     QWidget* window = makeWindow("cwinUploadWindow", QObject::tr("Share Mapping"));
     window->layout()->addWidget(makeHeading(QObject::tr("Comments for the others")));
     window->layout()->addWidget(makeTextBox("cwinUploadComments", QObject::tr("Comments for the others")));
-    auto* upload = makeButton("kvCommunityUploadBtn", QObject::tr("Upload"),
-                              QObject::tr("Send the mapping as last saved, with these comments"), "upload");
+    auto* upload = makeButton(Action::named("kvCommunityUploadBtn"));
     layoutOf(window)->addLayout(atTheEnd(upload));
     window->resize(420, 260);
     return window;
@@ -119,11 +140,10 @@ QWidget* makeDownloadWindow()
     comments->setReadOnly(true);
     comments->setMaximumHeight(120);
     window->layout()->addWidget(makeHeading(QObject::tr("Shared for this plugin")));
-    window->layout()->addWidget(makeList("cwinPlistAvailable", QObject::tr("Shared for this plugin")));
+    window->layout()->addWidget(makeSharedList());
     window->layout()->addWidget(makeHeading(QObject::tr("Comments")));
     window->layout()->addWidget(comments);
-    auto* load = makeButton("kvCommunityLoadSelectedDownload", QObject::tr("Load"),
-                            QObject::tr("Fetch the selected mapping and load it into the editor"), "load");
+    auto* load = makeButton(Action::named("kvCommunityLoadSelectedDownload"));
     QHBoxLayout* end = atTheEnd(load);
     end->insertWidget(0, makeProgressBar(), 1);
     layoutOf(window)->addLayout(end);

@@ -1,6 +1,7 @@
 #include "app/interface/EditingView.h"
 
 #include "app/ViewController.h"
+#include "app/interface/Actions.h"
 #include "app/interface/Interface.h"
 #include "app/interface/SearchField.h"
 #include "app/interface/panel/FrontPanel.h"
@@ -10,7 +11,6 @@
 #include "panel/Pages.h"
 #include "platform/qt/RecordListView.h"
 #include "platform/qt/RecordSort.h"
-#include "platform/qt/RecordTableModel.h"
 #include "platform/qt/Text.h"
 #include "plugins/PluginScan.h"
 
@@ -31,31 +31,10 @@ namespace qt = platform::qt;
 
 namespace {
 
-// What needs a mapping, and what needs its plug-in to be the selected row too: buttons, and the menu items of the same
-// names.
-const char* const kNeedMapping[] = {
-    "firstPageButtonPressed",
-    "prevPageButtonPressed",
-    "nextPageButtonPressed",
-    "lastPageButtonPressed",
-    "kvMovePage_First",
-    "kvMovePage_Prev",
-    "kvMovePage_Next",
-    "kvMovePage_Last",
-    "newPageButtonPressed",
-    "deletePageButtonPressed",
-    "clearAllPagesButtonPressed",
-    "kvExportToPlist",
-};
-const char* const kNeedPlugin[] = {
-    "kvRecallOriginalMapping", "kvRecallPreviousMapping", "kvCreateChart",     "kvPluginMode",      "modeInstrument",
-    "modeInsertEffect",        "kvRotBtn1_Pressed",       "kvRotBtn2_Pressed", "kvRotBtn3_Pressed", "kvRotBtn4_Pressed",
-    "kvRotBtn5_Pressed",       "kvRotBtn6_Pressed",       "kvRotBtn7_Pressed", "kvRotBtn8_Pressed",
-};
-
-constexpr int kMappedColumn = 2;
 /// After an edit the backups are compared again when no other edit has followed for so long.
 constexpr int kBackupPauseMs = 250;
+/// No cell shows more.
+constexpr std::size_t kMostPotsTold = 40;
 
 } // namespace
 
@@ -68,16 +47,18 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
       plugins_(loaded.find<qt::RecordListView>("pluginTableView")),
       parameters_(loaded.find<qt::RecordListView>("tablePlistOfSelectedPlugin")),
       shared_(loaded.find<qt::RecordListView>("cwinPlistAvailable")),
-      parameterModel_(static_cast<qt::RecordTableModel*>(parameters_->model())),
       mapped_(loaded.find<QLabel>("mappedReadOut")),
       unsaved_(loaded.find<QLabel>("unsavedReadOut")),
       unmappedOnly_(loaded.find<QCheckBox>("unmappedOnly")),
-      needMapping_(controlsOf(loaded, kNeedMapping)),
-      needPlugin_(controlsOf(loaded, kNeedPlugin)),
-      undo_{loaded.find<QAbstractButton>("undoButton"), loaded.find<QAction>("undo")},
-      redo_{loaded.find<QAbstractButton>("redoButton"), loaded.find<QAction>("redo")},
+      modeSwitch_(loaded.find<QWidget>("kvPluginMode")),
+      undo_(loaded.find<QAction>("undo")),
+      redo_(loaded.find<QAction>("redo")),
       modeItems_{loaded.find<QAction>("modeInsertEffect"), loaded.find<QAction>("modeInstrument")}
 {
+    for (const Action& action : Action::all()) {
+        if (action.needs != Needs::nothing)
+            needing_.emplace_back(loaded.find<QAction>(action.name), action.needs);
+    }
     overview_->setSource([](int page, int pot) {
         return qt::toQt(mapping::nameAt(mapping::plistBuild, panel::slotFor(page, pot - 1)));
     });
@@ -87,6 +68,7 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
         recalls_.push_back({button, suffix, button->toolTip()});
         button->installEventFilter(this);
     }
+    parameters_->records().setTextMaker([this](const auto& parameter) { return potsOf(parameter); });
     backupsChanged_.setSingleShot(true);
     connect(&backupsChanged_, &QTimer::timeout, this, [this] {
         for (const RecallButton& recall : recalls_)
@@ -96,22 +78,20 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
     showOnlyUnmapped(false);
 
     connections_.push_back(controller_.editingChanged.connect([this] { refresh(); }));
-    connections_.push_back(controller_.labPluginPlistLocation()->stringValue.onChange(
-        [this](const std::string&) { enableWhatCanBeDone(); }));
-    connections_.push_back(
-        controller_.myArrayController()->selectionChanged.connect([this] { enableWhatCanBeDone(); }));
     for (const auto& rows : {controller_.myArrayController(), controller_.arrayControllerPlistSelected(),
                              controller_.arrayController_downloadList()})
         connections_.push_back(rows->arrangedChanged.connect([this] { showHints(); }));
     refresh();
 }
 
-std::vector<EditingView::Control> EditingView::controlsOf(const Interface& loaded, std::span<const char* const> names)
+QString EditingView::potsOf(const platform::Record& parameter) const
 {
-    std::vector<Control> controls;
-    for (const char* name : names)
-        controls.push_back({loaded.find<QWidget>(name), loaded.find<QAction>(name)});
-    return controls;
+    if (mapping::isEmptyEntry(parameter))
+        return QObject::tr("clears a pot");
+    auto positions = controller_.mappedPots().positionsOf(parameter);
+    const bool isCut = positions.size() > kMostPotsTold;
+    positions.resize(std::min(positions.size(), kMostPotsTold));
+    return qt::toQt(mapping::potsText(positions)) + (isCut ? QStringLiteral(", \u2026") : QString());
 }
 
 bool EditingView::eventFilter(QObject* watched, QEvent* event)
@@ -147,7 +127,7 @@ void EditingView::showOnlyUnmapped(bool only)
 
 void EditingView::refresh()
 {
-    const bool hasMapping = !mapping::plistBuild.empty();
+    const bool hasMapping = controller_.isMappingLoaded();
     panel_->setShownPage(mapping::curPage, hasMapping ? mapping::totalPages : 0);
     overview_->refresh(hasMapping ? mapping::totalPages : 0, mapping::curPage);
     if (std::exchange(historyRevision_, controller_.historyRevision()) != controller_.historyRevision())
@@ -164,28 +144,18 @@ void EditingView::refresh()
 
 void EditingView::enableWhatCanBeDone()
 {
-    const bool hasMapping = !controller_.labPluginPlistLocation()->stringValue.get().empty();
-    const bool hasPlugin = hasMapping && controller_.myArrayController()->selection() != nullptr;
-    const auto enable = [](const std::vector<Control>& controls, bool enabled) {
-        for (const auto& [widget, item] : controls) {
-            if (widget)
-                widget->setEnabled(enabled);
-            if (item)
-                item->setEnabled(enabled);
-        }
-    };
-    enable(needMapping_, hasMapping);
-    enable(needPlugin_, hasPlugin);
-    for (const auto& pot : {controller_.kvRotaryBtn1(), controller_.kvRotaryBtn2(), controller_.kvRotaryBtn3(),
-                            controller_.kvRotaryBtn4(), controller_.kvRotaryBtn5(), controller_.kvRotaryBtn6(),
-                            controller_.kvRotaryBtn7(), controller_.kvRotaryBtn8()})
-        pot->enabled.set(hasPlugin);
+    const bool hasMapping = controller_.isMappingLoaded();
+    const bool hasPlugin = controller_.isPluginBeingEdited();
+    for (const auto& [item, needs] : needing_)
+        item->setEnabled(needs == Needs::plugin ? hasPlugin : hasMapping);
+    modeSwitch_->setEnabled(hasPlugin);
 }
 
 void EditingView::showTitle()
 {
-    const auto pots = mapping::plistBuild.empty() ? 0 : controller_.changedPots();
-    const bool isModified = pots > 0 || (!mapping::plistBuild.empty() && controller_.hasUnsavedMode());
+    const bool hasMapping = controller_.isMappingLoaded();
+    const auto pots = hasMapping ? controller_.changedPots() : 0;
+    const bool isModified = pots > 0 || (hasMapping && controller_.hasUnsavedMode());
     QString unsaved;
     if (pots > 0)
         unsaved = tr("Unsaved pots: %1").arg(QLocale().toString(pots));
@@ -202,12 +172,9 @@ void EditingView::showTitle()
 
 void EditingView::showHistory()
 {
-    const auto show = [](const Control& control, const QString& title, bool enabled) {
-        control.item->setText(title);
-        control.item->setEnabled(enabled);
-        control.widget->setEnabled(enabled);
-        control.widget->setAccessibleName(title);
-        control.widget->setToolTip(Interface::withShortcut(title, *control.item));
+    const auto show = [](QAction* item, const QString& title, bool enabled) {
+        item->setText(title);
+        item->setEnabled(enabled);
     };
     const platform::UndoManager& history = controller_.history();
     const QString undo = qt::toQt(history.undoName());
@@ -224,7 +191,7 @@ void EditingView::showMapped()
         pots.parameterCount() == 0
             ? QString()
             : tr("%1 of %2 mapped").arg(locale.toString(pots.mappedCount()), locale.toString(pots.parameterCount())));
-    parameterModel_->refreshColumn(kMappedColumn);
+    parameters_->records().refreshMadeTexts();
     modeItems_[mapping::plugin_Mode != mapping::kModeInsertEffect ? 1 : 0]->setChecked(true);
 }
 

@@ -10,8 +10,7 @@
 #include <QTimer>
 
 #include <cstdint>
-#include <span>
-#include <string>
+#include <utility>
 #include <vector>
 
 class QAbstractButton;
@@ -20,9 +19,12 @@ class QCheckBox;
 class QLabel;
 class ViewController;
 
+namespace platform {
+class Record;
+}
+
 namespace platform::qt {
 class RecordListView;
-class RecordTableModel;
 } // namespace platform::qt
 
 namespace interface {
@@ -31,6 +33,7 @@ class FrontPanel;
 class Interface;
 class PageOverview;
 class SearchField;
+enum class Needs;
 
 class EditingView final : public QObject {
     Q_OBJECT
@@ -50,13 +53,8 @@ private:
         QString toolTip; ///< without the backup
     };
 
-    /// A button and the menu item that does the same; either may be missing.
-    struct Control {
-        QWidget* widget;
-        QAction* item;
-    };
-
-    static std::vector<Control> controlsOf(const Interface& loaded, std::span<const char* const> names);
+    /// What the list says of where a parameter stands.
+    QString potsOf(const platform::Record& parameter) const;
     void showOnlyUnmapped(bool only);
     void refresh();
     void enableWhatCanBeDone();
@@ -74,14 +72,13 @@ private:
     platform::qt::RecordListView* plugins_;
     platform::qt::RecordListView* parameters_;
     platform::qt::RecordListView* shared_;
-    platform::qt::RecordTableModel* parameterModel_;
     QLabel* mapped_;
     QLabel* unsaved_;
     QCheckBox* unmappedOnly_;
-    std::vector<Control> needMapping_;
-    std::vector<Control> needPlugin_;
-    Control undo_;
-    Control redo_;
+    QWidget* modeSwitch_;
+    std::vector<std::pair<QAction*, Needs>> needing_;
+    QAction* undo_;
+    QAction* redo_;
     QAction* modeItems_[2]; ///< by mode
     std::vector<RecallButton> recalls_;
     std::uint64_t historyRevision_ = 0;

@@ -15,13 +15,10 @@
 class QAction;
 class ViewController;
 
-namespace platform {
-class Record;
-}
-
 namespace interface {
 
 class EditingView;
+struct Action;
 
 class Interface {
 public:
@@ -32,8 +29,6 @@ public:
     ~Interface();
 
     QWidget* mainWindow() const { return windows_.front().get(); }
-    /// A tool tip with the shortcut of the menu item that does the same.
-    static QString withShortcut(const QString& toolTip, const QAction& item);
     /// The object of that name and type in any of the windows, or null: of what the windows were made with and keep.
     /// Names may come twice in different types.
     template <typename T>
@@ -50,15 +45,12 @@ public:
 private:
     void nameObjects();
     void connectTextFields();
-    void connectButtons();
     void connectWindows();
     void connectModeSwitch();
     void connectLists();
     void connectActions();
+    void connectCall(const Action& action, QAction* item);
     void connectPanel();
-    void tellShortcuts();
-    /// What the list says of where a parameter stands.
-    QString potsOf(const platform::Record& parameter) const;
 
     ViewController& controller_;
     std::vector<std::unique_ptr<QWidget>> windows_;

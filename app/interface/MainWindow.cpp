@@ -1,25 +1,34 @@
 #include "app/interface/MainWindow.h"
 
+#include "app/interface/Actions.h"
+#include "app/interface/DragData.h"
 #include "app/interface/Fonts.h"
 #include "app/interface/Menus.h"
 #include "app/interface/SearchField.h"
 #include "app/interface/Widgets.h"
 #include "app/interface/panel/FrontPanel.h"
 #include "app/interface/panel/PageOverview.h"
+#include "mapping/ParameterOrder.h"
+#include "platform/qt/Bindings.h"
 #include "platform/qt/ElidedLabel.h"
 #include "platform/qt/RecordListView.h"
 #include "platform/qt/Typing.h"
+#include "plugins/PluginScan.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QButtonGroup>
 #include <QCheckBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScreen>
 #include <QSplitter>
 
 #include <initializer_list>
+#include <utility>
 
 namespace interface {
 
@@ -33,11 +42,18 @@ QHBoxLayout* row(std::initializer_list<QWidget*> widgets)
     return layout;
 }
 
-/// Adds buttons to a row with little room between them, so that they read as one group.
-void addGroup(QHBoxLayout* layout, std::initializer_list<QWidget*> widgets)
+/// Adds the buttons of a row, after a caption if they have one, with little room between them so that they read as one
+/// group.
+void addGroup(QHBoxLayout* layout, ButtonRow buttons, const QString& caption = {})
 {
-    QHBoxLayout* group = row(widgets);
+    auto* group = new QHBoxLayout;
     group->setSpacing(4);
+    if (!caption.isEmpty())
+        group->addWidget(new QLabel(caption));
+    for (const Action& action : Action::all()) {
+        if (action.row == buttons)
+            group->addWidget(makeButton(action));
+    }
     layout->addLayout(group);
 }
 
@@ -48,15 +64,6 @@ void tellPartsInOrder(const QSplitter* splitter)
         splitter->widget(part)->lower();
 }
 
-/// A button of a group whose caption is part of what it does.
-QPushButton* makeMoveButton(const char* name, const QString& title, const QString& accessibleName,
-                            const QString& toolTip, const char* symbol)
-{
-    QPushButton* button = makeButton(name, title, toolTip, symbol);
-    button->setAccessibleName(accessibleName);
-    return button;
-}
-
 QWidget* makeModeSwitch()
 {
     auto* matrix = new QWidget;
@@ -64,14 +71,11 @@ QWidget* makeModeSwitch()
     matrix->setAccessibleName(QObject::tr("Editing mode"));
     auto* layout = new QHBoxLayout(matrix);
     layout->setContentsMargins(0, 0, 0, 0);
-    const std::tuple<const char*, QString, QString> cells[] = {
-        {"kvPluginMode_1", QObject::tr("Instrument"), QObject::tr("Edit the plug-in as an instrument")},
-        {"kvPluginMode_0", QObject::tr("Insert/Effect"), QObject::tr("Edit the plug-in as an insert or effect")},
-    };
-    for (const auto& [name, title, toolTip] : cells) {
-        auto* cell = new QRadioButton(title);
-        cell->setObjectName(QString::fromLatin1(name));
-        cell->setToolTip(toolTip);
+    auto* cells = new QButtonGroup(matrix);
+    for (const auto& [tag, action] : {std::pair{1, "modeInstrument"}, std::pair{0, "modeInsertEffect"}}) {
+        auto* cell = new QRadioButton;
+        label(*cell, Action::named(action));
+        cells->addButton(cell, tag);
         layout->addWidget(cell);
     }
     return matrix;
@@ -95,32 +99,28 @@ QLayout* makeHeader()
     layout->addLayout(makeTitle(), 1);
     layout->addWidget(makeModeSwitch());
     layout->addWidget(makeSeparator());
-    addGroup(layout,
-             {makeSymbolButton("undoButton", QObject::tr("Undo"), QObject::tr("Take back the last edit"), "undo"),
-              makeSymbolButton("redoButton", QObject::tr("Redo"), QObject::tr("Make it again"), "redo")});
+    addGroup(layout, ButtonRow::history);
     layout->addWidget(makeSeparator());
-    addGroup(layout, {makeButton("kvExportToPlist", QObject::tr("Save Mapping"),
-                                 QObject::tr("Write the mapping into the plug-in's file and keep backups"), "save"),
-                      makeButton("kvRecallOriginalMapping", QObject::tr("Recall Original"),
-                                 QObject::tr("Put back the file as it was before the first save"), "recall-original"),
-                      makeButton("kvRecallPreviousMapping", QObject::tr("Recall Previous"),
-                                 QObject::tr("Put back the file as it was before the last save"), "recall-previous"),
-                      makeButton("kvCreateChart", QObject::tr("Chart"),
-                                 QObject::tr("Write the mapping as an HTML chart and open it"), "chart")});
+    addGroup(layout, ButtonRow::mapping);
     layout->addWidget(makeSeparator());
-    layout->addWidget(makeButton("kvHelpMe", QObject::tr("Help"), QObject::tr("Brief instructions on use"), "help"));
+    addGroup(layout, ButtonRow::help);
     return layout;
 }
 
 QWidget* makePluginColumn()
 {
     auto* heading = makeHeading(QObject::tr("Plugins"));
-    auto* list = makeList("pluginTableView", heading->text());
+    auto* list = makeList("pluginTableView", "myArrayController", heading->text(),
+                          {{QObject::tr("Plugin"), plugins::kPlugin},
+                           {QObject::tr("Type"), plugins::kType, 160},
+                           {QObject::tr("State"), plugins::kState, 80}},
+                          plugins::kFileLocation);
+    list->setSortingEnabled(true);
+    list->sortByColumn(0, Qt::AscendingOrder);
     list->leaveTypingToTheWindow();
     QHBoxLayout* top = row({heading});
     top->addStretch(1);
-    top->addWidget(makeButton("btnRunCheck", QObject::tr("Scan for plugins"),
-                              QObject::tr("Look for plug-ins with a parameter order again"), "scan"));
+    addGroup(top, ButtonRow::scan);
     auto* column = new QWidget;
     auto* layout = new QVBoxLayout(column);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -132,16 +132,20 @@ QWidget* makePluginColumn()
 QWidget* makeParameterColumn()
 {
     auto* heading = makeHeading(QObject::tr("Plugin Parameters"));
-    auto* list = makeList("tablePlistOfSelectedPlugin", heading->text());
+    auto* list = makeList("tablePlistOfSelectedPlugin", "arrayControllerPlistSelected", heading->text(),
+                          {{QObject::tr("Number"), mapping::kParamNum, 80},
+                           {QObject::tr("Parameter"), mapping::kParameter},
+                           {QObject::tr("On pots"), {}, 240}});
+    list->setDragType(QString::fromLatin1(kParameterDrag));
     list->leaveTypingToTheWindow();
     auto* search = new SearchField;
     search->setObjectName(QStringLiteral("parameterSearch"));
     search->setPlaceholderText(QObject::tr("Search parameters"));
     search->setAccessibleName(QObject::tr("Search parameters"));
     search->setList(list);
-    auto* unmapped = new QCheckBox(QObject::tr("Not mapped yet"));
-    unmapped->setObjectName(QStringLiteral("unmappedOnly"));
-    unmapped->setToolTip(QObject::tr("Show only parameters that stand on no pot"));
+    platform::qt::bindFilter(list->rows(), search);
+    auto* unmapped = new QCheckBox;
+    label(*unmapped, Action::named("unmappedOnlyItem"));
     QHBoxLayout* top = row({heading});
     auto* readOut = makeLabel("mappedReadOut");
     readOut->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -174,34 +178,14 @@ QLayout* makePageControls()
 {
     auto* layout = new QHBoxLayout;
     layout->setSpacing(10);
-    addGroup(layout, {new QLabel(QObject::tr("Show page")),
-                      makeSymbolButton("firstPageButtonPressed", QObject::tr("Show first page"),
-                                       QObject::tr("Show the first page"), "page-first"),
-                      makeSymbolButton("prevPageButtonPressed", QObject::tr("Show previous page"),
-                                       QObject::tr("Show the page before"), "page-previous"),
-                      makeSymbolButton("nextPageButtonPressed", QObject::tr("Show next page"),
-                                       QObject::tr("Show the page after"), "page-next"),
-                      makeSymbolButton("lastPageButtonPressed", QObject::tr("Show last page"),
-                                       QObject::tr("Show the last page"), "page-last")});
+    addGroup(layout, ButtonRow::showPage, QObject::tr("Show page"));
     layout->addWidget(makeSeparator());
-    addGroup(layout, {new QLabel(QObject::tr("Move page to")),
-                      makeMoveButton("kvMovePage_First", QObject::tr("First"), QObject::tr("Move page to first"),
-                                     QObject::tr("Exchange this page with the first one"), "move-first"),
-                      makeMoveButton("kvMovePage_Prev", QObject::tr("Previous"), QObject::tr("Move page to previous"),
-                                     QObject::tr("Exchange this page with the one before"), "move-previous"),
-                      makeMoveButton("kvMovePage_Next", QObject::tr("Next"), QObject::tr("Move page to next"),
-                                     QObject::tr("Exchange this page with the one after"), "move-next"),
-                      makeMoveButton("kvMovePage_Last", QObject::tr("Last"), QObject::tr("Move page to last"),
-                                     QObject::tr("Exchange this page with the last one"), "move-last")});
+    addGroup(layout, ButtonRow::movePage, QObject::tr("Move page to"));
     layout->addWidget(makeSeparator());
-    layout->addWidget(makeButton("newPageButtonPressed", QObject::tr("New Page"),
-                                 QObject::tr("Add an empty page at the end"), "page-new"));
+    addGroup(layout, ButtonRow::newPage);
     layout->addStretch(1);
     // What takes something away stands apart.
-    addGroup(layout, {makeButton("deletePageButtonPressed", QObject::tr("Delete Page"),
-                                 QObject::tr("Delete the page shown"), "page-delete"),
-                      makeButton("clearAllPagesButtonPressed", QObject::tr("Clear All"),
-                                 QObject::tr("Empty the first page and make it the only one"), "clear-all")});
+    addGroup(layout, ButtonRow::removePage);
     return layout;
 }
 
@@ -220,12 +204,7 @@ QLayout* makeStatusRow()
     auto* signedIn = makeLabel("labLoggedInAs");
     signedIn->setMinimumWidth(120);
     layout->addWidget(signedIn, 1);
-    addGroup(layout,
-             {makeButton("kvLoginToCloudAccount", QObject::tr("Account"),
-                         QObject::tr("Log in to the community library or ask for an account"), "account"),
-              makeButton("kv_btn_cloudLibrary", QObject::tr("Share"), QObject::tr("Upload the saved mapping"), "share"),
-              makeButton("kv_btn_cloudLibraryDownload", QObject::tr("Browse"),
-                         QObject::tr("See what others shared for this plug-in"), "browse")});
+    addGroup(layout, ButtonRow::community);
     return layout;
 }
 
@@ -270,6 +249,11 @@ MainWindow::MainWindow()
     layout->addWidget(makeViews(), 1);
     layout->addLayout(makeStatusRow());
     setCentralWidget(content);
+    connect(findChild<QAction*>(QStringLiteral("findParameter")), &QAction::triggered, this, [this] {
+        auto* search = findChild<SearchField*>();
+        search->setFocus(Qt::ShortcutFocusReason);
+        search->selectAll();
+    });
     constexpr QSize kUsual(1240, 770);
     constexpr QSize kFrame(16, 48); // about what the system draws around a window
     resize(kUsual.boundedTo(screen()->availableSize() - kFrame));

@@ -1,11 +1,12 @@
 #pragma once
-// The menu bar: every operation with its shortcut. An item that sends an action carries the action's name.
+// The menu bar: every operation with its shortcut.
 
 class QMainWindow;
 
 namespace interface {
 
-/// Fills the window's menu bar. Makes items only; wiring is done elsewhere.
+/// Makes a `QAction` of each action and fills the window's menu bar with those that have a menu. Makes items only;
+/// wiring is done elsewhere.
 void makeMenus(QMainWindow& window);
 
 } // namespace interface

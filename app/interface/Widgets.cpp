@@ -1,5 +1,6 @@
 #include "app/interface/Widgets.h"
 
+#include "app/interface/Actions.h"
 #include "app/interface/Fonts.h"
 #include "platform/qt/ElidedLabel.h"
 #include "platform/qt/RecordListView.h"
@@ -9,6 +10,8 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+
+#include <utility>
 
 namespace interface {
 
@@ -23,21 +26,23 @@ T* named(T* widget, const char* name)
 
 } // namespace
 
-QPushButton* makeButton(const char* name, const QString& title, const QString& toolTip, const char* symbol)
+void label(QAbstractButton& button, const Action& action)
 {
-    auto* button = named(new QPushButton(title), name);
-    button->setToolTip(toolTip);
-    button->setAutoDefault(false);
-    if (symbol)
-        button->setIcon(platform::qt::symbolIcon(QString::fromLatin1(symbol)));
-    return button;
+    button.setObjectName(QString::fromLatin1(action.buttonName()));
+    button.setAccessibleName(action.translated(action.spoken));
+    if (!action.isSymbolOnly)
+        button.setText(action.translated(action.caption ? action.caption : action.text));
 }
 
-QPushButton* makeSymbolButton(const char* name, const QString& title, const QString& toolTip, const char* symbol)
+QPushButton* makeButton(const Action& action)
 {
-    QPushButton* button = makeButton(name, {}, toolTip, symbol);
-    button->setAccessibleName(title);
-    button->setFixedWidth(button->sizeHint().height() + 8);
+    auto* button = new QPushButton;
+    label(*button, action);
+    button->setAutoDefault(false);
+    if (action.symbol)
+        button->setIcon(platform::qt::symbolIcon(QString::fromLatin1(action.symbol)));
+    if (action.isSymbolOnly)
+        button->setFixedWidth(button->sizeHint().height() + 8);
     return button;
 }
 
@@ -48,10 +53,12 @@ platform::qt::ElidedLabel* makeLabel(const char* name, Qt::TextElideMode mode)
     return label;
 }
 
-platform::qt::RecordListView* makeList(const char* name, const QString& accessibleName)
+platform::qt::RecordListView* makeList(const char* name, const char* rowsName, const QString& accessibleName,
+                                       std::vector<platform::qt::RecordColumn> columns, std::string toolTipKey)
 {
-    auto* list = named(new platform::qt::RecordListView, name);
+    auto* list = named(new platform::qt::RecordListView(std::move(columns), std::move(toolTipKey)), name);
     list->setAccessibleName(accessibleName);
+    list->records().setObjectName(QString::fromLatin1(rowsName));
     return list;
 }
 

@@ -3,6 +3,10 @@
 
 #include <QString>
 
+#include <string>
+#include <vector>
+
+class QAbstractButton;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
@@ -12,16 +16,21 @@ class QWidget;
 namespace platform::qt {
 class ElidedLabel;
 class RecordListView;
+struct RecordColumn;
 } // namespace platform::qt
 
 namespace interface {
 
-/// A button with a word on it and, where it helps to find it, a symbol of our own.
-QPushButton* makeButton(const char* name, const QString& title, const QString& toolTip, const char* symbol = nullptr);
-/// A button whose symbol says enough; the title is what a screen reader says.
-QPushButton* makeSymbolButton(const char* name, const QString& title, const QString& toolTip, const char* symbol);
+struct Action;
+
+/// Names a button after its action and writes the action's caption on it.
+void label(QAbstractButton& button, const Action& action);
+/// The push button of an action, with its symbol. Tool tip, enabling and click come when it is connected.
+QPushButton* makeButton(const Action& action);
 platform::qt::ElidedLabel* makeLabel(const char* name, Qt::TextElideMode mode = Qt::ElideRight);
-platform::qt::RecordListView* makeList(const char* name, const QString& accessibleName);
+/// A list, its model named after the outlet of the rows.
+platform::qt::RecordListView* makeList(const char* name, const char* rowsName, const QString& accessibleName,
+                                       std::vector<platform::qt::RecordColumn> columns, std::string toolTipKey = {});
 QLineEdit* makeLine(const char* name);
 QPlainTextEdit* makeTextBox(const char* name, const QString& accessibleName);
 /// A heading over a list or a group; not an outlet.

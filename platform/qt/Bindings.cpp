@@ -3,12 +3,14 @@
 #include "platform/qt/Text.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QButtonGroup>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QProgressBar>
 #include <QScreen>
 #include <QSignalBlocker>
 
@@ -127,11 +129,13 @@ void bind(const std::shared_ptr<TextField>& field, QPlainTextEdit* edit)
                      [control = field.get(), edit] { control->stringValue.set(typedText(edit)); });
 }
 
-void bind(const std::shared_ptr<Button>& button, QAbstractButton* widget)
+void bind(const std::shared_ptr<Button>& button, QAction* action)
 {
-    auto* binding = new Binding(widget, button);
-    follow<bool>(binding, button->enabled, [widget](const bool& enabled) { widget->setEnabled(enabled); });
-    QObject::connect(widget, &QAbstractButton::clicked, binding, [control = button.get()] { control->pressed.emit(); });
+    auto* binding = new Binding(action, button);
+    follow<bool>(binding, button->enabled, [action](const bool& enabled) { action->setEnabled(enabled); });
+    QObject::connect(action, &QAction::enabledChanged, binding,
+                     [control = button.get()](bool enabled) { control->enabled.set(enabled); });
+    QObject::connect(action, &QAction::triggered, binding, [control = button.get()] { control->pressed.emit(); });
 }
 
 namespace {
@@ -179,6 +183,17 @@ void bind(const std::shared_ptr<Window>& window, QWidget* widget)
         widget->activateWindow();
     }));
     binding->keep(window->centred.connect([widget] { centreOnScreen(widget); }));
+}
+
+void bind(Property<DownloadProgress>& progress, QProgressBar* bar)
+{
+    auto* binding = new Binding(bar, nullptr);
+    follow<DownloadProgress>(binding, progress, [bar](const DownloadProgress& now) {
+        bar->setVisible(now.running > 0);
+        // Without an end the bar only says that something goes on. It counts in whole KiB, which an int holds.
+        bar->setMaximum(static_cast<int>(now.expected >> 10));
+        bar->setValue(static_cast<int>(now.received >> 10));
+    });
 }
 
 void bindFilter(const std::shared_ptr<ArrayController>& controller, QLineEdit* edit)

@@ -1,8 +1,9 @@
 #pragma once
-// A one-line label that shortens with an ellipsis what does not fit. Its `text` property stays whole, and its text is
-// never taken for markup.
+// A label that shortens with an ellipsis what does not fit into its line, or its lines. Its `text` property stays
+// whole, and its text is never taken for markup.
 
 #include <QLabel>
+#include <QStringList>
 
 namespace platform::qt {
 
@@ -10,9 +11,14 @@ class ElidedLabel final : public QLabel {
     Q_OBJECT
 
 public:
-    explicit ElidedLabel(QWidget* parent = nullptr);
+    explicit ElidedLabel(int mostLines = 1, QWidget* parent = nullptr);
 
+    /// Where a text is shortened that has one line for itself; in two it is at the end.
     void setElideMode(Qt::TextElideMode mode);
+
+    /// What is drawn, line by line; each fits the width.
+    QStringList shownLines() const;
+    bool isShortened() const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -24,8 +30,8 @@ protected:
 
 private:
     QString singleLine() const;
-    QRect textArea() const;
 
+    int mostLines_;
     Qt::TextElideMode mode_ = Qt::ElideRight;
 };
 

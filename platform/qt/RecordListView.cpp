@@ -45,8 +45,20 @@ private:
 
 } // namespace
 
-RecordListView::RecordListView(QWidget* parent) : QTreeView(parent)
+RecordListView::RecordListView(std::vector<RecordColumn> columns, std::string toolTipKey, QWidget* parent)
+    : QTreeView(parent), records_(new RecordTableModel(rows_, columns, std::move(toolTipKey), this))
 {
+    setModel(records_);
+    for (int column = 0; column < records_->columnCount(); ++column) {
+        if (const int width = columns[static_cast<std::size_t>(column)].width; width > 0)
+            header()->resizeSection(column, width);
+        else
+            roomiestColumn_ = column;
+    }
+    if (!columns.empty()) {
+        header()->setStretchLastSection(false);
+        header()->setSectionResizeMode(roomiestColumn_, QHeaderView::Stretch);
+    }
     setItemDelegate(new OneLineDelegate(this));
     setRootIsDecorated(false);
     setItemsExpandable(false);
@@ -57,17 +69,16 @@ RecordListView::RecordListView(QWidget* parent) : QTreeView(parent)
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     connect(this, &QTreeView::clicked, this, [this](const QModelIndex& index) {
-        if (table_ && index.row() == rowBeforePress_)
+        if (index.row() == rowBeforePress_)
             table_->rowChosen.emit();
     });
+    selection_ = rows_->selectionChanged.connect([this] { showSelection(); });
 }
 
-void RecordListView::follow(std::shared_ptr<ArrayController> controller, std::shared_ptr<TableView> table)
+void RecordListView::setDragType(const QString& mimeType)
 {
-    controller_ = std::move(controller);
-    table_ = std::move(table);
-    selection_ = controller_->selectionChanged.connect([this] { showSelection(); });
-    showSelection();
+    records_->setDragType(mimeType);
+    setDragEnabled(true);
 }
 
 void RecordListView::setHint(const QString& hint)
@@ -110,7 +121,7 @@ void RecordListView::startDrag(Qt::DropActions actions)
         return;
     auto* drag = new QDrag(this);
     drag->setMimeData(row);
-    drag->setPixmap(viewport()->grab(visualRect(rows.front().siblingAtColumn(1))));
+    drag->setPixmap(viewport()->grab(visualRect(rows.front().siblingAtColumn(roomiestColumn_))));
     drag->exec(actions, Qt::CopyAction);
 }
 
@@ -159,9 +170,9 @@ void RecordListView::selectionChanged(const QItemSelection& selected, const QIte
 {
     QTreeView::selectionChanged(selected, deselected);
     const std::int32_t row = selectedRow();
-    if (showingSelection_ || !controller_ || row == ArrayController::kNoSelection)
+    if (showingSelection_ || row == ArrayController::kNoSelection)
         return;
-    controller_->setSelectionIndex(row);
+    rows_->setSelectionIndex(row);
     table_->rowChosen.emit();
 }
 
@@ -174,7 +185,7 @@ std::int32_t RecordListView::selectedRow() const
 void RecordListView::showSelection()
 {
     const QScopedValueRollback guard(showingSelection_, true);
-    const std::int32_t row = controller_->selectionIndex();
+    const std::int32_t row = rows_->selectionIndex();
     if (row == ArrayController::kNoSelection) {
         selectionModel()->clear();
         return;

@@ -1,13 +1,16 @@
 #pragma once
-// A list of records in columns with one selected row, tied to an array controller and a table view both ways. A row is
-// chosen by a click, by moving to it with the keyboard, or by a click on the row that is chosen already.
+// A list of records in columns with one selected row, tied to the array controller and the table view that it has, both
+// ways. A row is chosen by a click, by moving to it with the keyboard, or by a click on the row that is chosen already.
 
 #include "platform/controls/ArrayController.h"
 #include "platform/controls/Controls.h"
+#include "platform/qt/RecordTableModel.h"
 
 #include <QTreeView>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace platform::qt {
 
@@ -15,14 +18,18 @@ class RecordListView final : public QTreeView {
     Q_OBJECT
 
 public:
-    explicit RecordListView(QWidget* parent = nullptr);
+    /// `toolTipKey` is the model's.
+    explicit RecordListView(std::vector<RecordColumn> columns, std::string toolTipKey = {}, QWidget* parent = nullptr);
 
-    /// Ties the selection of this view, whose model shows the controller's rows, to the controller's.
-    void follow(std::shared_ptr<ArrayController> controller, std::shared_ptr<TableView> table);
+    const std::shared_ptr<ArrayController>& rows() const { return rows_; }
+    const std::shared_ptr<TableView>& table() const { return table_; }
+    RecordTableModel& records() const { return *records_; }
 
     /// What to do next, written into the room that the rows leave; empty: nothing.
     void setHint(const QString& hint);
     QString hint() const { return hint_; }
+    /// Lets rows be dragged, under this type.
+    void setDragType(const QString& mimeType);
     /// Leaves what is typed to the window, instead of looking for a row that begins so.
     void leaveTypingToTheWindow() { leavesTyping_ = true; }
 
@@ -40,8 +47,10 @@ private:
     std::int32_t selectedRow() const;
     void showSelection();
 
-    std::shared_ptr<ArrayController> controller_;
-    std::shared_ptr<TableView> table_;
+    std::shared_ptr<ArrayController> rows_ = std::make_shared<ArrayController>();
+    std::shared_ptr<TableView> table_ = std::make_shared<TableView>();
+    RecordTableModel* records_;
+    int roomiestColumn_ = 0; ///< which is what is seen of a row that is dragged
     bool showingSelection_ = false;
     std::int32_t rowBeforePress_ = ArrayController::kNoSelection;
     QString hint_;

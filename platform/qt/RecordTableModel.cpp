@@ -59,7 +59,9 @@ QVariant RecordTableModel::data(const QModelIndex& index, int role) const
     const RecordColumn& column = columns_.at(static_cast<std::size_t>(index.column()));
     if (role == Qt::ToolTipRole && !toolTipKey_.empty())
         return toQt(record->text(toolTipKey_));
-    return column.textOf ? column.textOf(*record) : toQt(record->text(column.key));
+    if (!column.key.empty())
+        return toQt(record->text(column.key));
+    return textOf_ ? textOf_(*record) : QString();
 }
 
 QVariant RecordTableModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -80,10 +82,18 @@ void RecordTableModel::sort(int column, Qt::SortOrder order)
     controller_->setArrangement(sortedBy(std::move(keys), order));
 }
 
-void RecordTableModel::refreshColumn(int column)
+void RecordTableModel::setTextMaker(std::function<QString(const Record&)> textOf)
 {
-    if (rows_ > 0)
-        Q_EMIT dataChanged(index(0, column), index(rows_ - 1, column), {Qt::DisplayRole, Qt::ToolTipRole});
+    textOf_ = std::move(textOf);
+    refreshMadeTexts();
+}
+
+void RecordTableModel::refreshMadeTexts()
+{
+    for (int column = 0; column < columnCount(); ++column) {
+        if (rows_ > 0 && columns_[static_cast<std::size_t>(column)].key.empty())
+            Q_EMIT dataChanged(index(0, column), index(rows_ - 1, column), {Qt::DisplayRole, Qt::ToolTipRole});
+    }
 }
 
 void RecordTableModel::setDragType(const QString& mimeType)

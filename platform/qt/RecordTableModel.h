@@ -14,9 +14,8 @@ namespace platform::qt {
 
 struct RecordColumn {
     QString title;
-    std::string key;
-    /// What a cell shows; without it the text under the key.
-    std::function<QString(const Record&)> textOf = {};
+    std::string key; ///< whose text a cell shows; empty: a text made of the record
+    int width = 0;   ///< at first; 0: what room the others leave
 };
 
 class RecordTableModel final : public QAbstractTableModel {
@@ -30,8 +29,10 @@ public:
     /// Columns that follow the content: asked for now and whenever the content is another one.
     void setColumns(std::function<std::vector<RecordColumn>(const std::vector<Record>&)> columnsOf);
 
-    /// The column's texts are others than before though the records are not.
-    void refreshColumn(int column);
+    /// What the columns without a key show.
+    void setTextMaker(std::function<QString(const Record&)> textOf);
+    /// Those texts are others than before though the records are not.
+    void refreshMadeTexts();
     /// Lets rows be dragged; what is dragged is the row's number as text, under this type.
     void setDragType(const QString& mimeType);
 
@@ -52,6 +53,7 @@ private:
     std::vector<RecordColumn> columns_;
     std::function<std::vector<RecordColumn>(const std::vector<Record>&)> columnsOf_;
     std::uint64_t columnsRevision_ = 0;
+    std::function<QString(const Record&)> textOf_;
     std::string toolTipKey_;
     QString dragType_;
     std::int32_t rows_ = 0;

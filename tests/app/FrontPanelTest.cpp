@@ -1,9 +1,9 @@
 #include "app/interface/panel/FrontPanel.h"
 
 #include "app/interface/DragData.h"
-#include "app/interface/panel/DisplayLabel.h"
 #include "app/interface/panel/PanelColours.h"
 #include "app/interface/panel/Pot.h"
+#include "platform/qt/ElidedLabel.h"
 #include "tests/support/Pictures.h"
 
 #include <QAccessible>
@@ -21,6 +21,7 @@
 #include <memory>
 #include <utility>
 
+using platform::qt::ElidedLabel;
 using support::comparePictures;
 using support::looksLike;
 using support::pictureOf;
@@ -116,9 +117,9 @@ protected:
     }
 
     Pot* pot(int number) const { return panel_->findChild<Pot*>(QStringLiteral("kvRotaryBtn%1").arg(number)); }
-    DisplayLabel* label(int number) const
+    ElidedLabel* label(int number) const
     {
-        return panel_->findChild<DisplayLabel*>(QStringLiteral("kvControl%1").arg(number));
+        return panel_->findChild<ElidedLabel*>(QStringLiteral("kvControl%1").arg(number));
     }
     void setText(const char* name, const char* text)
     {

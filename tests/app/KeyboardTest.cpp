@@ -203,6 +203,24 @@ TEST_F(KeyboardTest, UndoTakesBackTypingRightAfterItAndElseTheLastEdit)
     EXPECT_EQ(potLabel(2), "Knob 12");
 }
 
+TEST_F(KeyboardTest, UndoGoesOnWithTheEditsAfterOneWasTakenBackFromTheMenu)
+{
+    for (const char* item : {"undo", "redo"}) {
+        load();
+        controller().arrayControllerPlistSelected()->setSelectionIndex(9);
+        for (int pot = 1; pot <= 3; ++pot)
+            pressPot(pot);
+        controller().undo();
+        focus("parameterSearch");
+        type("knob");
+        find<QAction>(item)->trigger(); // so the typing is not what was done last
+        const std::size_t changed = controller().changedPots();
+        key(Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_EQ(controller().changedPots(), changed - 1) << item;
+        EXPECT_EQ(search(), "knob") << item;
+    }
+}
+
 TEST_F(KeyboardTest, UndoMeansTheFieldOnlyAsLongAsItHasSomethingToTakeBack)
 {
     load();

@@ -2,9 +2,9 @@
 
 #include "app/interface/DragData.h"
 #include "app/interface/Fonts.h"
-#include "app/interface/panel/DisplayLabel.h"
 #include "app/interface/panel/PanelDrawing.h"
 #include "app/interface/panel/Pot.h"
+#include "platform/qt/ElidedLabel.h"
 
 #include <QDrag>
 #include <QDragEnterEvent>
@@ -15,6 +15,8 @@
 #include <algorithm>
 
 namespace interface {
+
+using platform::qt::ElidedLabel;
 
 namespace {
 
@@ -64,6 +66,14 @@ QPixmap namePicture(const QString& name, const QWidget* widget)
     return picture;
 }
 
+ElidedLabel* makeDisplay(const QString& name, int mostLines, QWidget* parent)
+{
+    auto* display = new ElidedLabel(mostLines, parent);
+    display->setObjectName(name);
+    display->setAlignment(Qt::AlignCenter);
+    return display;
+}
+
 } // namespace
 
 FrontPanel::FrontPanel(QWidget* parent) : QFrame(parent)
@@ -80,12 +90,10 @@ FrontPanel::FrontPanel(QWidget* parent) : QFrame(parent)
 
 void FrontPanel::makeReadOuts()
 {
-    title_ = new DisplayLabel("labKOScreen_Title", 1, this);
-    pageReadOut_ = new DisplayLabel("lab_PageCurrentlyDisplayed", 1, this);
-    totalReadOut_ = new DisplayLabel("labTotalPagesIndicator", 1, this);
+    title_ = makeDisplay(QStringLiteral("labKOScreen_Title"), 1, this);
     title_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    pageReadOut_->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
-    totalReadOut_->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
+    pageReadOut_ = makeDisplay(QStringLiteral("lab_PageCurrentlyDisplayed"), 1, this);
+    totalReadOut_ = makeDisplay(QStringLiteral("labTotalPagesIndicator"), 1, this);
 }
 
 void FrontPanel::makePots()
@@ -94,9 +102,8 @@ void FrontPanel::makePots()
         const auto at = static_cast<std::size_t>(number - 1);
         auto* pot = pots_[at] = new Pot(number, this);
         connect(pot, &Pot::pulled, this, [this, pot] { dragPot(pot); });
-        auto* label = labels_[at] = new DisplayLabel(qPrintable(QStringLiteral("kvControl%1").arg(number)), 2, this);
-        label->setAlignment(Qt::AlignCenter);
-        label->setText(QStringLiteral("-"));
+        labels_[at] = makeDisplay(QStringLiteral("kvControl%1").arg(number), 2, this);
+        labels_[at]->setText(QStringLiteral("-"));
     }
 }
 
@@ -125,9 +132,9 @@ void FrontPanel::followPalette()
     onDisplay.setColor(QPalette::WindowText, colours.screenText);
     onDisplay.setColor(QPalette::Disabled, QPalette::WindowText, colours.screenTextOff);
     onDisplay.setColor(QPalette::Window, colours.screenBottom);
-    for (DisplayLabel* label : labels_)
+    for (ElidedLabel* label : labels_)
         label->setPalette(onDisplay);
-    for (DisplayLabel* label : {title_, pageReadOut_, totalReadOut_})
+    for (ElidedLabel* label : {title_, pageReadOut_, totalReadOut_})
         label->setPalette(onDisplay);
     update();
 }
@@ -154,7 +161,7 @@ void FrontPanel::placeChildren()
     title_->setFont(titleFont(font(), layout_.scale));
     pageReadOut_->setGeometry(layout_.page);
     totalReadOut_->setGeometry(layout_.total);
-    for (DisplayLabel* label : {pageReadOut_, totalReadOut_})
+    for (ElidedLabel* label : {pageReadOut_, totalReadOut_})
         label->setFont(scaledFont(font(), layout_.scale));
     update();
 }

@@ -8,9 +8,12 @@
 
 #include <array>
 
+namespace platform::qt {
+class ElidedLabel;
+}
+
 namespace interface {
 
-class DisplayLabel;
 class Pot;
 
 class FrontPanel final : public QFrame {
@@ -57,10 +60,10 @@ private:
     void setTarget(int pot);
 
     std::array<Pot*, PanelLayout::kPots> pots_ = {};
-    std::array<DisplayLabel*, PanelLayout::kPots> labels_ = {};
-    DisplayLabel* title_ = nullptr;
-    DisplayLabel* pageReadOut_ = nullptr;
-    DisplayLabel* totalReadOut_ = nullptr;
+    std::array<platform::qt::ElidedLabel*, PanelLayout::kPots> labels_ = {};
+    platform::qt::ElidedLabel* title_ = nullptr;
+    platform::qt::ElidedLabel* pageReadOut_ = nullptr;
+    platform::qt::ElidedLabel* totalReadOut_ = nullptr;
     PanelLayout layout_;
     int page_ = 0;
     int pages_ = 0;

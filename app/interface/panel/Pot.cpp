@@ -15,7 +15,6 @@ namespace interface {
 Pot::Pot(int number, QWidget* parent) : QPushButton(QString::number(number), parent), number_(number)
 {
     setObjectName(QStringLiteral("kvRotaryBtn%1").arg(number));
-    setToolTip(QObject::tr("Put the selected parameter on pot %1").arg(number));
     setAutoDefault(false);
     setFocusPolicy(Qt::StrongFocus); // macOS would leave buttons out of the tab order
     setAttribute(Qt::WA_Hover);

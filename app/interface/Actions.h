@@ -1,0 +1,82 @@
+#pragma once
+// The table of all actions that the user can call. Menu bar, buttons, keys, tool tips and enabling read it, so a new
+// action is a row here and a member of the controller.
+
+#include "app/ViewController.h"
+
+#include <QAction>
+#include <QCoreApplication>
+#include <QKeySequence>
+#include <QList>
+#include <QString>
+
+#include <span>
+#include <string_view>
+
+namespace interface {
+
+/// One key, or all that the platform has for a standard operation.
+struct Keys {
+    Keys() = default;
+    Keys(QKeySequence::StandardKey standard) : sequences(QKeySequence::keyBindings(standard)) {}
+    Keys(const QString& keys) : sequences{QKeySequence(keys)} {}
+    Keys(const char* keys) : Keys(QString::fromLatin1(keys)) {}
+
+    QList<QKeySequence> sequences;
+};
+
+/// The menus of the bar, from the left.
+enum class Menu { none, file, edit, page, community, help };
+
+/// An item that stays marked: by itself, or as the one chosen of its section.
+enum class Mark { none, check, choice };
+
+/// What an action can do nothing without.
+enum class Needs {
+    nothing, ///< or what only its own operation knows, which enables it: undo, redo, share
+    mapping, ///< one is loaded
+    plugin,  ///< and its plug-in is the selected row
+};
+
+/// Rows of buttons in the main window; a row has them in the table's order.
+enum class ButtonRow { none, scan, history, mapping, help, showPage, movePage, newPage, removePage, community };
+
+struct Action {
+    Q_DECLARE_TR_FUNCTIONS(interface::Action)
+
+public:
+    using Call = void (ViewController::*)(ViewController::Sender);
+
+    const char* name = nullptr; ///< of the `QAction`
+    const char* text = nullptr; ///< in the menu
+    const char* symbol = nullptr;
+    int pot = 0; ///< what "%1" in its texts stands for
+
+    Menu menu = Menu::none;
+    bool beginsSection = false; ///< a line is above it in the menu
+    Mark mark = Mark::none;
+    QAction::MenuRole role = QAction::TextHeuristicRole;
+    Keys keys = {};
+    QString plainKey = {}; ///< works while the parameter list or the panel has the focus
+    bool repeats = false;  ///< while a key is held down; nothing that edits does, but what can be taken back again
+    Needs needs = Needs::nothing;
+    Call call = nullptr; ///< null: what its button does by itself, or what somebody connects who knows more
+
+    const char* button = nullptr; ///< the button's name; null: the action's
+    ButtonRow row = ButtonRow::none;
+    bool isSymbolOnly = false;     ///< the symbol says enough
+    const char* caption = nullptr; ///< what the button says; null: the text
+    const char* spoken = nullptr;  ///< what a screen reader says where the caption is too short
+    const char* toolTip = nullptr; ///< of the button, without the keys; null: what the menu item says at the time
+
+    /// In the order of the menus.
+    static std::span<const Action> all();
+    /// The action of that name, which has to be there.
+    static const Action& named(std::string_view name);
+
+    const char* buttonName() const { return button ? button : name; }
+    /// One of its texts in the user's language.
+    QString translated(const char* words) const;
+};
+
+} // namespace interface
