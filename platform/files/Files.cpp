@@ -1,7 +1,5 @@
 #include "platform/files/Files.h"
 
-#include "platform/files/Descriptors.h"
-
 #include <cerrno>
 #include <csignal>
 #include <utility>
@@ -38,6 +36,25 @@ private:
 Descriptor openToRead(const Path& path)
 {
     return Descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+}
+
+bool writeWhole(int descriptor, std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return false;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+std::optional<struct stat> statusOfFile(const Path& path)
+{
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) ? std::optional(status) : std::nullopt;
 }
 
 bool flushToDisk(int descriptor)
@@ -108,18 +125,14 @@ bool remove(const Path& path)
 
 std::optional<std::filesystem::perms> permissions(const Path& path)
 {
-    struct stat status = {};
-    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
-        return std::nullopt;
-    return static_cast<std::filesystem::perms>(status.st_mode & 0777);
+    const auto status = statusOfFile(path);
+    return status ? std::optional(static_cast<std::filesystem::perms>(status->st_mode & 0777)) : std::nullopt;
 }
 
 std::optional<std::time_t> modificationTime(const Path& path)
 {
-    struct stat status = {};
-    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
-        return std::nullopt;
-    return status.st_mtime;
+    const auto status = statusOfFile(path);
+    return status ? std::optional(status->st_mtime) : std::nullopt;
 }
 
 PartialFile::PartialFile(Path destination, Path part, std::optional<std::filesystem::perms> mode)

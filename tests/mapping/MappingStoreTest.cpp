@@ -2,6 +2,7 @@
 
 #include "mapping/ParameterOrder.h"
 #include "platform/files/Files.h"
+#include "tests/support/Obstacles.h"
 #include "tests/support/OrderFiles.h"
 
 #include <gmock/gmock.h>
@@ -162,6 +163,16 @@ TEST_F(MappingStore, MarkingAFileThatCannotBeReadDeletesIt)
         markFile(file_);
         EXPECT_THAT(names(), IsEmpty()) << bytes;
     }
+}
+
+TEST_F(MappingStore, AFileStaysWhoseMarkedContentCouldNotBeReadBack)
+{
+    // With dictionary, key and array so many values that those of a catalogue would be too many.
+    const plist::Array values(1'000'000 - 3, true);
+    test::writeDictionary(file_, {{"Values", values}}, plist::Form::binary);
+    const std::string bytes = read(file_);
+    EXPECT_FALSE(markFile(file_).has_value());
+    EXPECT_TRUE(read(file_) == bytes);
 }
 
 TEST_F(MappingStore, MarkingAMissingFileMakesNone)
@@ -521,6 +532,17 @@ TEST_F(MappingStore, RecallBringsBackAMissingFile)
     fs::remove(file_);
     EXPECT_TRUE(recallBackup(file_, "original"));
     EXPECT_EQ(read(file_), start);
+}
+
+TEST_F(MappingStore, RecallDeletesTheFileBeforeItCopiesTheBackup)
+{
+    write(file_, "the file");
+    write(previous_, "a backup that the disk has no room for");
+    {
+        const test::FullDisk disk(10);
+        EXPECT_TRUE(recallBackup(file_, "prev"));
+    }
+    EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist.prev"));
 }
 
 TEST_F(MappingStore, RecallBringsBackThePermissionsOfTheBackup)

@@ -126,9 +126,16 @@ bool mayGoOn(Kind kind, const char* name, int folder, const char* path)
     return !isBelow(folder, path) || meet(kind, name, path) == Verdict::proceed;
 }
 
+std::string pathOf(int descriptor)
+{
+    char path[4096];
+    const ssize_t length = ::readlink(("/proc/self/fd/" + std::to_string(descriptor)).c_str(), path, sizeof path);
+    return std::string(path, length < 0 ? 0 : static_cast<std::size_t>(length));
+}
+
 bool mayGoOn(Kind kind, const char* name, int descriptor)
 {
-    return !isWatched(descriptor) || meet(kind, name, "") == Verdict::proceed;
+    return !isWatched(descriptor) || meet(kind, name, pathOf(descriptor).c_str()) == Verdict::proceed;
 }
 
 int noteOpened(int descriptor, bool isOurs)
@@ -158,7 +165,7 @@ ssize_t writeAs(const char* name, int descriptor, std::size_t size, Write write)
 {
     if (!isWatched(descriptor))
         return write(size);
-    switch (meet(Kind::write, name, "")) {
+    switch (meet(Kind::write, name, pathOf(descriptor).c_str())) {
     case Verdict::proceed: return write(size);
     case Verdict::fail: return -1;
     case Verdict::half: break;

@@ -57,6 +57,8 @@ protected:
         if (before_.contains(kOriginal)) {
             EXPECT_EQ(stateOf(files, kOriginal), "old");
         }
+        // What stood there before the first save is what nobody could bring back.
+        EXPECT_TRUE(files.contains(kOriginal) || !files.contains(kPrevious));
     }
 
     /// The like once more, with a file to do it to, must leave nothing of the killed process.
@@ -78,6 +80,22 @@ protected:
         return std::any_of(run.trace.begin(), run.trace.end() - 1, [](const std::string& line) {
             return line.find(" unlink ") != line.npos && line.ends_with(std::string("/") + kFile);
         });
+    }
+
+    struct Step {
+        std::string operation;
+        Path path;
+    };
+    /// What the whole run did.
+    std::vector<Step> steps() const
+    {
+        std::vector<Step> all;
+        for (const std::string& line : whole_.trace) {
+            const auto operation = line.find(' ') + 1;
+            const auto path = line.find(' ', operation) + 1;
+            all.push_back({line.substr(operation, path - 1 - operation), line.substr(path)});
+        }
+        return all;
     }
 
     Folder folder_;
@@ -112,6 +130,27 @@ TEST_P(PulledPlug, LeavesEveryFileOldOrNewOrAbsent)
                       << (isLost ? " lost |" : " kept |") << '\n';
         expectALaterRunClears(files);
     }
+}
+
+// Power that fails takes what the system had not written yet, and a name may be on the disk before the content is.
+TEST_P(PulledPlug, FindsContentOnTheDiskBeforeItsNameAndTheNameSoonAfter)
+{
+    const std::vector<Step> all = steps();
+    int renames = 0;
+    for (std::size_t at = 0; at < all.size(); ++at) {
+        if (all[at].operation != "rename")
+            continue;
+        ++renames;
+        std::size_t last = at - 1;
+        while (all[last].operation == "close")
+            --last;
+        EXPECT_EQ(all[last].operation, "fsync") << all[at].path;
+        EXPECT_TRUE(isPartial(all[last].path.filename())) << all[last].path;
+        ASSERT_LT(at + 1, all.size());
+        EXPECT_EQ(all[at + 1].operation, "fsync") << all[at].path;
+        EXPECT_EQ(all[at + 1].path, folder_.path());
+    }
+    EXPECT_GT(renames, 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(, PulledPlug, testing::ValuesIn(scenarios()),
