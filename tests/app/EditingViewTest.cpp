@@ -11,6 +11,7 @@
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QScreen>
+#include <QSignalSpy>
 #include <QSplitter>
 #include <QTest>
 
@@ -95,7 +96,10 @@ TEST_F(EditingViewTest, TheListSaysOnWhichPotsAParameterStands)
                 ElementsAre("clears a pot", "1·1", "1·2", "1·3", "1·4", "1·5", "1·6", "1·7", "1·8", "2·1", "2·2"));
     EXPECT_EQ(text("mappedReadOut"), "10 of 10 mapped");
     choose(9);
+    QSignalSpy shownAnew(find<QAbstractItemView>("tablePlistOfSelectedPlugin")->model(),
+                         &QAbstractItemModel::dataChanged);
     pressPot(1); // Knob 9 in place of Knob 1
+    EXPECT_EQ(shownAnew.count(), 1);
     choose(0);
     pressPot(2);
     EXPECT_EQ(onPots().at(1), "");

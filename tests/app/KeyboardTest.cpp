@@ -101,6 +101,10 @@ TEST_F(KeyboardTest, EscapeClearsTheSearchAndThenLeavesIt)
     EXPECT_TRUE(find<>("tablePlistOfSelectedPlugin")->hasFocus());
     key(Qt::Key_F, Qt::ControlModifier);
     EXPECT_TRUE(searchHasFocus());
+    type("y");
+    key(Qt::Key_F, Qt::ControlModifier);
+    type("z");
+    EXPECT_EQ(search(), "z"); // in place of what was searched before
     key(Qt::Key_Return);
     EXPECT_TRUE(find<>("tablePlistOfSelectedPlugin")->hasFocus());
 }
