@@ -5,6 +5,7 @@
 #include "app/interface/panel/PanelLayout.h"
 
 #include <QFrame>
+#include <QPixmap>
 
 #include <array>
 
@@ -52,6 +53,7 @@ private:
     void followLabels();
     void followPalette();
     void placeChildren();
+    void drawAnew();
     void dragPot(Pot* pot);
     int targetOf(const QDropEvent& event) const;
     void setTarget(int pot);
@@ -62,6 +64,7 @@ private:
     DisplayLabel* pageReadOut_ = nullptr;
     DisplayLabel* totalReadOut_ = nullptr;
     PanelLayout layout_;
+    QPixmap picture_; ///< of the hardware without the pots, as it was last painted; null when it looks different now
     int page_ = 0;
     int pages_ = 0;
     int target_ = kNoPot;

@@ -74,11 +74,6 @@ PotLook Pot::look() const
     return look;
 }
 
-void Pot::beginDrawing()
-{
-    beginPot(size(), devicePixelRatioF(), look(), panelColours(palette()));
-}
-
 void Pot::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
