@@ -304,8 +304,9 @@ TEST_F(FrontPanelTest, FollowsTheDesktopFromLightToDark)
 TEST_F(FrontPanelTest, IsDrawnForTheScreensDensity)
 {
     const QImage fine = pictureOf(*panel_, 2);
-    const QRect upperHalfOfPot(pot(3)->pos(), QSize(pot(3)->width(), pot(3)->height() / 2));
-    for (const QRect& part : {upperHalfOfPot, QRect(20, 10, 240, 40)}) {
+    const int third = pot(3)->width() / 3;
+    const QRect cap = pot(3)->geometry().adjusted(third, third, -third, -third);
+    for (const QRect& part : {cap, QRect(20, 10, 240, 40)}) {
         // Of a picture blown up, each point is four pixels of one colour.
         int points = 0;
         for (int y = 2 * part.top(); y < 2 * part.bottom(); y += 2)

@@ -183,7 +183,6 @@ void drawRule(QPainter& painter, double x, const QRectF& display, const PanelCol
 
 void drawPanel(QPainter& painter, const PanelLayout& layout, const PanelColours& c, const QFont& font)
 {
-    painter.setLayoutDirection(Qt::LeftToRight); // what is printed on the hardware is so in every language
     const double s = layout.scale;
     drawBody(painter, layout, c);
     double turn = 0.2;
