@@ -4,10 +4,10 @@
 #include "platform/TerminationSignals.h"
 #include "platform/qt/ReadableColours.h"
 #include "platform/qt/ReadableStyle.h"
-#include "platform/qt/SymbolIcon.h"
 
 #include <QAbstractEventDispatcher>
 #include <QEvent>
+#include <QIcon>
 #include <QSocketNotifier>
 
 namespace platform::qt {
@@ -18,7 +18,7 @@ Application::Application(int& argc, char** argv) : QApplication(argc, argv)
     setApplicationDisplayName(QStringLiteral("kvOrvantaLogic Tool"));
     setApplicationVersion(QStringLiteral(KV_VERSION));
 #ifndef Q_OS_MACOS // it would stand in the Dock in place of the bundle's
-    setWindowIcon(applicationIcon());
+    setWindowIcon(QIcon(QStringLiteral(":/icon/kvOrvantaLogic_Tool-small.svg")));
 #endif
     setDesktopFileName(QStringLiteral(KV_BUNDLE_IDENTIFIER));
     installEventFilter(&plainToolTips_);

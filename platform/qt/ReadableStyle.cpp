@@ -41,8 +41,7 @@ void drawOutline(QPainter& painter, const QRect& rect, const QPen& pen, bool isR
     painter.restore();
 }
 
-/// A flat button, as what Return presses outlined like what has the focus. Qt's own has two gradients and three
-/// outlines, which for all the buttons of a window takes longer than everything else on them.
+/// A flat button, as what Return presses outlined like what has the focus.
 void drawButton(QPainter& painter, const QStyleOption& option, bool isDefault)
 {
     const QPalette& palette = option.palette;

@@ -1,8 +1,7 @@
 #pragma once
 // Qt's own style for desktops without one, with outlines of check boxes, radio buttons and text fields, and a frame
 // around what has the focus, that stand out from the window: in dark colours the plain ones can hardly be seen.
-// Buttons are flat, and what clears a text field or tells of more menus is one of our symbols, since Qt would read the
-// desktop's icon themes for them at every start.
+// Buttons are flat, and what clears a text field or tells of more menus is one of our symbols.
 
 #include <QProxyStyle>
 

@@ -4,6 +4,7 @@
 #include "app/interface/panel/PanelColours.h"
 #include "app/interface/panel/Pot.h"
 #include "platform/qt/ElidedLabel.h"
+#include "platform/qt/ReadableColours.h"
 #include "tests/support/Pictures.h"
 
 #include <QAccessible>
@@ -12,16 +13,17 @@
 #include <QDropEvent>
 #include <QFontInfo>
 #include <QMimeData>
+#include <QPixmapCache>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWindow>
 
-#include <cmath>
 #include <memory>
 #include <utility>
 
 using platform::qt::ElidedLabel;
+using platform::qt::contrast;
 using support::comparePictures;
 using support::looksLike;
 using support::pictureOf;
@@ -81,21 +83,6 @@ private:
 std::string spoken(QWidget* widget)
 {
     return QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name).toStdString();
-}
-
-/// Relative luminance, as contrast is reckoned from it.
-double luminance(const QColor& colour)
-{
-    const auto linear = [](double part) {
-        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
-}
-
-double contrast(const QColor& a, const QColor& b)
-{
-    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
-    return (lighter + 0.05) / (darker + 0.05);
 }
 
 } // namespace
@@ -171,25 +158,55 @@ TEST_F(FrontPanelTest, LooksAsItShouldInBothSchemes)
     }
 }
 
-TEST_F(FrontPanelTest, PaintsAllOfItselfAtEverySizeAndScale)
+TEST_F(FrontPanelTest, NothingShinesThroughItAtAnySizeAndScale)
 {
-    // Nothing is painted under it, so what it leaves out would keep what was there before.
-    const QColor untouched(255, 0, 255);
-    for (const double scale : {1.0, 1.1, 1.25, 1.35, 1.5, 1.75, 2.0, 3.0}) {
-        for (int width = 900; width < 1300; width += 13) {
+    const QColor behind(255, 0, 255);
+    for (const double scale : {1.0, 1.1, 1.25, 1.5, 1.75, 2.0}) {
+        for (int width = 900; width < 1300; width += 57) {
             panel_->resize(width, 230 + (width - 900) / 2);
-            QImage image((QSizeF(panel_->size()) * scale).toSize() - QSize(1, 1), QImage::Format_RGB32);
+            QImage image((QSizeF(panel_->size()) * scale).toSize(), QImage::Format_RGB32);
             image.setDevicePixelRatio(scale);
-            image.fill(untouched);
+            image.fill(behind);
             panel_->render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
-            int left = 0;
-            for (int y = 0; y < image.height(); ++y) {
-                const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-                for (int x = 0; x < image.width(); ++x)
-                    left += qRed(row[x]) > qGreen(row[x]) + 60 && qBlue(row[x]) > qGreen(row[x]) + 60 ? 1 : 0;
+            int seen = 0;
+            for (int y = qCeil(2 * scale); y < image.height() - 3 * scale; ++y) {
+                const bool isNearCorners = y < 14 * scale || y > image.height() - 14 * scale;
+                const double margin = scale * (isNearCorners ? 14 : 2);
+                for (int x = qCeil(margin); x < image.width() - margin; ++x) {
+                    const QRgb colour = image.pixel(x, y);
+                    seen += qRed(colour) > qGreen(colour) + 60 && qBlue(colour) > qGreen(colour) + 60 ? 1 : 0;
+                }
             }
-            EXPECT_EQ(left, 0) << scale << " " << width;
+            EXPECT_EQ(seen, 0) << scale << " " << width;
         }
+    }
+}
+
+TEST_F(FrontPanelTest, KeepsNothingOfHowItLookedBefore)
+{
+    pot(1)->clearFocus();
+    double scale = 1;
+    const std::pair<const char*, std::function<void()>> changes[] = {
+        {"opened", [] {}},
+        {"larger", [this] { panel_->resize(1300, 320); }},
+        {"on another screen", [&scale] { scale = 2; }},
+        {"dark", [] { QApplication::setPalette(support::darkPalette()); }},
+        {"with small letters",
+         [this] {
+             QFont font = panel_->font();
+             font.setPixelSize(9);
+             panel_->setFont(font);
+         }},
+    };
+    for (const auto& [name, change] : changes) {
+        change();
+        QApplication::processEvents();
+        const QImage picture = pictureOf(*panel_, scale);
+        QPixmapCache::clear();
+        FrontPanel fresh;
+        fresh.setFont(panel_->font());
+        fresh.resize(panel_->size());
+        EXPECT_EQ(picture, pictureOf(fresh, scale)) << name;
     }
 }
 
@@ -288,8 +305,24 @@ TEST_F(FrontPanelTest, FollowsTheDesktopFromLightToDark)
 TEST_F(FrontPanelTest, IsDrawnForTheScreensDensity)
 {
     const QImage fine = pictureOf(*panel_, 2);
-    const QImage blownUp = pictureOf(*panel_).scaled(fine.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    EXPECT_GT(comparePictures(fine, blownUp).share, 0.005);
+    const int third = pot(3)->width() / 3;
+    const QRect cap = pot(3)->geometry().adjusted(third, third, -third, -third);
+    for (const QRect& part : {cap, QRect(20, 10, 240, 40)}) {
+        // Of a picture blown up, each point is four pixels of one colour.
+        int points = 0;
+        for (int y = 2 * part.top(); y < 2 * part.bottom(); y += 2)
+            for (int x = 2 * part.left(); x < 2 * part.right(); x += 2)
+                points += fine.pixel(x, y) != fine.pixel(x + 1, y) || fine.pixel(x, y) != fine.pixel(x, y + 1) ? 1 : 0;
+        EXPECT_GT(points, part.width() * part.height() / 20);
+    }
+}
+
+TEST_F(FrontPanelTest, EveryPotBearsItsNumber)
+{
+    pot(1)->clearFocus();
+    for (int number = 2; number <= kPots; ++number)
+        for (int other = 1; other < number; ++other)
+            EXPECT_NE(pictureOf(*pot(number)), pictureOf(*pot(other))) << number << " " << other;
 }
 
 TEST_F(FrontPanelTest, ContrastIsSufficientInBothSchemes)
@@ -533,16 +566,19 @@ TEST_F(FrontPanelTest, WhatDoesNotBelongOnAPotIsRefused)
 TEST_F(FrontPanelTest, TheMarkFollowsWhatIsDraggedAndGoesWithIt)
 {
     const QImage before = pictureOf(*panel_);
-    const auto isMarked = [&](int number) {
-        const QRect place = pot(number)->geometry() | label(number)->geometry();
-        return comparePictures(pictureOf(*panel_).copy(place), before.copy(place)).share > 0.005;
+    const auto marks = [&](int number) { // on the pot and on its field
+        const QImage now = pictureOf(*panel_);
+        int marked = 0;
+        for (const QRect& place : {pot(number)->geometry(), label(number)->geometry()})
+            marked += comparePictures(now.copy(place), before.copy(place)).share > 0.005 ? 1 : 0;
+        return marked;
     };
     Dragged parameter(kParameterDrag, "1");
     EXPECT_TRUE(parameter.enter(*panel_, middleOf(2)));
-    EXPECT_TRUE(isMarked(2));
+    EXPECT_EQ(marks(2), 2);
     EXPECT_TRUE(parameter.move(*panel_, middleOf(3)));
-    EXPECT_FALSE(isMarked(2));
-    EXPECT_TRUE(isMarked(3));
+    EXPECT_EQ(marks(2), 0);
+    EXPECT_EQ(marks(3), 2);
     QDragLeaveEvent leave;
     QApplication::sendEvent(panel_.get(), &leave);
     EXPECT_EQ(pictureOf(*panel_), before);

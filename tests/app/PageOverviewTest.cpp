@@ -4,13 +4,13 @@
 
 #include <QAccessible>
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QFontInfo>
 #include <QSignalSpy>
 #include <QTest>
 
 #include <memory>
 #include <set>
+#include <utility>
 
 using support::comparePictures;
 using support::looksLike;
@@ -137,8 +137,10 @@ TEST_F(PageOverviewTest, LeavesOtherKeysToTheWindow)
 {
     refresh(5, 2);
     QSignalSpy chosen(overview_.get(), &PageOverview::pageChosen);
-    for (const auto key : {Qt::Key_1, Qt::Key_A, Qt::Key_PageDown, Qt::Key_PageUp, Qt::Key_Space, Qt::Key_Return}) {
-        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, QString(QChar(key)));
+    const std::pair<Qt::Key, const char*> keys[] = {{Qt::Key_1, "1"},     {Qt::Key_A, "a"},     {Qt::Key_PageDown, ""},
+                                                    {Qt::Key_PageUp, ""}, {Qt::Key_Space, " "}, {Qt::Key_Return, "\r"}};
+    for (const auto& [key, text] : keys) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, QString::fromLatin1(text));
         QApplication::sendEvent(overview_.get(), &press);
         EXPECT_FALSE(press.isAccepted()) << key;
     }
@@ -226,32 +228,15 @@ TEST_F(PageOverviewTest, BringsTheShownPageIntoSightWithItsNeighbours)
 
 TEST_F(PageOverviewTest, AsksForNothingOutOfSight)
 {
-    asked_.clear();
-    refresh(kManyPages, 600);
-    overview_->viewport()->repaint();
-    EXPECT_FALSE(asked_.empty());
-    EXPECT_LE(asked_.size(), 12U);
-    for (const int number : asked_)
-        EXPECT_LT(std::abs(number - 600), 12);
-}
-
-TEST_F(PageOverviewTest, ManyPagesAreRefreshedAndDrawnAtOnce)
-{
-    refresh(kManyPages, 600);
-    constexpr int kTimes = 200;
-    QElapsedTimer timer;
-    timer.start();
-    for (int i = 0; i < kTimes; ++i)
-        overview_->refresh(kManyPages, i % 2 == 0 ? 600 : kManyPages);
-    EXPECT_LT(static_cast<double>(timer.nsecsElapsed()) / 1e6 / kTimes, 1) << "ms a refresh";
-    timer.start();
-    for (int i = 0; i < 20; ++i)
+    for (const int pages : {kManyPages, kManyPages, kManyPages + 1}) {
+        asked_.clear();
+        refresh(pages, 600);
         overview_->viewport()->repaint();
-    EXPECT_LT(static_cast<double>(timer.nsecsElapsed()) / 1e6 / 20, 16) << "ms a repaint";
-    timer.start();
-    for (int i = 0; i < 20; ++i)
-        refresh(kManyPages + i % 2, 600);
-    EXPECT_LT(static_cast<double>(timer.nsecsElapsed()) / 1e6 / 20, 16) << "ms with a page more or less";
+        EXPECT_FALSE(asked_.empty());
+        EXPECT_LE(asked_.size(), 12U);
+        for (const int number : asked_)
+            EXPECT_LT(std::abs(number - 600), 12);
+    }
 }
 
 TEST_F(PageOverviewTest, RunsFromTheRightWhereThatIsTheWayToRead)

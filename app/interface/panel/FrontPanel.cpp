@@ -81,7 +81,6 @@ FrontPanel::FrontPanel(QWidget* parent) : QFrame(parent)
     setAccessibleName(tr("Front panel"));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     setAcceptDrops(true);
-    setAttribute(Qt::WA_OpaquePaintEvent); // or the window would be painted under all of it
     makeReadOuts();
     makePots();
     followPalette();
@@ -136,7 +135,7 @@ void FrontPanel::followPalette()
         label->setPalette(onDisplay);
     for (ElidedLabel* label : {title_, pageReadOut_, totalReadOut_})
         label->setPalette(onDisplay);
-    update();
+    drawAnew();
 }
 
 QSize FrontPanel::sizeHint() const
@@ -163,6 +162,12 @@ void FrontPanel::placeChildren()
     totalReadOut_->setGeometry(layout_.total);
     for (ElidedLabel* label : {pageReadOut_, totalReadOut_})
         label->setFont(scaledFont(font(), layout_.scale));
+    drawAnew();
+}
+
+void FrontPanel::drawAnew()
+{
+    picture_ = {};
     update();
 }
 
@@ -200,12 +205,16 @@ void FrontPanel::resizeEvent(QResizeEvent* event)
 void FrontPanel::paintEvent(QPaintEvent*)
 {
     const PanelColours& colours = panelColours(palette());
-    pots_.front()->beginDrawing(); // most pots look like it, and its picture takes as long as the face
     QPainter painter(this);
-    const QRegion beside = QRegion(rect()) - layout_.face.toRect();
-    for (const QRect& part : beside)
-        painter.fillRect(part, palette().window());
-    drawPanel(painter, layout_, colours, font());
+    const double scale = painter.deviceTransform().m11();
+    if (picture_.isNull() || picture_.devicePixelRatio() != scale) {
+        picture_ = QPixmap((QSizeF(size()) * scale).toSize());
+        picture_.setDevicePixelRatio(scale);
+        picture_.fill(Qt::transparent);
+        QPainter onPicture(&picture_);
+        drawPanel(onPicture, layout_, colours, font());
+    }
+    painter.drawPixmap(0, 0, picture_);
     if (target_ != kNoPot)
         drawDropField(painter, layout_, target_, colours);
 }

@@ -5,6 +5,7 @@
 #include "app/interface/panel/PanelLayout.h"
 
 #include <QFrame>
+#include <QPixmap>
 
 #include <array>
 
@@ -55,6 +56,7 @@ private:
     void followLabels();
     void followPalette();
     void placeChildren();
+    void drawAnew();
     void dragPot(Pot* pot);
     int targetOf(const QDropEvent& event) const;
     void setTarget(int pot);
@@ -65,6 +67,7 @@ private:
     platform::qt::ElidedLabel* pageReadOut_ = nullptr;
     platform::qt::ElidedLabel* totalReadOut_ = nullptr;
     PanelLayout layout_;
+    QPixmap picture_; ///< of the hardware without the pots, as it was last painted; null when it looks different now
     int page_ = 0;
     int pages_ = 0;
     int target_ = kNoPot;

@@ -43,11 +43,6 @@ double widthOf(const QFont& font, const char* text)
     return std::ceil(QFontMetricsF(font).horizontalAdvance(QString::fromLatin1(text)));
 }
 
-double widthOf(const EnlargedFont& font, const char* text)
-{
-    return font.factor * widthOf(font.font, text);
-}
-
 double scaleFor(const QSize& size, const QFont& font)
 {
     const QSize preferred = preferredPanelSize(font);

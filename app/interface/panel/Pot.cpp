@@ -73,11 +73,6 @@ PotLook Pot::look() const
     return look;
 }
 
-void Pot::beginDrawing()
-{
-    beginPot(size(), devicePixelRatioF(), look(), panelColours(palette()));
-}
-
 void Pot::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);

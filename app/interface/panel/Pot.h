@@ -22,9 +22,6 @@ public:
     /// Whether what is being dragged would be dropped here.
     void setDropTarget(bool isTarget);
 
-    /// Begins to draw what painting it will need, while something else is painted.
-    void beginDrawing();
-
 Q_SIGNALS:
     /// The mouse has pulled far enough for a drag; no click follows.
     void pulled();

@@ -7,13 +7,9 @@
 #include <QPainterPath>
 #include <QPixmap>
 #include <QPixmapCache>
-#include <QSemaphore>
-#include <QThreadPool>
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
-#include <optional>
 #include <utility>
 
 namespace interface {
@@ -204,13 +200,16 @@ void drawPointer(const Drawing& d, double degrees)
     d.painter.drawLine(inner, outer);
 }
 
-void drawNumber(const Drawing& d, const QFont& font)
+void drawNumber(const Drawing& d, const QFont& desktopFont)
 {
-    const double pixels = std::max(9.0, d.at(0.19));
+    QFont font = boldFont(desktopFont);
+    font.setPixelSize(std::max(9, static_cast<int>(std::lround(d.at(0.19)))));
+    d.painter.setFont(font);
     d.painter.setPen(d.look.isEnabled ? d.c.legend : d.c.legendOff);
     const QPointF centre(d.centre.x(), d.centre.y() + d.at(kNumber));
-    drawText(d.painter, numberFont(font, pixels), QRectF(centre, centre).adjusted(-pixels, -pixels, pixels, pixels),
-             Qt::AlignCenter, QString::number(d.look.number));
+    const double half = font.pixelSize();
+    d.painter.drawText(QRectF(centre, centre).adjusted(-half, -half, half, half), Qt::AlignCenter,
+                       QString::number(d.look.number));
 }
 
 void drawMarks(const Drawing& d)
@@ -239,107 +238,42 @@ void drawBody(const Drawing& d)
     drawPointer(d, pointer);
 }
 
-/// What all pots have in common that look alike but for their numbers and marks.
-struct Body {
-    QSizeF size;
-    double scale;
-    PotLook look;
-    const PanelColours& colours; ///< one of the two that there are
-
-    QString key() const
-    {
-        return QStringLiteral("kvPot %1 %2 %3 %4%5%6%7 %8")
-            .arg(size.width())
-            .arg(size.height())
-            .arg(scale)
-            .arg(look.isMapped)
-            .arg(look.isEnabled)
-            .arg(look.isHovered)
-            .arg(look.isPressed)
-            .arg(colours.skirtDark.rgba());
-    }
-
-    QImage drawn() const
-    {
-        QImage picture((size * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
-        picture.setDevicePixelRatio(scale);
-        picture.fill(Qt::transparent);
-        QPainter painter(&picture);
-        painter.setRenderHint(QPainter::Antialiasing);
-        const QRectF square(QPointF(), size);
-        drawBody({painter, square.center(), std::min(size.width(), size.height()) / 2, look, colours});
-        return picture;
-    }
-};
-
-/// A body that one of Qt's threads draws. Not only for the time that passes meanwhile: outside of these threads Qt 6.4
-/// shares every larger shape out among them, which takes longer than to draw it.
-class Sketch {
-public:
-    explicit Sketch(const Body& body) : key_(body.key()), work_(std::make_shared<Work>())
-    {
-        QThreadPool::globalInstance()->start([body, work = work_] {
-            work->picture = body.drawn();
-            work->isDone.release();
-        });
-    }
-
-    bool isOf(const QString& key) const { return key_ == key; }
-    /// Waits for it; once.
-    QPixmap take()
-    {
-        work_->isDone.acquire();
-        return QPixmap::fromImage(std::move(work_->picture));
-    }
-
-private:
-    struct Work {
-        QSemaphore isDone;
-        QImage picture;
-    };
-
-    QString key_;
-    std::shared_ptr<Work> work_;
-};
-
-/// The last one, until it is taken.
-std::optional<Sketch>& lastSketch()
+/// All but number and marks: pots that look alike share it.
+QPixmap bodyOf(const QSizeF& size, double scale, const PotLook& look, const PanelColours& colours)
 {
-    static std::optional<Sketch> sketch;
-    return sketch;
-}
-
-QPixmap pictureOf(const Body& body)
-{
-    const QString key = body.key();
+    const QString key = QStringLiteral("kvPot %1 %2 %3 %4%5%6%7 %8")
+                            .arg(size.width())
+                            .arg(size.height())
+                            .arg(scale)
+                            .arg(look.isMapped)
+                            .arg(look.isEnabled)
+                            .arg(look.isHovered)
+                            .arg(look.isPressed)
+                            .arg(colours.skirtDark.rgba());
     QPixmap picture;
     if (QPixmapCache::find(key, &picture))
         return picture;
-    if (!lastSketch() || !lastSketch()->isOf(key))
-        lastSketch().emplace(body);
-    picture = lastSketch()->take();
-    lastSketch().reset();
+    picture = QPixmap((size * scale).toSize());
+    if (picture.isNull())
+        return picture;
+    picture.setDevicePixelRatio(scale);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF square(QPointF(), size);
+    drawBody({painter, square.center(), std::min(size.width(), size.height()) / 2, look, colours});
+    painter.end();
     QPixmapCache::insert(key, picture);
     return picture;
 }
 
 } // namespace
 
-void beginPot(const QSizeF& size, double scale, const PotLook& look, const PanelColours& colours)
-{
-    const Body body{size, scale, look, colours};
-    const QString key = body.key();
-    QPixmap picture;
-    if (!size.isEmpty() && !QPixmapCache::find(key, &picture) && (!lastSketch() || !lastSketch()->isOf(key)))
-        lastSketch().emplace(body);
-}
-
 void drawPot(QPainter& painter, const QRectF& square, const PotLook& look, const PanelColours& colours,
              const QFont& font)
 {
     painter.setRenderHint(QPainter::Antialiasing);
-    const double scale = painter.device()->devicePixelRatioF();
-    painter.drawPixmap(square.topLeft(), pictureOf({square.size(), scale, look, colours}));
+    painter.drawPixmap(square.topLeft(), bodyOf(square.size(), painter.deviceTransform().m11(), look, colours));
     const Drawing d{painter, square.center(), std::min(square.width(), square.height()) / 2, look, colours};
     drawNumber(d, font);
     drawMarks(d);

@@ -24,8 +24,4 @@ struct PotLook {
 void drawPot(QPainter& painter, const QRectF& square, const PotLook& look, const PanelColours& colours,
              const QFont& font);
 
-/// Begins in another thread what drawPot() will be asked for next, on a device of so many pixels to a point. `colours`
-/// must stay.
-void beginPot(const QSizeF& size, double scale, const PotLook& look, const PanelColours& colours);
-
 } // namespace interface

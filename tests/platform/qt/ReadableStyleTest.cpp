@@ -126,7 +126,7 @@ TEST_P(ReadableStyleTest, AButtonShowsWhatItIsAndItsTextCanBeRead)
     EXPECT_EQ(buttonPanel(on | QStyle::State_On), buttonPanel(pressed)) << "held down";
 }
 
-TEST(ReadableStyleIcons, OnlyWhatEveryStartNeedsIsOurs)
+TEST(ReadableStyleIcons, OnlyWhatTheWindowsShowIsOurs)
 {
     const ReadableStyle style;
     EXPECT_EQ(style.standardIcon(QStyle::SP_LineEditClearButton, nullptr, nullptr).name(), QLatin1String("clear"));
@@ -134,7 +134,7 @@ TEST(ReadableStyleIcons, OnlyWhatEveryStartNeedsIsOurs)
               QLatin1String("more"));
     const QIcon other = style.standardIcon(QStyle::SP_MessageBoxWarning, nullptr, nullptr);
     EXPECT_FALSE(other.isNull());
-    EXPECT_FALSE(symbolNames().contains(other.name()));
+    EXPECT_TRUE(symbolIcon(other.name()).isNull());
 }
 
 INSTANTIATE_TEST_SUITE_P(Schemes, ReadableStyleTest, testing::Bool(),
