@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <limits>
 #include <string_view>
 #include <vector>
@@ -21,7 +20,8 @@ constexpr double kMostGrowth = 16;
 constexpr char kOurs[] = "ours";
 constexpr char kYardstick[] = "yardstick";
 constexpr char kLimit[] = "limit";
-constexpr std::string_view kSlack = "--slack=";
+constexpr char kMeasure[] = "measure"; ///< what the limit is of
+constexpr std::string_view kCheck = "--check";
 
 /// What each of the measures answered, sorted.
 std::pair<std::vector<double>, std::vector<double>> answersOf(benchmark::State& state, const Measure& one,
@@ -40,8 +40,10 @@ std::pair<std::vector<double>, std::vector<double>> answersOf(benchmark::State& 
     return {ours, others};
 }
 
-void report(benchmark::State& state, double ours, double yardstick, double limit, const std::string& label)
+void report(benchmark::State& state, double ours, double yardstick, double measure, double limit,
+            const std::string& label)
 {
+    state.counters[kMeasure] = measure;
     state.counters[kOurs] = ours;
     state.counters[kYardstick] = yardstick;
     state.counters[kLimit] = limit;
@@ -51,11 +53,9 @@ void report(benchmark::State& state, double ours, double yardstick, double limit
 /// One line a figure.
 class Table final : public benchmark::BenchmarkReporter {
 public:
-    explicit Table(double slack) : slack_(slack) {}
-
     bool ReportContext(const Context&) override
     {
-        std::printf("%-45s %10s %10s %7s %7s  %s\n", "figure", "ours", "yardstick", "ratio", "at most", "yardstick is");
+        std::printf("%-45s %10s %10s %7s %7s  %s\n", "figure", "ours", "yardstick", "here", "at most", "yardstick is");
         return true;
     }
 
@@ -68,14 +68,14 @@ public:
                 continue;
             }
             const double ours = run.counters.at(kOurs), yardstick = run.counters.at(kYardstick);
-            const double limit = run.counters.at(kLimit), ratio = ours / yardstick;
-            const bool isOver = limit > 0 && ratio > limit;
+            const double limit = run.counters.at(kLimit), here = run.counters.at(kMeasure);
+            const bool isOver = limit > 0 && here > limit;
             char most[16] = "-";
             if (limit > 0)
                 std::snprintf(most, sizeof most, "%.2f", limit);
             std::printf("%-45s %10.2f %10.2f %7.2f %7s  %s%s\n", run.run_name.function_name.c_str(), ours, yardstick,
-                        ratio, most, run.report_label.c_str(), isOver ? "  <-- over" : "");
-            isWithin_ = isWithin_ && (limit == 0 || ratio <= limit * slack_);
+                        here, most, run.report_label.c_str(), isOver ? "  <-- over" : "");
+            isWithin_ = isWithin_ && !isOver;
         }
         std::fflush(stdout);
     }
@@ -83,7 +83,6 @@ public:
     bool isWithin() const { return isWithin_; }
 
 private:
-    double slack_;
     bool isWithin_ = true;
 };
 
@@ -108,8 +107,10 @@ void add(const Figure& figure)
     const auto measure = [figure](benchmark::State& state) {
         const auto [ours, yardstick] = figure.prepare();
         const auto [all, others] = answersOf(state, ours, yardstick);
-        const std::size_t counts = figure.isWallClock ? all.size() / 2 : 0;
-        report(state, all[counts], others[counts], figure.limit, figure.yardstick + ", " + figure.unit);
+        const std::size_t counts = figure.clock == Figure::Clock::wall ? all.size() / 2 : 0;
+        const bool isRatio = figure.limitOf == Figure::Limit::ratio;
+        const double value = isRatio ? all[counts] / others[counts] : all[counts] - others[counts];
+        report(state, all[counts], others[counts], value, figure.limit, figure.yardstick + ", " + figure.unit);
     };
     benchmark::RegisterBenchmark(figure.name.c_str(), measure)->Iterations(figure.runs)->UseManualTime();
 }
@@ -125,7 +126,7 @@ void add(const Growth& growth)
         const double tenfold = answersOf(state, large, [] { return 0.0; }).first.front();
         char label[64];
         std::snprintf(label, sizeof label, "a tenth of it, ms; exponent %.2f", std::log10(tenfold / least));
-        report(state, tenfold, least, kMostGrowth, label);
+        report(state, tenfold, least, tenfold / least, kMostGrowth, label);
     };
     benchmark::RegisterBenchmark(growth.name.c_str(), measure)->Iterations(growth.runs)->UseManualTime();
 }
@@ -133,18 +134,17 @@ void add(const Growth& growth)
 bool runAll(int& argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);
-    double slack = 1;
+    bool checks = false;
     for (int i = 1; i < argc; ++i) {
-        const std::string_view argument = argv[i];
-        slack = argument.starts_with(kSlack) ? std::atof(argv[i] + kSlack.size()) : 0;
-        if (slack < 1) {
+        if (argv[i] != kCheck) {
             std::fprintf(stderr, "bench: what is %s?\n", argv[i]);
             return false;
         }
+        checks = true;
     }
-    Table table(slack);
+    Table table;
     benchmark::RunSpecifiedBenchmarks(&table);
-    return table.isWithin();
+    return table.isWithin() || !checks;
 }
 
 } // namespace bench

@@ -23,7 +23,9 @@ struct Figure {
     /// Makes both sides ready; called when the figure's turn comes. What the measures hold is gone after it.
     std::function<std::pair<Measure, Measure>()> prepare;
     std::string unit = "ms";
-    bool isWallClock = false;
+    enum class Clock { processor, wall } clock = Clock::processor;
+    /// Of what there is at most: of the ratio of both sides, or of their difference.
+    enum class Limit { ratio, difference } limitOf = Limit::ratio;
 };
 
 /// The same work at two sizes, the second ten times the first.
@@ -44,8 +46,8 @@ void add(const Figure& figure);
 /// Adds a benchmark that reports both times and by how much the work grew.
 void add(const Growth& growth);
 
-/// Runs what was added, or what the command line picks, and prints a table. Answers whether all is within its limits,
-/// times the slack that the command line gives.
+/// Runs what was added, or what the command line picks, and prints a table. With --check in the command line, answers
+/// whether all is within its limits.
 bool runAll(int& argc, char** argv);
 
 void addScanFigures();

@@ -2,7 +2,6 @@
 
 #include "plugins/PluginScan.h"
 #include "tests/support/FreshState.h"
-#include "tests/support/OrderFiles.h"
 
 #include <QApplication>
 
@@ -15,22 +14,18 @@ namespace bench {
 
 Home::Home()
 {
-    ::setenv("HOME", (folder_ / "home").c_str(), 1);
-    ::setenv("KV_LOCAL_LIBRARY", (folder_ / "Library").c_str(), 1);
-    ::setenv("XDG_CONFIG_HOME", (folder_ / "config").c_str(), 1);
-    ::setenv("XDG_DATA_HOME", (folder_ / "data").c_str(), 1);
     std::filesystem::create_directories(builtIn());
-    std::filesystem::create_directories(folder_ / "home/Library/Audio/Presets");
+    std::filesystem::create_directories(path() / "home/Library/Audio/Presets");
 }
 
 std::filesystem::path Home::builtIn() const
 {
-    return folder_ / "Library/Application Support/Logic/Plug-In Settings";
+    return path() / "Library/Application Support/Logic/Plug-In Settings";
 }
 
 std::filesystem::path Home::writePlugin(const std::string& name, int parameters) const
 {
-    const auto file = builtIn() / name / "CSParameterOrder.plist";
+    const auto file = test::TemporaryHome::builtIn(name);
     test::writeDictionary(file, test::orderFile(test::numbered(parameters)));
     return file;
 }
@@ -38,10 +33,10 @@ std::filesystem::path Home::writePlugin(const std::string& name, int parameters)
 LoadedWindow::LoadedWindow(const Home& home)
     : logDescriptor_(::open((home.path() / "log.txt").c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600)),
       log_(logDescriptor_),
-      platform_{alerts_, workspace_, folders_, log_, http_, preferences_, json_, errors_, localization_, undoManagers_}
+      system_(test::kPreferences, {nullptr, nullptr, nullptr, &log_, nullptr})
 {
     test::startAnew();
-    controller_ = std::make_unique<ViewController>(platform_);
+    controller_ = std::make_unique<ViewController>(system_.platform);
     interface_ = std::make_unique<interface::Interface>(*controller_);
     controller_->viewDidLoad();
     interface_->mainWindow()->show();

@@ -4,32 +4,22 @@
 
 #include "app/ViewController.h"
 #include "app/interface/Interface.h"
-#include "platform/ErrorAlerts.h"
 #include "platform/StreamLog.h"
-#include "platform/UserPreferences.h"
-#include "platform/qt/CompletionGate.h"
-#include "platform/qt/CurlHttp.h"
-#include "platform/qt/QtJson.h"
-#include "platform/qt/SystemEffects.h"
-#include "platform/qt/UndoStack.h"
-#include "tests/support/TemporaryFolder.h"
+#include "platform/qt/SystemPlatform.h"
+#include "tests/support/TemporaryHome.h"
 
+#include <memory>
 #include <string>
 
 namespace bench {
 
-/// A folder that HOME and the other roots of the program point into while it lives.
-class Home {
+class Home : public test::TemporaryHome {
 public:
     Home();
 
     std::filesystem::path builtIn() const;
     /// Writes the file of a built-in plug-in with "1 Knob 1", "2 Knob 2", ...; answers its path.
     std::filesystem::path writePlugin(const std::string& name, int parameters) const;
-    std::filesystem::path path() const { return folder_.path(); }
-
-private:
-    test::TemporaryFolder folder_;
 };
 
 class LoadedWindow {
@@ -55,18 +45,8 @@ public:
 
 private:
     int logDescriptor_;
-    platform::qt::CompletionGate gate_;
-    platform::qt::MessageBoxAlerts alerts_{gate_};
-    platform::qt::DesktopWorkspace workspace_;
-    platform::qt::UserFolders folders_;
     platform::StreamLog log_;
-    platform::qt::CurlHttp http_{gate_};
-    platform::UserPreferences preferences_{"org.example.kv-bench"};
-    platform::qt::QtJson json_;
-    platform::ErrorAlerts errors_{alerts_};
-    platform::qt::TranslatedTexts localization_;
-    platform::qt::UndoStacks undoManagers_;
-    platform::Platform platform_;
+    platform::qt::SystemPlatform system_;
     std::unique_ptr<ViewController> controller_;
     std::unique_ptr<interface::Interface> interface_;
 };

@@ -66,7 +66,7 @@ void addScanFigures()
         return std::pair<Measure, Measure>([scan] { return scan->milliseconds(); },
                                            [scan, find] { return run(find, {}, scan->home.path() / "found.txt"); });
     };
-    add(Figure{"scan of 200,000 items", "find -name", 0.7, 9, prepare});
+    add(Figure{"scan of 200,000 items", "find -name", 0.75, 9, prepare});
     add(Growth{"growth: scan, 200,000 items", kItems / 10, 5, [](int items) {
                    const auto scan = std::make_shared<Scan>(items);
                    return [scan] { return scan->milliseconds(); };

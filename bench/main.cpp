@@ -1,5 +1,5 @@
-// What the program costs: `bench [--slack=FACTOR] [--benchmark_filter=REGEX]`. Ends with 1 where a figure is over its
-// limit by more than the factor.
+// What the program costs: `bench [--check] [--benchmark_filter=REGEX]`. With --check it ends with 1 where a figure is
+// over its limit.
 
 #include "bench/Figure.h"
 #include "platform/qt/Application.h"

@@ -1,6 +1,5 @@
 #include "tests/support/WindowTest.h"
 
-#include "mapping/EditingState.h"
 #include "platform/qt/RecordSort.h"
 
 #include <QLineEdit>
@@ -20,45 +19,7 @@ protected:
         launch();
         select("Synth");
     }
-
-    static std::string at(std::size_t position)
-    {
-        return std::string(mapping::plistBuild.at(position).text("Parameter"));
-    }
 };
-
-TEST_F(AssignmentTest, PotsOfTheFirstPageWriteItsSlots)
-{
-    chooseParameter("Knob 20");
-    pressPot(1);
-    EXPECT_EQ(at(0), "Knob 20");
-    EXPECT_EQ(mapping::plistBuild[0].text("ParamNum"), "20");
-    pressPot(8);
-    EXPECT_EQ(at(7), "Knob 21");
-}
-
-TEST_F(AssignmentTest, PotsOfTheThirdPageWriteItsSlots)
-{
-    click("lastPageButtonPressed");
-    chooseParameter("Knob 1");
-    pressPot(1);
-    EXPECT_EQ(at(16), "Knob 1");
-    pressPot(8);
-    EXPECT_EQ(at(23), "Knob 2");
-    EXPECT_EQ(potLabel(8), "Knob 2");
-}
-
-TEST_F(AssignmentTest, TheBlankEntryClearsAPotAndStaysSelected)
-{
-    ASSERT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 0);
-    pressPot(3);
-    EXPECT_EQ(mapping::plistBuild[2].text("ParamNum"), "0");
-    EXPECT_EQ(mapping::plistBuild[2].text("Parameter"), "-");
-    EXPECT_EQ(potLabel(3), "-");
-    EXPECT_EQ(toolTip("kvControl3"), "-");
-    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 0);
-    EXPECT_EQ(mapping::plistBuild[2].number("KorvelControlNo"), 2);
-}
 
 TEST_F(AssignmentTest, OneClickAPotLaysARunOfParameters)
 {
@@ -68,44 +29,6 @@ TEST_F(AssignmentTest, OneClickAPotLaysARunOfParameters)
     EXPECT_THAT(potLabels(),
                 ElementsAre("Knob 11", "Knob 12", "Knob 13", "Knob 14", "Knob 15", "Knob 16", "Knob 17", "Knob 18"));
     EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 19);
-}
-
-TEST_F(AssignmentTest, AParameterMayStandOnTwoPots)
-{
-    chooseParameter("Knob 5");
-    pressPot(1);
-    EXPECT_EQ(at(0), "Knob 5");
-    EXPECT_EQ(at(4), "Knob 5");
-}
-
-TEST_F(AssignmentTest, TheSelectionStaysAtTheLastRow)
-{
-    chooseParameter("Knob 24");
-    pressPot(1);
-    pressPot(2);
-    EXPECT_EQ(at(0), "Knob 24");
-    EXPECT_EQ(at(1), "Knob 24");
-    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 24);
-}
-
-TEST_F(AssignmentTest, ExchangingTwoSlotsLeavesTheirPagesAndPositions)
-{
-    controller().moveParameterPositionAndToMovePageMode(3, 11, 1);
-    EXPECT_EQ(at(3), "Knob 12");
-    EXPECT_EQ(mapping::plistBuild[3].text("ParamNum"), "12");
-    EXPECT_EQ(mapping::plistBuild[3].number("KorvelPage"), 1);
-    EXPECT_EQ(mapping::plistBuild[3].number("KorvelControlNo"), 3);
-    EXPECT_EQ(at(11), "Knob 4");
-    EXPECT_EQ(mapping::plistBuild[11].number("KorvelPage"), 2);
-    EXPECT_EQ(mapping::plistBuild[11].number("KorvelControlNo"), 11);
-    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 1) << "an exchange steps the list on too";
-}
-
-TEST_F(AssignmentTest, APressWithoutASelectedParameterIsIgnored)
-{
-    controller().arrayControllerPlistSelected()->setSelectionIndex(-1);
-    pressPot(1);
-    EXPECT_EQ(at(0), "Knob 1");
 }
 
 TEST_F(AssignmentTest, SearchingNarrowsByAnyPartOfNameOrNumber)
@@ -161,7 +84,7 @@ TEST_F(AssignmentTest, AssigningAndSteppingCountInTheRowsShown)
     pressPot(1);
     pressPot(2);
     pressPot(3);
-    EXPECT_THAT(std::vector({at(0), at(1), at(2)}), ElementsAre("Knob 12", "Knob 20", "Knob 21"));
+    EXPECT_THAT(std::vector({potLabel(1), potLabel(2), potLabel(3)}), ElementsAre("Knob 12", "Knob 20", "Knob 21"));
 }
 
 TEST_F(AssignmentTest, APotCanBeClearedWhileSearching)

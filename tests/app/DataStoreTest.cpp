@@ -24,7 +24,7 @@ constexpr auto kReadOnly = perms{0555};
 
 class DataStoreTest : public DelegateTest {
 protected:
-    std::vector<SeenAlert> useStore()
+    std::vector<ShownAlert> useStore()
     {
         return alertsOf([this] { EXPECT_EQ(delegate().managedObjectContext(), nullptr); });
     }
@@ -32,9 +32,9 @@ protected:
     static auto failureBeneath(const std::string& underlying)
     {
         return ElementsAre(AllOf(
-            Field(&SeenAlert::message, kDescription),
-            Field(&SeenAlert::informative, AllOf(StartsWith(std::string(kReason) + "\n\n"), EndsWith(underlying))),
-            Field(&SeenAlert::buttons, ElementsAre("OK"))));
+            Field(&ShownAlert::text, kDescription),
+            Field(&ShownAlert::informativeText, AllOf(StartsWith(std::string(kReason) + "\n\n"), EndsWith(underlying))),
+            Field(&ShownAlert::buttons, ElementsAre("OK"))));
     }
 };
 
@@ -99,8 +99,8 @@ TEST_F(DataStoreTest, AMissingModelIsLookedForAgain)
 TEST_F(DataStoreTest, AFileWhereTheFolderShouldBeIsToldOnEveryUse)
 {
     write(data_, "in the way");
-    const SeenAlert told{
-        kDescription, "Expected a folder to store application data, found a file (" + data_.native() + ").", {"OK"}};
+    const ShownAlert told{kDescription,
+                          "Expected a folder to store application data, found a file (" + data_.native() + ")."};
     EXPECT_THAT(useStore(), ElementsAre(told));
     EXPECT_THAT(useStore(), ElementsAre(told));
     const auto alerts = alertsOf([this] { EXPECT_EQ(delegate().persistentStoreCoordinator(), nullptr); });
@@ -236,9 +236,9 @@ TEST_F(DataStoreTest, AFullDiskIsToldAndTheChangesStay)
     {
         const FullDisk disk(kSmallDisk);
         const auto alerts = alertsOf([this] { delegate().saveAction(); }, {"Cancel"});
-        EXPECT_THAT(alerts, ElementsAre(SeenAlert{"The store “" + store_.native() + "” could not be written.",
-                                                  "The disk may be full, or the folder may not be yours to write in.",
-                                                  {"Try Again", "Cancel"}}));
+        EXPECT_THAT(alerts, ElementsAre(ShownAlert{"The store “" + store_.native() + "” could not be written.",
+                                                   "The disk may be full, or the folder may not be yours to write in.",
+                                                   {"Try Again", "Cancel"}}));
     }
     EXPECT_TRUE(delegate().managedObjectContext()->hasChanges());
     EXPECT_EQ(storedObjects(), 0U);

@@ -22,11 +22,11 @@
 #include <memory>
 #include <utility>
 
-using platform::qt::ElidedLabel;
 using platform::qt::contrast;
-using support::comparePictures;
-using support::looksLike;
-using support::pictureOf;
+using platform::qt::ElidedLabel;
+using test::comparePictures;
+using test::looksLike;
+using test::pictureOf;
 
 namespace interface {
 
@@ -89,7 +89,7 @@ std::string spoken(QWidget* widget)
 
 class FrontPanelTest : public testing::Test {
 protected:
-    FrontPanelTest() { open(support::lightPalette()); }
+    FrontPanelTest() { open(test::lightPalette()); }
 
     void open(const QPalette& palette)
     {
@@ -135,7 +135,7 @@ protected:
     int spacing() const { return label(1)->fontMetrics().lineSpacing(); }
     QPoint middleOf(int number) const { return pot(number)->geometry().center(); }
 
-    std::optional<support::FixedLook> look_;
+    std::optional<test::FixedLook> look_;
     std::unique_ptr<FrontPanel> panel_;
 };
 
@@ -145,8 +145,7 @@ TEST_F(FrontPanelTest, LooksAsItShouldInBothSchemes)
 {
     if (QFontInfo(QApplication::font()).family() != QLatin1String("DejaVu Sans"))
         GTEST_SKIP() << "the pictures are of DejaVu Sans";
-    const std::pair<const char*, QPalette> schemes[] = {{"light", support::lightPalette()},
-                                                        {"dark", support::darkPalette()}};
+    const std::pair<const char*, QPalette> schemes[] = {{"light", test::lightPalette()}, {"dark", test::darkPalette()}};
     for (const auto& [scheme, palette] : schemes) {
         open(palette);
         for (int number = 1; number <= kPots; ++number)
@@ -190,7 +189,7 @@ TEST_F(FrontPanelTest, KeepsNothingOfHowItLookedBefore)
         {"opened", [] {}},
         {"larger", [this] { panel_->resize(1300, 320); }},
         {"on another screen", [&scale] { scale = 2; }},
-        {"dark", [] { QApplication::setPalette(support::darkPalette()); }},
+        {"dark", [] { QApplication::setPalette(test::darkPalette()); }},
         {"with small letters",
          [this] {
              QFont font = panel_->font();
@@ -223,7 +222,7 @@ TEST_F(FrontPanelTest, WhatIsPrintedOnItStandsAsOnTheHardwareInEveryLanguage)
     const QRect printed(20, 2, 240, 50);
     const QImage before = pictureOf(*panel_).copy(printed);
     QApplication::setLayoutDirection(Qt::RightToLeft);
-    open(support::lightPalette());
+    open(test::lightPalette());
     const QImage after = panel_->screen()->grabWindow(panel_->winId()).toImage();
     QApplication::setLayoutDirection(Qt::LeftToRight);
     EXPECT_EQ(after.convertToFormat(before.format()).copy(printed), before);
@@ -235,7 +234,7 @@ TEST_F(FrontPanelTest, ThePictureShowsAPotThatIsThreePixelsOff)
     const QImage before = pictureOf(*panel_);
     EXPECT_EQ(comparePictures(pictureOf(*panel_), before).share, 0);
     pot(4)->move(pot(4)->pos() + QPoint(3, 0));
-    EXPECT_GT(comparePictures(pictureOf(*panel_), before).densest, support::kToleratedDensity);
+    EXPECT_GT(comparePictures(pictureOf(*panel_), before).densest, test::kToleratedDensity);
 }
 
 TEST_F(FrontPanelTest, ThePictureForgivesLettersDrawnAnotherWay)
@@ -248,7 +247,7 @@ TEST_F(FrontPanelTest, ThePictureForgivesLettersDrawnAnotherWay)
     QApplication::processEvents();
     const QImage after = pictureOf(*panel_);
     EXPECT_NE(after, before);
-    EXPECT_LE(comparePictures(after, before).densest, support::kToleratedDensity);
+    EXPECT_LE(comparePictures(after, before).densest, test::kToleratedDensity);
 }
 
 TEST_F(FrontPanelTest, EveryStateOfAPotLooksDifferent)
@@ -270,7 +269,7 @@ TEST_F(FrontPanelTest, EveryStateOfAPotLooksDifferent)
              parameter.enter(*pot(3), pot(3)->rect().center());
          }},
     };
-    for (const auto& palette : {support::lightPalette(), support::darkPalette()}) {
+    for (const auto& palette : {test::lightPalette(), test::darkPalette()}) {
         std::vector<std::pair<std::string, QImage>> seen;
         for (const auto& [name, enter] : states) {
             open(palette);
@@ -297,7 +296,7 @@ TEST_F(FrontPanelTest, MappedPotsAreNotToldByColourAlone)
 TEST_F(FrontPanelTest, FollowsTheDesktopFromLightToDark)
 {
     const QImage light = pictureOf(*panel_);
-    QApplication::setPalette(support::darkPalette());
+    QApplication::setPalette(test::darkPalette());
     QApplication::processEvents();
     EXPECT_GT(comparePictures(pictureOf(*panel_), light).share, 0.3);
 }
@@ -327,7 +326,7 @@ TEST_F(FrontPanelTest, EveryPotBearsItsNumber)
 
 TEST_F(FrontPanelTest, ContrastIsSufficientInBothSchemes)
 {
-    for (const auto& palette : {support::lightPalette(), support::darkPalette()}) {
+    for (const auto& palette : {test::lightPalette(), test::darkPalette()}) {
         const PanelColours& c = panelColours(palette);
         const QColor faces[] = {c.faceTop, c.faceMiddle, c.faceBottom};
         for (const QColor& face : faces) {

@@ -276,13 +276,13 @@ TEST_F(KeyboardTest, ThePlatformsShortcutsDoTheirWork)
     EXPECT_EQ(mapping::totalPages, 3);
     const auto saved = alertsOf([] { key(Qt::Key_S, Qt::ControlModifier); });
     ASSERT_EQ(saved.size(), 1u);
-    EXPECT_EQ(saved.front().message, "New Mapping has been saved");
+    EXPECT_EQ(saved.front().text, "New Mapping has been saved");
     activate();
     key(Qt::Key_P, Qt::ControlModifier);
     EXPECT_EQ(workspace_.opened.size(), 1u);
     const auto helped = alertsOf([] { key(Qt::Key_F1); });
     ASSERT_EQ(helped.size(), 1u);
-    EXPECT_EQ(helped.front().message, "Brief instructions on use");
+    EXPECT_EQ(helped.front().text, "Brief instructions on use");
     activate();
     writeDictionary(builtIn("Another"), orderFile(numbered(1)));
     key(Qt::Key_F5);

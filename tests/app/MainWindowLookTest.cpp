@@ -13,9 +13,9 @@
 
 namespace test {
 
-using support::FixedLook;
-using support::looksLike;
-using support::pictureOf;
+using test::FixedLook;
+using test::looksLike;
+using test::pictureOf;
 
 namespace {
 
@@ -91,22 +91,22 @@ protected:
 TEST_F(MainWindowLookTest, LooksLikeItsPicturesInBothSchemes)
 {
     {
-        const FixedLook look(support::lightPalette());
+        const FixedLook look(test::lightPalette());
         editSynth();
         EXPECT_TRUE(looksLike(pictureOf(*window()), "main-window-light"));
     }
-    const FixedLook look(support::darkPalette());
+    const FixedLook look(test::darkPalette());
     editSynth();
     EXPECT_TRUE(looksLike(pictureOf(*window()), "main-window-dark"));
 }
 
 TEST_F(MainWindowLookTest, AMissingMarkIsSeenInThePicture)
 {
-    const FixedLook look(support::lightPalette());
+    const FixedLook look(test::lightPalette());
     editSynth();
     click("undoButton");
-    EXPECT_FALSE(support::comparePictures(pictureOf(*window()), support::keptPicture("main-window-light")).densest <
-                 support::kToleratedDensity);
+    EXPECT_FALSE(test::comparePictures(pictureOf(*window()), test::keptPicture("main-window-light")).densest <
+                 test::kToleratedDensity);
 }
 
 TEST_F(MainWindowLookTest, FitsASmallScreenWithRoomForTheLists)

@@ -2,7 +2,11 @@
 
 #include "tests/support/WindowTest.h"
 
-#include <tuple>
+#include <iterator>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
 
 namespace test {
 
@@ -76,6 +80,12 @@ std::vector<std::weak_ptr<void>> connectAll(Outlets& outlets)
     return owner.objects;
 }
 
+std::vector<std::string> names(const char* text)
+{
+    std::istringstream stream(text);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
 } // namespace
 
 using OutletsTest = WindowTest;
@@ -120,38 +130,14 @@ TEST_F(OutletsTest, MessagesToOutletsThatNobodyConnectedDoNothing)
 TEST_F(OutletsTest, EveryObjectOnScreenCarriesItsOutletsName)
 {
     launch();
-    for (const char* name : {"pluginTableView",
-                             "tablePlistOfSelectedPlugin",
-                             "lab_PageCurrentlyDisplayed",
-                             "labKOScreen_Title",
-                             "labPluginPlistLocation",
-                             "kvControl1",
-                             "kvControl8",
-                             "kvRotaryBtn1",
-                             "kvRotaryBtn8",
-                             "kvPluginMode",
-                             "kvPluginMode_1",
-                             "kvPluginMode_0",
-                             "mainTitle_Sub",
-                             "labelHelperDisplay",
-                             "labTotalPagesIndicator",
-                             "pageLimitWarning",
-                             "cwinUserName",
-                             "cwinPinCode",
-                             "kv_btn_cloudLibrary",
-                             "kv_btn_cloudLibraryDownload",
-                             "labLoggedInAs",
-                             "cwinUserNameNew",
-                             "cwinEmailAddrNew",
-                             "cwinUploadComments",
-                             "cwinUploadedComments",
-                             "cwinMainWindow",
-                             "cwinDownloadWindow",
-                             "cwinUploadWindow",
-                             "cwinCloudWindow",
-                             "cwinPlistAvailable",
-                             "parameterSearch"})
-        EXPECT_NO_THROW(find(name)) << name;
+    for (const std::string& name :
+         names("pluginTableView tablePlistOfSelectedPlugin lab_PageCurrentlyDisplayed labKOScreen_Title "
+               "labPluginPlistLocation kvControl1 kvControl8 kvRotaryBtn1 kvRotaryBtn8 kvPluginMode kvPluginMode_1 "
+               "kvPluginMode_0 mainTitle_Sub labelHelperDisplay labTotalPagesIndicator pageLimitWarning cwinUserName "
+               "cwinPinCode kv_btn_cloudLibrary kv_btn_cloudLibraryDownload labLoggedInAs cwinUserNameNew "
+               "cwinEmailAddrNew cwinUploadComments cwinUploadedComments cwinMainWindow cwinDownloadWindow "
+               "cwinUploadWindow cwinCloudWindow cwinPlistAvailable parameterSearch"))
+        EXPECT_NO_THROW(find(name.c_str())) << name;
     for (const char* window : {"cwinMainWindow", "cwinDownloadWindow", "cwinUploadWindow", "cwinCloudWindow"})
         EXPECT_TRUE(find(window)->isWindow()) << window;
 }
@@ -159,29 +145,13 @@ TEST_F(OutletsTest, EveryObjectOnScreenCarriesItsOutletsName)
 TEST_F(OutletsTest, EveryActionOfTheWindowHasAControlOfItsName)
 {
     launch();
-    for (const char* name : {"btnRunCheck",
-                             "prevPageButtonPressed",
-                             "nextPageButtonPressed",
-                             "firstPageButtonPressed",
-                             "lastPageButtonPressed",
-                             "newPageButtonPressed",
-                             "deletePageButtonPressed",
-                             "clearAllPagesButtonPressed",
-                             "kvExportToPlist",
-                             "kvRecallOriginalMapping",
-                             "kvRecallPreviousMapping",
-                             "kvCreateChart",
-                             "kvLoginToCloudAccount",
-                             "kvCommunityUploadBtn",
-                             "kvCommunityLoadSelectedDownload",
-                             "kvHelpMe",
-                             "kvMovePage_First",
-                             "kvMovePage_Last",
-                             "kvMovePage_Prev",
-                             "kvMovePage_Next",
-                             "cwinLoginAttempt",
-                             "cwinNewUserCreate"})
-        EXPECT_NO_THROW(find(name)) << name;
+    for (const std::string& name :
+         names("btnRunCheck prevPageButtonPressed nextPageButtonPressed firstPageButtonPressed lastPageButtonPressed "
+               "newPageButtonPressed deletePageButtonPressed clearAllPagesButtonPressed kvExportToPlist "
+               "kvRecallOriginalMapping kvRecallPreviousMapping kvCreateChart kvLoginToCloudAccount "
+               "kvCommunityUploadBtn kvCommunityLoadSelectedDownload kvHelpMe kvMovePage_First kvMovePage_Last "
+               "kvMovePage_Prev kvMovePage_Next cwinLoginAttempt cwinNewUserCreate"))
+        EXPECT_NO_THROW(find(name.c_str())) << name;
 }
 
 } // namespace test

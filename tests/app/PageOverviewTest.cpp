@@ -12,9 +12,9 @@
 #include <set>
 #include <utility>
 
-using support::comparePictures;
-using support::looksLike;
-using support::pictureOf;
+using test::comparePictures;
+using test::looksLike;
+using test::pictureOf;
 
 namespace interface {
 
@@ -22,7 +22,7 @@ class PageOverviewTest : public testing::Test {
 protected:
     static constexpr int kManyPages = 1250;
 
-    PageOverviewTest() { open(support::lightPalette()); }
+    PageOverviewTest() { open(test::lightPalette()); }
 
     void open(const QPalette& palette)
     {
@@ -63,7 +63,7 @@ protected:
     std::string spoken(int number) const { return page(number).data(Qt::AccessibleTextRole).toString().toStdString(); }
     QImage pictureOfTile(int number) const { return pictureOf(*overview_->viewport()).copy(tile(number)); }
 
-    std::optional<support::FixedLook> look_;
+    std::optional<test::FixedLook> look_;
     std::unique_ptr<PageOverview> overview_;
     std::set<int> asked_;
     int emptied_ = 0;
@@ -75,7 +75,7 @@ TEST_F(PageOverviewTest, LooksAsItShouldInBothSchemes)
         GTEST_SKIP() << "the pictures are of DejaVu Sans";
     refresh(40, 4);
     EXPECT_TRUE(looksLike(pictureOf(*overview_), "overview-light"));
-    open(support::darkPalette());
+    open(test::darkPalette());
     refresh(40, 4);
     EXPECT_TRUE(looksLike(pictureOf(*overview_), "overview-dark"));
 }
@@ -170,7 +170,7 @@ TEST_F(PageOverviewTest, CellsFollowTheNames)
 TEST_F(PageOverviewTest, TheShownPageIsMarkedByMoreThanColour)
 {
     const auto grey = [this] { return pictureOfTile(1).convertToFormat(QImage::Format_Grayscale8); };
-    for (const auto& palette : {support::lightPalette(), support::darkPalette()}) {
+    for (const auto& palette : {test::lightPalette(), test::darkPalette()}) {
         open(palette);
         refresh(5, 1);
         const QImage shown = grey();

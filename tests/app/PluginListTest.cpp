@@ -33,16 +33,6 @@ TEST_F(PluginListTest, RowsNameThePluginItsMakerAndThatItIsEditable)
     EXPECT_THAT(columnOf("pluginTableView", 2), ElementsAre("Editable", "Editable"));
 }
 
-TEST_F(PluginListTest, FilesThatOnlyResembleAnOrderAreNotListed)
-{
-    const Path folder = builtIn("EQ Two").parent_path();
-    write(folder / "csparameterorder.plist", "x");
-    write(folder / "CSParameterOrder.plist.prev", "x");
-    write(folder / "CSParameterOrder.plist.original", "x");
-    launch();
-    EXPECT_THAT(columnOf("pluginTableView", 0), ElementsAre("EQ One", "Synth X"));
-}
-
 TEST_F(PluginListTest, NothingIsSelectedAfterAScan)
 {
     launch();
@@ -180,13 +170,6 @@ TEST_F(PluginListTest, NamesThatLookLikeMarkupShowAsTheyAre)
     QApplication::sendEvent(list()->viewport(), &rowHelp);
     EXPECT_THAT(QToolTip::text().toStdString(), HasSubstr("&lt;b&gt;x&lt;"));
     QToolTip::hideText();
-}
-
-TEST_F(PluginListTest, EveryItemsPathGoesToTheLog)
-{
-    launch();
-    EXPECT_THAT(logText(), HasSubstr(builtIn("EQ One").native() + "\n"));
-    EXPECT_THAT(logText(), HasSubstr(thirdParty("Maker", "Synth X").parent_path().native() + "\n"));
 }
 
 TEST_F(PluginListTest, APathThatIsNoUtf8IsLoadedAndSaved)

@@ -44,13 +44,13 @@ protected:
             find(window)->close();
     }
 
-    SeenAlert quitAlert() const
+    ShownAlert quitAlert() const
     {
         return {"Could not save changes while quitting. Quit anyway?",
                 "Quitting now will lose any changes you have made since the last successful save",
                 {"Quit anyway", "Cancel"}};
     }
-    SeenAlert saveError() const
+    ShownAlert saveError() const
     {
         return {"The store “" + store_.native() + "” could not be written.",
                 "The disk may be full, or the folder may not be yours to write in.",
@@ -149,7 +149,7 @@ TEST_F(QuittingTest, AnErrorThatStaysIsFollowedByTheQuestion)
     const FullDisk disk(kSmallDisk);
     const auto alerts = alertsOf([this] { EXPECT_EQ(delegate().applicationShouldTerminate(), Reply::now); },
                                  {"Try Again", "OK", "Cancel"});
-    SeenAlert again = saveError();
+    ShownAlert again = saveError();
     again.buttons = {"OK"};
     EXPECT_THAT(alerts, ElementsAre(saveError(), again, quitAlert()));
 }
@@ -163,7 +163,7 @@ TEST_F(QuittingTest, TheQuestionIsAskedInTheUsersLanguage)
     const auto alerts =
         alertsOf([this] { EXPECT_EQ(delegate().applicationShouldTerminate(), Reply::cancel); }, {"Cancel", "Ja"});
     QApplication::removeTranslator(&german);
-    EXPECT_THAT(alerts, ElementsAre(saveError(), SeenAlert{"Trotzdem?", "Alles weg", {"Ja", "Nein"}}));
+    EXPECT_THAT(alerts, ElementsAre(saveError(), ShownAlert{"Trotzdem?", "Alles weg", {"Ja", "Nein"}}));
 }
 
 TEST_F(QuittingTest, ClosingTheLastWindowSavesAndQuits)

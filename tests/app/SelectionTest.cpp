@@ -1,10 +1,7 @@
 #include "tests/support/WindowTest.h"
 
-#include "chart/ChartState.h"
 #include "mapping/EditingState.h"
 
-#include <QHelpEvent>
-#include <QLineEdit>
 #include <QRadioButton>
 #include <QTest>
 #include <QTreeView>
@@ -13,20 +10,12 @@ using testing::ElementsAre;
 
 namespace test {
 
-namespace plist = platform::plist;
-
 class SelectionTest : public WindowTest {
 protected:
     void SetUp() override
     {
         writeDictionary(builtIn("Effect"), orderFile(numbered(9)));
         writeDictionary(builtIn("Synth"), orderFile({"7 Master Volume", "8 Cutoff"}));
-    }
-
-    static plist::Dictionary withMode(plist::Dictionary dictionary, const std::string& mode)
-    {
-        dictionary.set(kMode, plist::Array{mode});
-        return dictionary;
     }
 
     bool isInstrument() const
@@ -65,44 +54,6 @@ TEST_F(SelectionTest, AVolumeAmongTheParametersMakesAnInstrument)
     EXPECT_EQ(text("labTotalPagesIndicator"), "1 Page");
 }
 
-TEST_F(SelectionTest, TheFilesModeCountsMoreThanTheGuess)
-{
-    writeDictionary(builtIn("Synth"), withMode(orderFile({"7 Master Volume"}), "0"));
-    writeDictionary(builtIn("Effect"), withMode(orderFile({"7 Cutoff"}), "1"));
-    launch();
-    select("Synth");
-    EXPECT_EQ(text("mainTitle_Sub"), "Logic Pro Insert/Effect Mapper");
-    EXPECT_FALSE(isInstrument());
-    select("Effect");
-    EXPECT_EQ(text("mainTitle_Sub"), "Logic Pro Instrument Mapper");
-    EXPECT_TRUE(isInstrument());
-}
-
-TEST_F(SelectionTest, ChoosingMarksTheFileOnce)
-{
-    launch();
-    select("Effect");
-    const std::string marked = read(builtIn("Effect"));
-    Texts catalogue = numbered(9);
-    catalogue.insert(catalogue.begin(), "-1");
-    EXPECT_EQ(textsAt(builtIn("Effect"), kCatalogue), catalogue);
-    select("Synth");
-    select("Effect");
-    EXPECT_EQ(read(builtIn("Effect")), marked);
-}
-
-TEST_F(SelectionTest, RemovedParametersStayAssignableAfterASave)
-{
-    launch();
-    select("Synth");
-    click("clearAllPagesButtonPressed");
-    alertsOf([this] { click("kvExportToPlist"); });
-    select("Effect");
-    select("Synth");
-    EXPECT_THAT(columnOf("tablePlistOfSelectedPlugin", 1), ElementsAre("-", "Master Volume", "Cutoff"));
-    EXPECT_THAT(textsAt(builtIn("Synth"), kCatalogue), ElementsAre("-1", "7 Master Volume", "8 Cutoff"));
-}
-
 TEST_F(SelectionTest, SwitchingTheModeRevertsToTheFile)
 {
     launch();
@@ -122,27 +73,6 @@ TEST_F(SelectionTest, SwitchingTheModeRevertsToTheFile)
     QTest::mouseClick(find("kvPluginMode_0"), Qt::LeftButton, Qt::NoModifier, QPoint(8, 8));
     EXPECT_EQ(text("labelHelperDisplay"), "Editing Effect in Insert/Effect Mode");
     EXPECT_EQ(mapping::plugin_Mode, 0);
-}
-
-TEST_F(SelectionTest, TheHelpLineSaysThatAModeSwitchReads)
-{
-    launch();
-    select("Effect");
-    std::vector<std::string> lines;
-    const auto watching = controller().labelHelperDisplay()->stringValue.onChange(
-        [&](const std::string& line) { lines.push_back(line); });
-    QTest::mouseClick(find("kvPluginMode_1"), Qt::LeftButton, Qt::NoModifier, QPoint(8, 8));
-    EXPECT_THAT(lines, ElementsAre("Reading Parameters... Please Wait...", "Editing Effect using Instrument Mode"));
-}
-
-TEST_F(SelectionTest, ASwitchedModeIgnoresTheFilesOwn)
-{
-    writeDictionary(builtIn("Effect"), withMode(orderFile({"7 Cutoff"}), "0"));
-    launch();
-    select("Effect");
-    QTest::mouseClick(find("kvPluginMode_1"), Qt::LeftButton, Qt::NoModifier, QPoint(8, 8));
-    EXPECT_EQ(mapping::plugin_Mode, 1);
-    EXPECT_EQ(text("mainTitle_Sub"), "Logic Pro Instrument Mapper");
 }
 
 TEST_F(SelectionTest, ClickingTheChosenModeAgainKeepsTheEdit)
@@ -215,15 +145,6 @@ TEST_F(SelectionTest, AClickBesideTheRowsChangesNothing)
     EXPECT_EQ(text("labKOScreen_Title"), "Effect (Logic Built-In)");
 }
 
-TEST_F(SelectionTest, EveryLoadSelectsTheBlankEntry)
-{
-    launch();
-    select("Effect");
-    chooseParameter("Knob 3");
-    controller().readPlistFileCheckMode(builtIn("Effect").native(), 0);
-    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 0);
-}
-
 TEST_F(SelectionTest, ClickingTheChosenRowLoadsItAfresh)
 {
     launch();
@@ -259,18 +180,6 @@ TEST_F(SelectionTest, AClickWithCtrlDoesNotTakeTheChoiceBack)
     EXPECT_EQ(controller().myArrayController()->selectionText("Plugin"), "Effect");
 }
 
-TEST_F(SelectionTest, AFileThatIsNoPropertyListReadsAsEmptyAndIsGone)
-{
-    write(builtIn("Broken"), "this is no property list");
-    launch();
-    select("Broken");
-    EXPECT_THAT(columnOf("tablePlistOfSelectedPlugin", 1), ElementsAre("-"));
-    EXPECT_EQ(mapping::plistBuild.size(), 8U);
-    EXPECT_EQ(text("lab_PageCurrentlyDisplayed"), "Page 1 of 1");
-    EXPECT_EQ(text("mainTitle_Sub"), "Logic Pro Insert/Effect Mapper");
-    EXPECT_FALSE(std::filesystem::exists(builtIn("Broken"))) << "deleted while marking, with nothing to write";
-}
-
 TEST_F(SelectionTest, WithoutASelectedRowItsTextsAreEmpty)
 {
     launch();
@@ -281,7 +190,7 @@ TEST_F(SelectionTest, WithoutASelectedRowItsTextsAreEmpty)
     EXPECT_FALSE(isEnabled("kvExportToPlist"));
 }
 
-TEST_F(SelectionTest, UntilAPluginIsLoadedNothingIsReadOrWritten)
+TEST_F(SelectionTest, UntilAPluginIsLoadedWhatNeedsOneIsDisabled)
 {
     writeDictionary(builtIn("Effect"), orderFile(numbered(9)));
     launch();
@@ -291,42 +200,6 @@ TEST_F(SelectionTest, UntilAPluginIsLoadedNothingIsReadOrWritten)
           "deletePageButtonPressed", "clearAllPagesButtonPressed", "kvExportToPlist", "kvRecallOriginalMapping",
           "kvRecallPreviousMapping", "kvCreateChart", "kvPluginMode", "kvRotaryBtn1", "kvRotaryBtn8"})
         EXPECT_FALSE(isEnabled(name)) << name;
-
-    const auto filesNow = [this] {
-        std::vector<std::string> files;
-        for (const auto& file : std::filesystem::recursive_directory_iterator(home_.path()))
-            files.push_back(file.path().native());
-        for (const auto& file : std::filesystem::directory_iterator("."))
-            files.push_back(file.path().native());
-        return files;
-    };
-    const auto before = filesNow();
-    const auto alerts = alertsOf([this] {
-        controller().kvExportToPlist();
-        controller().kvRecallOriginalMapping();
-        controller().kvRecallPreviousMapping();
-        controller().kvCreateChart();
-        controller().newPageButtonPressed();
-        controller().deletePageButtonPressed();
-        controller().clearAllPagesButtonPressed();
-        controller().nextPageButtonPressed();
-        controller().prevPageButtonPressed();
-        controller().firstPageButtonPressed();
-        controller().lastPageButtonPressed();
-        controller().kvMovePage_First();
-        controller().kvMovePage_Last();
-        controller().kvMovePage_Prev();
-        controller().kvMovePage_Next();
-        controller().kvRotBtn1_Pressed();
-        controller().kvRotBtn8_Pressed();
-        controller().kvPluginMode_Changed(controller().kvPluginMode());
-    });
-    EXPECT_THAT(alerts, ElementsAre());
-    EXPECT_EQ(filesNow(), before);
-    EXPECT_TRUE(mapping::plistBuild.empty());
-    EXPECT_EQ(mapping::totalPages, 1);
-    EXPECT_TRUE(chart::bHTML.empty());
-    EXPECT_EQ(text("labKOScreen_Title"), "Please Select a plugin");
 }
 
 } // namespace test

@@ -1,6 +1,6 @@
 // The chart as a file beside the plug-in's own.
 
-#include "tests/panel/WindowlessTest.h"
+#include "tests/support/WindowlessTest.h"
 
 #include <filesystem>
 
@@ -71,13 +71,6 @@ TEST_F(ChartFile, ThatCannotBeWrittenIsOpenedAllTheSame)
     controller_.kvCreateChart();
     EXPECT_THAT(opened_, ElementsAre(chartOf(file)));
     EXPECT_THAT(alerts_, IsEmpty());
-}
-
-TEST_F(ChartFile, IsNotMadeBeforeAPluginIsLoaded)
-{
-    EXPECT_EQ(chart::bHTML, "");
-    controller_.kvCreateChart();
-    EXPECT_THAT(opened_, IsEmpty());
 }
 
 } // namespace

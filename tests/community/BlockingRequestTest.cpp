@@ -27,7 +27,7 @@ namespace platform::qt {
 namespace {
 
 using namespace std::chrono_literals;
-using support::ScriptedPeer;
+using test::ScriptedPeer;
 
 class PaintCounter final : public QWidget {
 public:
@@ -49,7 +49,7 @@ protected:
     {
         peer_.play([](ScriptedPeer::Connection& connection) {
             connection.wait(700ms);
-            connection.send(support::reply("late"));
+            connection.send(test::reply("late"));
         });
         ASSERT_EQ(http_.post(peer_.url(), {}, {}), "late");
     }
@@ -109,7 +109,7 @@ TEST_F(BlockingRequest, DeliversAClickOnlyAfterwards)
 
     sendSlowly();
     EXPECT_EQ(clicks, 0);
-    EXPECT_TRUE(support::waitUntil([&] { return clicks > 0; }));
+    EXPECT_TRUE(test::waitUntil([&] { return clicks > 0; }));
     EXPECT_EQ(clicks, 1);
 }
 
@@ -160,36 +160,36 @@ TEST_F(BlockingRequest, EndsSoonAfterItIsCancelled)
 
 TEST_F(BlockingRequest, KeepsTheCompletionOfADownloadWaiting)
 {
-    const support::TemporaryHome home;
+    const test::TemporaryHome home;
     ScriptedPeer files;
-    files.play(support::reply("shared"));
+    files.play(test::reply("shared"));
     bool isFinished = false;
     http_.download(files.url(), home.path() / "file", {[&] { isFinished = true; }, {}});
     sendSlowly();
     EXPECT_FALSE(isFinished);
-    EXPECT_TRUE(support::waitUntil([&] { return isFinished; }));
+    EXPECT_TRUE(test::waitUntil([&] { return isFinished; }));
 }
 
 TEST_F(BlockingRequest, DoesNotCountAgainstADownload)
 {
-    const support::TemporaryHome home;
+    const test::TemporaryHome home;
     CurlHttp impatient(gate_, {}, {10s, 500ms, 1000, std::size_t{64} << 20});
     ScriptedPeer files;
     const std::string content(std::size_t{16} << 20, 'x'); // more than fits into sockets
-    files.play(support::reply(content));
+    files.play(test::reply(content));
     bool isFinished = false;
     std::string failure;
     impatient.download(files.url(), home.path() / "file",
                        {[&] { isFinished = true; }, [&](const DownloadError& error) { failure = error.description; }});
-    support::runFor(10);
+    test::runFor(10);
     for (int i = 0; i < 3; ++i) {
         peer_.play([](ScriptedPeer::Connection& connection) {
             connection.wait(400ms);
-            connection.send(support::reply("late"));
+            connection.send(test::reply("late"));
         });
         ASSERT_EQ(impatient.post(peer_.url(), {}, {}), "late");
     }
-    EXPECT_TRUE(support::waitUntil([&] { return isFinished || !failure.empty(); }));
+    EXPECT_TRUE(test::waitUntil([&] { return isFinished || !failure.empty(); }));
     EXPECT_TRUE(isFinished) << failure;
     EXPECT_EQ(std::filesystem::file_size(home.path() / "file"), content.size());
 }

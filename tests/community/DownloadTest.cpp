@@ -16,7 +16,7 @@ namespace platform::qt {
 namespace {
 
 using namespace std::chrono_literals;
-using support::ScriptedPeer;
+using test::ScriptedPeer;
 using Connection = ScriptedPeer::Connection;
 namespace fs = std::filesystem;
 
@@ -31,7 +31,7 @@ protected:
     }
     bool wait(int finished = 1)
     {
-        return support::waitUntil([&] { return finished_ >= finished || error_; }) && !error_;
+        return test::waitUntil([&] { return finished_ >= finished || error_; }) && !error_;
     }
     /// Expects a failure that leaves nothing behind, and returns its text.
     std::string failure()
@@ -41,7 +41,7 @@ protected:
         return error_ ? error_->description : "finished";
     }
 
-    const support::TemporaryHome home_;
+    const test::TemporaryHome home_;
     const fs::path folder_ = home_.path() / "plug-in";
     const fs::path file_ = folder_ / "CSParameterOrder.plist.downloaded";
     CompletionGate gate_;
@@ -54,10 +54,10 @@ protected:
 
 TEST_F(Download, IsAPlainGet)
 {
-    peer_.play(support::reply("shared"));
+    peer_.play(test::reply("shared"));
     start(http_, peer_.url() + "files/my%20map.plist?a=(b)/../c");
     EXPECT_TRUE(wait());
-    EXPECT_EQ(support::readFile(file_), "shared");
+    EXPECT_EQ(test::read(file_), "shared");
     EXPECT_EQ(peer_.requests(), std::vector<std::string>{"GET /files/my%20map.plist?a=(b)/../c HTTP/1.1\r\nHost: " +
                                                          peer_.host() + "\r\nAccept: */*\r\n\r\n"});
     EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1);
@@ -70,16 +70,16 @@ TEST_F(Download, TellsNobodyBeforeItReturns)
     error_.reset();
     http_.download("nonsense", "/nonexistent/file", {{}, [this](const DownloadError& error) { error_ = error; }});
     EXPECT_FALSE(error_);
-    EXPECT_TRUE(support::waitUntil([&] { return error_.has_value(); }));
+    EXPECT_TRUE(test::waitUntil([&] { return error_.has_value(); }));
 }
 
 TEST_F(Download, ReplacesWhatStandsThere)
 {
-    support::writeFile(file_, "former content, and a longer one");
-    peer_.play(support::reply("shared"));
+    test::write(file_, "former content, and a longer one");
+    peer_.play(test::reply("shared"));
     start(http_, peer_.url());
     EXPECT_TRUE(wait());
-    EXPECT_EQ(support::readFile(file_), "shared");
+    EXPECT_EQ(test::read(file_), "shared");
 }
 
 TEST_F(Download, AppearsOnlyWhenItIsWhole)
@@ -90,30 +90,30 @@ TEST_F(Download, AppearsOnlyWhenItIsWhole)
         connection.send("red");
     });
     start(http_, peer_.url());
-    EXPECT_TRUE(support::waitUntil([&] { return http_.downloadProgress.get().received == 3; }));
+    EXPECT_TRUE(test::waitUntil([&] { return http_.downloadProgress.get().received == 3; }));
     EXPECT_EQ(http_.downloadProgress.get(), (DownloadProgress{1, 3, 6}));
     EXPECT_FALSE(fs::exists(file_));
     EXPECT_TRUE(wait());
-    EXPECT_EQ(support::readFile(file_), "shared");
+    EXPECT_EQ(test::read(file_), "shared");
     EXPECT_EQ(http_.downloadProgress.get(), DownloadProgress());
 }
 
 TEST_F(Download, SavesAnErrorPageToo)
 {
-    peer_.play(support::reply("<h1>Not Found</h1>", "404 Not Found"));
+    peer_.play(test::reply("<h1>Not Found</h1>", "404 Not Found"));
     start(http_, peer_.url());
     EXPECT_TRUE(wait());
-    EXPECT_EQ(support::readFile(file_), "<h1>Not Found</h1>");
+    EXPECT_EQ(test::read(file_), "<h1>Not Found</h1>");
 }
 
 TEST_F(Download, SavesACompressedOrEmptyBodyAsItIs)
 {
     const std::string body("\x1f\x8b\0\0", 4);
-    peer_.play(support::reply(body, "200 OK", "Content-Encoding: gzip\r\n"));
+    peer_.play(test::reply(body, "200 OK", "Content-Encoding: gzip\r\n"));
     start(http_, peer_.url());
     EXPECT_TRUE(wait());
-    EXPECT_EQ(support::readFile(file_), body);
-    peer_.play(support::reply(""));
+    EXPECT_EQ(test::read(file_), body);
+    peer_.play(test::reply(""));
     start(http_, peer_.url());
     EXPECT_TRUE(wait(2));
     EXPECT_TRUE(fs::exists(file_));
@@ -122,16 +122,16 @@ TEST_F(Download, SavesACompressedOrEmptyBodyAsItIs)
 
 TEST_F(Download, FollowsRedirects)
 {
-    peer_.play(support::redirect(302, "/elsewhere"));
-    peer_.play(support::reply("shared"));
+    peer_.play(test::redirect(302, "/elsewhere"));
+    peer_.play(test::reply("shared"));
     start(http_, peer_.url());
     EXPECT_TRUE(wait());
-    EXPECT_EQ(support::readFile(file_), "shared");
+    EXPECT_EQ(test::read(file_), "shared");
 }
 
 TEST_F(Download, IsNeverRedirectedToAFile)
 {
-    peer_.play(support::redirect(302, "file:///etc/hostname"));
+    peer_.play(test::redirect(302, "file:///etc/hostname"));
     start(http_, peer_.url());
     EXPECT_EQ(failure(), "Unsupported protocol");
     EXPECT_EQ(error_->failingAddress, "file:///etc/hostname");
@@ -140,7 +140,7 @@ TEST_F(Download, IsNeverRedirectedToAFile)
 TEST_F(Download, FailsOnTheEleventhRedirect)
 {
     for (int i = 0; i < 12; ++i)
-        peer_.play(support::redirect(302, "/again"));
+        peer_.play(test::redirect(302, "/again"));
     start(http_, peer_.url());
     failure();
     EXPECT_EQ(peer_.requests().size(), 11u);
@@ -190,7 +190,7 @@ TEST_F(Download, IsPatientWhileSomethingMoves)
 {
     peer_.play([](Connection& connection) {
         connection.wait(100ms);
-        connection.send(support::redirect(302, "/there"));
+        connection.send(test::redirect(302, "/there"));
     });
     peer_.play([](Connection& connection) {
         connection.send("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n");
@@ -201,7 +201,7 @@ TEST_F(Download, IsPatientWhileSomethingMoves)
     });
     start(impatient_, peer_.url());
     EXPECT_TRUE(wait());
-    EXPECT_EQ(support::readFile(file_), "xxxxxxxxxx");
+    EXPECT_EQ(test::read(file_), "xxxxxxxxxx");
 }
 
 TEST_F(Download, DoesNotBelieveEverySizeThatIsAnnounced)
@@ -211,13 +211,13 @@ TEST_F(Download, DoesNotBelieveEverySizeThatIsAnnounced)
         connection.waitForTheEnd();
     });
     start(impatient_, peer_.url());
-    EXPECT_TRUE(support::waitUntil([&] { return impatient_.downloadProgress.get().received == 1; }));
+    EXPECT_TRUE(test::waitUntil([&] { return impatient_.downloadProgress.get().received == 1; }));
     EXPECT_EQ(impatient_.downloadProgress.get().expected, 0);
 }
 
 TEST_F(Download, TakesSoManyBytesAndNoMore)
 {
-    peer_.play(support::reply(std::string(1000, 'x')));
+    peer_.play(test::reply(std::string(1000, 'x')));
     start(impatient_, peer_.url());
     EXPECT_TRUE(wait());
     fs::remove(file_);
@@ -242,13 +242,13 @@ TEST_F(Download, FailsWhenTheFileCannotBeWritten)
 {
     http_.download(peer_.url(), home_.path() / "no such folder/file",
                    {{}, [this](const DownloadError& error) { error_ = error; }});
-    EXPECT_TRUE(support::waitUntil([&] { return error_.has_value(); }));
+    EXPECT_TRUE(test::waitUntil([&] { return error_.has_value(); }));
     EXPECT_FALSE(fs::exists(home_.path() / "no such folder"));
     error_.reset();
 
     fs::create_directory(file_); // a folder cannot be replaced by a file
-    support::writeFile(file_ / "x", "x");
-    peer_.play(support::reply("shared"));
+    test::write(file_ / "x", "x");
+    peer_.play(test::reply("shared"));
     start(http_, peer_.url());
     EXPECT_FALSE(wait());
     EXPECT_TRUE(fs::exists(file_ / "x"));
@@ -263,14 +263,14 @@ TEST_F(Download, DoesNotMixWithAnotherToTheSameFile)
         connection.send("st!");
     });
     start(http_, peer_.url());
-    EXPECT_TRUE(support::waitUntil([&] { return http_.downloadProgress.get().received == 3; }));
-    peer_.play(support::reply("second"));
+    EXPECT_TRUE(test::waitUntil([&] { return http_.downloadProgress.get().received == 3; }));
+    peer_.play(test::reply("second"));
     start(http_, peer_.url());
     EXPECT_EQ(http_.downloadProgress.get().running, 2);
     EXPECT_TRUE(wait(1));
-    EXPECT_EQ(support::readFile(file_), "second");
+    EXPECT_EQ(test::read(file_), "second");
     EXPECT_TRUE(wait(2));
-    EXPECT_EQ(support::readFile(file_), "first!");
+    EXPECT_EQ(test::read(file_), "first!");
     EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1);
 }
 
@@ -278,12 +278,12 @@ TEST_F(Download, ClearsWhatKilledOnesLeft)
 {
     const std::string part = files::partialName(file_).native();
     for (const char* more : {"", "2", "22"})
-        support::writeFile(part + more, "sha");
-    support::writeFile(part + "3", "nobody's");
-    peer_.play(support::reply("shared"));
+        test::write(part + more, "sha");
+    test::write(part + "3", "nobody's");
+    peer_.play(test::reply("shared"));
     start(http_, peer_.url());
     EXPECT_TRUE(wait());
-    EXPECT_EQ(support::readFile(file_), "shared");
+    EXPECT_EQ(test::read(file_), "shared");
     EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 2);
     EXPECT_TRUE(fs::exists(part + "3"));
 }
@@ -297,7 +297,7 @@ TEST_F(Download, LeavesNothingBehindWhenTheProgramEnds)
     {
         CurlHttp http(gate_);
         start(http, peer_.url());
-        EXPECT_TRUE(support::waitUntil([&] { return http.downloadProgress.get().received == 3; }));
+        EXPECT_TRUE(test::waitUntil([&] { return http.downloadProgress.get().received == 3; }));
         EXPECT_FALSE(fs::is_empty(folder_));
     }
     EXPECT_TRUE(fs::is_empty(folder_));
@@ -307,13 +307,13 @@ TEST_F(Download, LeavesNothingBehindWhenTheProgramEnds)
 
 TEST_F(Download, WaitsForTheGate)
 {
-    peer_.play(support::reply("one"));
-    peer_.play(support::reply("two"));
+    peer_.play(test::reply("one"));
+    peer_.play(test::reply("two"));
     std::optional<CompletionGate::Hold> hold(gate_);
     start(http_, peer_.url());
     start(http_, peer_.url());
-    EXPECT_TRUE(support::waitUntil([&] { return http_.downloadProgress.get().running == 0; }));
-    support::runFor(50);
+    EXPECT_TRUE(test::waitUntil([&] { return http_.downloadProgress.get().running == 0; }));
+    test::runFor(50);
     EXPECT_EQ(finished_, 0);
     hold.reset();
     EXPECT_EQ(finished_, 0); // whoever held the gate finishes first
@@ -322,13 +322,13 @@ TEST_F(Download, WaitsForTheGate)
 
 TEST_F(Download, ToldOneAfterTheOther)
 {
-    peer_.play(support::reply("one"));
-    peer_.play(support::reply("two"));
+    peer_.play(test::reply("one"));
+    peer_.play(test::reply("two"));
     int depth = 0;
     int deepest = 0;
     const auto finished = [&] {
         deepest = std::max(deepest, ++depth);
-        support::runFor(100);
+        test::runFor(100);
         --depth;
         ++finished_;
     };

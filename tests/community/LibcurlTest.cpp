@@ -72,7 +72,7 @@ constexpr char kNotHttp[] = "Unsupported protocol";
 
 class Libcurl : public testing::Test {
 protected:
-    Libcurl() { support::writeFile(secret_, "secret"); }
+    Libcurl() { test::write(secret_, "secret"); }
     ~Libcurl() override { refusedOptions.clear(); }
 
     std::optional<std::string> post() { return http_.post(peer_.url(), "text/plain", "body"); }
@@ -82,17 +82,17 @@ protected:
         std::optional<std::string> told;
         http_.download(
             address, file_,
-            {[&] { told = support::readFile(file_); }, [&](const DownloadError& error) { told = error.description; }});
-        EXPECT_TRUE(support::waitUntil([&] { return told.has_value(); }));
+            {[&] { told = test::read(file_); }, [&](const DownloadError& error) { told = error.description; }});
+        EXPECT_TRUE(test::waitUntil([&] { return told.has_value(); }));
         return told.value_or("");
     }
 
-    const support::TemporaryHome home_;
+    const test::TemporaryHome home_;
     const std::filesystem::path file_ = home_.path() / "file";
     const std::filesystem::path secret_ = home_.path() / "secret";
     CompletionGate gate_;
     CurlHttp http_{gate_};
-    support::ScriptedPeer peer_;
+    test::ScriptedPeer peer_;
 };
 
 TEST_F(Libcurl, KeepsToHttpWhereTheNewerOptionIsUnknown)
@@ -100,14 +100,14 @@ TEST_F(Libcurl, KeepsToHttpWhereTheNewerOptionIsUnknown)
 #if LIBCURL_VERSION_NUM >= 0x075500
     refusedOptions = {CURLOPT_PROTOCOLS_STR};
 #endif
-    peer_.play(support::reply("reply"));
+    peer_.play(test::reply("reply"));
     EXPECT_EQ(post(), "reply");
     EXPECT_EQ(download(fileUrl(secret_)), kNotHttp);
     EXPECT_EQ(http_.post(fileUrl(secret_), {}, {}), std::nullopt);
     for (const int status : {301, 302, 303, 307, 308}) {
-        peer_.play(support::redirect(status, fileUrl(secret_)));
+        peer_.play(test::redirect(status, fileUrl(secret_)));
         EXPECT_EQ(download(peer_.url()), kNotHttp) << status;
-        peer_.play(support::redirect(status, fileUrl(secret_)));
+        peer_.play(test::redirect(status, fileUrl(secret_)));
         EXPECT_EQ(post(), std::nullopt) << status;
     }
     EXPECT_EQ(peer_.requests().size(), 11u);
@@ -139,7 +139,7 @@ TEST_F(Libcurl, SendsNothingWhereAnyOptionIsRefused)
 {
     for (const bool isPost : {true, false}) {
         options.clear();
-        peer_.play(support::reply("reply"));
+        peer_.play(test::reply("reply"));
         EXPECT_EQ(isPost ? post() : download(peer_.url()), "reply");
         EXPECT_GT(options.size(), 10u);
         const std::size_t requests = peer_.requests().size();
@@ -160,7 +160,7 @@ TEST_F(Libcurl, SendsNothingWhereAnyOptionIsRefused)
 TEST_F(Libcurl, FollowsNoRedirectWhereAnOptionIsRefused)
 {
     refusedOptions = {CURLOPT_HTTPGET}; // which the POST needs not
-    peer_.play(support::redirect(302, "/there"));
+    peer_.play(test::redirect(302, "/there"));
     EXPECT_EQ(post(), std::nullopt);
     EXPECT_EQ(peer_.requests().size(), 1u);
 }
@@ -171,7 +171,7 @@ TEST_F(Libcurl, DoesNotWaitForANameThatIsLookedUp)
     CurlHttp impatient(gate_, {}, {300ms, 300ms, 1000, 1000});
     EXPECT_EQ(impatient.post("http://endless.invalid/", {}, {}), std::nullopt);
     EXPECT_EQ(endlessLookUps, 1);
-    EXPECT_TRUE(support::waitUntil([] { return endlessLookUps == 0; }));
+    EXPECT_TRUE(test::waitUntil([] { return endlessLookUps == 0; }));
 }
 #endif
 

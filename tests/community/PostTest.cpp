@@ -23,7 +23,7 @@ namespace platform::qt {
 namespace {
 
 using namespace std::chrono_literals;
-using support::ScriptedPeer;
+using test::ScriptedPeer;
 using Connection = ScriptedPeer::Connection;
 
 class Post : public testing::Test {
@@ -42,7 +42,7 @@ protected:
 
 TEST_F(Post, SendsAnEmptyBodyWithoutAnyHeaderOfItsOwn)
 {
-    peer_.play(support::reply("\nOK\n"));
+    peer_.play(test::reply("\nOK\n"));
     EXPECT_EQ(post("checkuser.php?userName=(null)&pinCode=(null)"), "\nOK\n");
     EXPECT_EQ(peer_.requests(), std::vector<std::string>{head("POST /checkuser.php?userName=(null)&pinCode=(null)",
                                                               "Content-Length: 0\r\n")});
@@ -55,7 +55,7 @@ TEST_F(Post, SendsTheAddressByteForByte)
         "!$&'()*+,;=:@~", "%20%23%25?%", "kv.php?q=\xc3\xa9x", "a;b=c,d/(null)?userName=A&B",
     };
     for (const std::string& path : paths) {
-        peer_.play(support::reply("."));
+        peer_.play(test::reply("."));
         EXPECT_EQ(post(path), ".") << path;
         EXPECT_EQ(peer_.requestLines().back(), "POST /" + path);
     }
@@ -67,7 +67,7 @@ TEST_F(Post, SendsEveryByteThatEscapingLeaves)
     for (int byte = 1; byte < 0x100; ++byte)
         all += static_cast<char>(byte);
     const std::string path = "f.php?plugin=" + community::escaped(all);
-    peer_.play(support::reply("."));
+    peer_.play(test::reply("."));
     EXPECT_EQ(post(path), ".");
     EXPECT_EQ(peer_.requestLines().back(), "POST /" + path);
 }
@@ -90,8 +90,8 @@ TEST_F(Post, NoRedirectMakesItSendAnAuthorization)
 {
     std::string target = peer_.url();
     target.insert(std::string("http://").size(), "user:secret@");
-    peer_.play(support::redirect(302, target + "there"));
-    peer_.play(support::reply("there"));
+    peer_.play(test::redirect(302, target + "there"));
+    peer_.play(test::reply("there"));
     EXPECT_EQ(post("here"), std::nullopt);
     for (const std::string& request : peer_.requests())
         EXPECT_EQ(request.find("Authorization"), std::string::npos);
@@ -99,7 +99,7 @@ TEST_F(Post, NoRedirectMakesItSendAnAuthorization)
 
 TEST_F(Post, SendsABodyWithOneContentType)
 {
-    peer_.play(support::reply("stored"));
+    peer_.play(test::reply("stored"));
     const std::string body = community::uploadBody(std::string("\0plist\r\n", 8));
     EXPECT_EQ(http_.post(peer_.url() + "kv_upload.php?user=A", community::uploadContentType(), body), "stored");
     EXPECT_EQ(peer_.requests(), std::vector<std::string>{head("POST /kv_upload.php?user=A",
@@ -110,7 +110,7 @@ TEST_F(Post, SendsABodyWithOneContentType)
 
 TEST_F(Post, SendsALargeBodyAtOnce)
 {
-    peer_.play(support::reply("stored"));
+    peer_.play(test::reply("stored"));
     const std::string body(3'000'000, 'x');
     EXPECT_EQ(http_.post(peer_.url(), "text/plain", body), "stored");
     EXPECT_EQ(peer_.requests().front(),
@@ -120,7 +120,7 @@ TEST_F(Post, SendsALargeBodyAtOnce)
 TEST_F(Post, IsNotRepeatedWhenTheServerHangsUp)
 {
     EXPECT_EQ(post("once"), std::nullopt);
-    peer_.play(support::reply("first"));
+    peer_.play(test::reply("first"));
     EXPECT_EQ(post("twice"), "first"); // a server that kept the connection must not be asked again on it
     EXPECT_EQ(post("third"), std::nullopt);
     EXPECT_EQ(peer_.requestLines(), (std::vector<std::string>{"POST /once", "POST /twice", "POST /third"}));
@@ -136,7 +136,7 @@ TEST_F(Post, OutlivesAServerThatHangsUpDuringTheBody)
 TEST_F(Post, TakesABodyWhateverTheStatus)
 {
     for (const char* status : {"404 Not Found", "500 Oops", "401 Who", "417 No", "503 Later", "201 Made"}) {
-        peer_.play(support::reply("<h1>page</h1>", status, "WWW-Authenticate: Basic\r\nRetry-After: 0\r\n"));
+        peer_.play(test::reply("<h1>page</h1>", status, "WWW-Authenticate: Basic\r\nRetry-After: 0\r\n"));
         EXPECT_EQ(post("x"), "<h1>page</h1>") << status;
     }
     EXPECT_EQ(peer_.requests().size(), 6u);
@@ -161,14 +161,14 @@ TEST_F(Post, TakesBodiesInEveryFraming)
 TEST_F(Post, LeavesACompressedBodyAsItIs)
 {
     const std::string body = "\x1f\x8b\x08 not even whole";
-    peer_.play(support::reply(body, "200 OK", "Content-Encoding: gzip\r\n"));
+    peer_.play(test::reply(body, "200 OK", "Content-Encoding: gzip\r\n"));
     EXPECT_EQ(post("x"), body);
 }
 
 TEST_F(Post, KeepsNoCookies)
 {
-    peer_.play(support::reply("a", "200 OK", "Set-Cookie: a=b; Path=/\r\n"));
-    peer_.play(support::reply("b"));
+    peer_.play(test::reply("a", "200 OK", "Set-Cookie: a=b; Path=/\r\n"));
+    peer_.play(test::reply("b"));
     post("one");
     post("two");
     EXPECT_EQ(peer_.requests().back(), head("POST /two", "Content-Length: 0\r\n"));
@@ -196,9 +196,9 @@ TEST_F(Post, FailsWhenNobodyListens)
 TEST_F(Post, TakesSixteenMebibytesAndNoMore)
 {
     const std::string most(std::size_t{16} << 20, 'x');
-    peer_.play(support::reply(most));
+    peer_.play(test::reply(most));
     EXPECT_EQ(post("most"), most);
-    peer_.play(support::reply(most + "x"));
+    peer_.play(test::reply(most + "x"));
     EXPECT_EQ(post("more"), std::nullopt);
 }
 
@@ -252,10 +252,10 @@ TEST_F(Post, HasItsTimeInAllOverRedirects)
     for (int i = 0; i < 10; ++i) {
         peer_.play([](Connection& connection) {
             connection.wait(100ms);
-            connection.send(support::redirect(302, "/again"));
+            connection.send(test::redirect(302, "/again"));
         });
     }
-    peer_.play(support::reply("there"));
+    peer_.play(test::reply("there"));
     EXPECT_EQ(impatient_.post(peer_.url(), {}, {}), std::nullopt);
     EXPECT_LT(peer_.requests().size(), 6u);
 }
@@ -292,15 +292,15 @@ TEST_F(Post, HasItsTimeInAllWhileItConnects)
 
 TEST_F(Post, TakesTheReplyToAVeryLongAddress)
 {
-    peer_.play(support::reply("<h1>too long</h1>", "414 URI Too Long"));
+    peer_.play(test::reply("<h1>too long</h1>", "414 URI Too Long"));
     EXPECT_EQ(post(std::string(1'000'000, 'x')), "<h1>too long</h1>");
 }
 
 TEST_F(Post, BecomesAGetWhenRedirectedAsBrowsersDo)
 {
     for (const int status : {301, 302, 303}) {
-        peer_.play(support::redirect(status, "/there?a=b"));
-        peer_.play(support::reply("found"));
+        peer_.play(test::redirect(status, "/there?a=b"));
+        peer_.play(test::reply("found"));
         EXPECT_EQ(http_.post(peer_.url() + "here", "text/plain", "body"), "found") << status;
         EXPECT_EQ(peer_.requests().back(), head("GET /there?a=b", "")) << status;
     }
@@ -309,8 +309,8 @@ TEST_F(Post, BecomesAGetWhenRedirectedAsBrowsersDo)
 TEST_F(Post, StaysAPostWhenTheRedirectSaysSo)
 {
     for (const int status : {307, 308}) {
-        peer_.play(support::redirect(status, peer_.url() + "there"));
-        peer_.play(support::reply("found"));
+        peer_.play(test::redirect(status, peer_.url() + "there"));
+        peer_.play(test::reply("found"));
         EXPECT_EQ(http_.post(peer_.url() + "here", "text/plain", "body"), "found") << status;
         EXPECT_EQ(peer_.requests().back(),
                   head("POST /there", "Content-Type: text/plain\r\nContent-Length: 4\r\n") + "body");
@@ -320,14 +320,14 @@ TEST_F(Post, StaysAPostWhenTheRedirectSaysSo)
 TEST_F(Post, FollowsTenRedirectsAndNoMore)
 {
     for (int i = 0; i < 10; ++i)
-        peer_.play(support::redirect(302, std::to_string(i)));
-    peer_.play(support::reply("there"));
+        peer_.play(test::redirect(302, std::to_string(i)));
+    peer_.play(test::reply("there"));
     EXPECT_EQ(post("start"), "there");
     EXPECT_EQ(peer_.requests().size(), 11u);
 
     for (int i = 0; i < 11; ++i)
-        peer_.play(support::redirect(302, std::to_string(i)));
-    peer_.play(support::reply("too far"));
+        peer_.play(test::redirect(302, std::to_string(i)));
+    peer_.play(test::reply("too far"));
     EXPECT_EQ(post("start"), std::nullopt);
     EXPECT_EQ(peer_.requests().size(), 22u);
 }
@@ -336,16 +336,16 @@ TEST_F(Post, IsNeverRedirectedToAnythingButHttp)
 {
     for (const char* target :
          {"file:///etc/hostname", "ftp://127.0.0.1/", "gopher://127.0.0.1/", "data:,OK", "nonsense:x"}) {
-        peer_.play(support::redirect(302, target));
+        peer_.play(test::redirect(302, target));
         EXPECT_EQ(post("x"), std::nullopt) << target;
     }
 }
 
 TEST_F(Post, TakesThePageOfARedirectThatLeadsNowhere)
 {
-    peer_.play(support::reply("page", "302 Elsewhere"));
+    peer_.play(test::reply("page", "302 Elsewhere"));
     EXPECT_EQ(post("nowhere"), "page");
-    peer_.play(support::reply("page", "300 Choose", "Location: /other\r\n"));
+    peer_.play(test::reply("page", "300 Choose", "Location: /other\r\n"));
     EXPECT_EQ(post("choice"), "page");
     EXPECT_EQ(peer_.requests().size(), 2u);
 }
@@ -353,8 +353,8 @@ TEST_F(Post, TakesThePageOfARedirectThatLeadsNowhere)
 TEST_F(Post, GoesThroughTheProxyOfTheEnvironmentExceptToThisMachine)
 {
     ScriptedPeer proxy;
-    proxy.play(support::reply("by proxy"));
-    peer_.play(support::reply("direct"));
+    proxy.play(test::reply("by proxy"));
+    peer_.play(test::reply("direct"));
     qputenv("http_proxy", QByteArray::fromStdString(proxy.url()));
     EXPECT_EQ(http_.post("http://library.invalid/a/../b?c=%2f", {}, {}), "by proxy");
     EXPECT_EQ(post("x"), "direct");

@@ -20,8 +20,8 @@ protected:
         return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777u : 0;
     }
 
-    support::TemporaryHome home_;
-    fs::path file_ = home_.path() / ".config/org.example.kv-test.plist";
+    test::TemporaryHome home_;
+    fs::path file_ = home_.path() / "config/org.example.kv-test.plist";
 };
 
 TEST_F(PreferencesFile, TellsAbsentFromEmpty)
@@ -74,7 +74,7 @@ TEST_F(PreferencesFile, KeepsWhatOthersStored)
 
 TEST_F(PreferencesFile, ReadsADamagedFileAsEmptyAndReplacesIt)
 {
-    support::writeFile(file_, "<plist");
+    test::write(file_, "<plist");
     UserPreferences preferences("org.example.kv-test");
     EXPECT_EQ(preferences.text("uName"), std::nullopt);
     preferences.setTexts({{"uName", "Ada"}});
@@ -103,7 +103,7 @@ TEST_F(PreferencesFile, LiesInTheHomeFolderWithoutAConfigurationFolder)
 {
     ::setenv("XDG_CONFIG_HOME", "relative", 1);
     UserPreferences("org.example.kv-test").setTexts({{"uName", "Ada"}});
-    EXPECT_TRUE(fs::exists(file_));
+    EXPECT_TRUE(fs::exists(home_ / "home/.config/org.example.kv-test.plist"));
 }
 
 } // namespace

@@ -137,7 +137,7 @@ protected:
     }
 
     const test::TemporaryFolder folder_;
-    const std::string mapping_ = support::orderFile("0 Cutoff,1 Resonance");
+    const std::string mapping_ = test::orderBytes({"0 Cutoff", "1 Resonance"});
     QProcess server_;
     quint16 port_ = 0;
 };

@@ -1,4 +1,4 @@
-#include "tests/panel/WindowlessTest.h"
+#include "tests/support/WindowlessTest.h"
 
 #include <functional>
 #include <tuple>
@@ -344,7 +344,7 @@ TEST_F(HistoryTest, ASaveThatWroteNothingLeavesTheChangesUnsaved)
     controller_.clickControl(0);
     test::write(file, "no property list");
     controller_.kvExportToPlist();
-    EXPECT_EQ(alerts_.back().first, "New Mapping has been saved"); // it is told in every case
+    EXPECT_EQ(alerts_.back().text, "New Mapping has been saved"); // it is told in every case
     EXPECT_TRUE(controller_.hasUnsavedChanges());
 }
 

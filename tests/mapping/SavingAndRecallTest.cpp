@@ -1,23 +1,23 @@
-#include "tests/panel/WindowlessTest.h"
+#include "tests/support/WindowlessTest.h"
 
 namespace {
 
-using test::AlertTexts;
 using test::Path;
 using test::read;
+using test::ShownAlert;
 using test::Texts;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 class SavingAndRecall : public test::WindowlessTest {
 protected:
-    const AlertTexts noBackup_ = {"Recall file does not exist",
+    const ShownAlert noBackup_ = {"Recall file does not exist",
                                   "Please Note: Original, and Previous backup files will only exist once a mapping has "
                                   "been saved, simply reselect "
                                   "plugin on left menu to reload the default file again."};
-    const AlertTexts recalled_ = {"Recalled mapping has been applied", "Now saved as this plugins default"};
+    const ShownAlert recalled_ = {"Recalled mapping has been applied", "Now saved as this plugins default"};
 
-    static AlertTexts savedTo(const Path& file)
+    static ShownAlert savedTo(const Path& file)
     {
         return {"New Mapping has been saved",
                 "Please remember to close and re-open plugin within Logic so that changes are updated\n\n\nBackup of "
@@ -40,12 +40,6 @@ TEST_F(SavingAndRecall, ASaveTellsOfSuccessEvenWhereTheFileIsGone)
     controller_.kvExportToPlist();
     EXPECT_THAT(alerts_, ElementsAre(savedTo(file)));
     EXPECT_FALSE(std::filesystem::exists(file));
-}
-
-TEST_F(SavingAndRecall, SavingBeforeAnyPluginIsLoadedDoesNothing)
-{
-    controller_.kvExportToPlist();
-    EXPECT_THAT(alerts_, IsEmpty());
 }
 
 TEST_F(SavingAndRecall, TheFirstSaveBacksUpTheMarkedFile)
@@ -107,6 +101,20 @@ TEST_F(SavingAndRecall, RecallLoadsTheBackupAndShowsItsFirstPage)
     EXPECT_THAT(readOuts(), ElementsAre("Page 1 of 2", "2 Pages"));
     EXPECT_EQ(pots().front(), "Knob 1");
     EXPECT_EQ(selectedParameter(), 0);
+}
+
+TEST_F(SavingAndRecall, RecallTakesTheModeThatTheBackupRecords)
+{
+    edit({"4 Level"});
+    for (const std::int32_t cell : {0, 1}) {
+        controller_.kvPluginMode()->selectCell(cell);
+        controller_.kvPluginMode_Changed(controller_.kvPluginMode());
+        controller_.kvExportToPlist();
+    }
+    ASSERT_EQ(mapping::plugin_Mode, 0);
+    controller_.kvRecallPreviousMapping();
+    EXPECT_EQ(mapping::plugin_Mode, 1);
+    EXPECT_EQ(controller_.mainTitle_Sub()->stringValue.get(), "Logic Pro Instrument Mapper");
 }
 
 TEST_F(SavingAndRecall, RecallOfThePreviousTakesBackTheLatestSaveOnly)

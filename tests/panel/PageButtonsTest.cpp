@@ -1,11 +1,11 @@
 // The page buttons: stepping, adding, deleting, clearing and exchanging pages.
 
-#include "tests/panel/WindowlessTest.h"
+#include "tests/support/WindowlessTest.h"
 
 namespace {
 
-using test::AlertTexts;
 using test::numbered;
+using test::ShownAlert;
 using test::Texts;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -24,7 +24,7 @@ protected:
         return texts;
     }
 
-    static AlertTexts noSuchPage(int page)
+    static ShownAlert noSuchPage(int page)
     {
         return {"Sorry not possible", "Page " + std::to_string(page) + " does not exist, cannot move page!"};
     }
@@ -65,19 +65,6 @@ TEST_F(PageButtons, OnAOnePageMappingNextLastAndPreviousKeepPageOne)
     EXPECT_EQ(mapping::curPage, 1);
 }
 
-TEST_F(PageButtons, BeforeAPluginIsLoadedDoNothing)
-{
-    controller_.newPageButtonPressed();
-    controller_.deletePageButtonPressed();
-    controller_.clearAllPagesButtonPressed();
-    controller_.nextPageButtonPressed();
-    controller_.kvMovePage_Prev();
-    EXPECT_THAT(alerts_, IsEmpty());
-    EXPECT_THAT(mapping::plistBuild, IsEmpty());
-    EXPECT_EQ(mapping::totalPages, 1);
-    EXPECT_EQ(mapping::curPage, 1);
-}
-
 TEST_F(PageButtons, AddingAPageToTwoAppendsEmptyEntriesAndShowsPageThree)
 {
     edit(numbered(16));
@@ -105,7 +92,7 @@ TEST_F(PageButtons, TheFirstPageIsNeverDeleted)
 {
     edit(numbered(24));
     controller_.deletePageButtonPressed();
-    EXPECT_THAT(alerts_, ElementsAre(AlertTexts("Cannot delete first page", "Sorry!")));
+    EXPECT_THAT(alerts_, ElementsAre(ShownAlert{"Cannot delete first page", "Sorry!"}));
     EXPECT_EQ(order(), pagesOf(24, {1, 2, 3}));
     EXPECT_THAT(readOuts(), ElementsAre("Page 1 of 3", "3 Pages"));
 }
@@ -138,9 +125,11 @@ TEST_F(PageButtons, ASaveAfterAClearStillWritesTheLaterEntries)
 {
     const test::Path file = edit(numbered(24));
     controller_.clearAllPagesButtonPressed();
+    controller_.newPageButtonPressed();
     controller_.kvExportToPlist();
     const Texts saved = test::textsAt(file, test::kOrder);
-    ASSERT_EQ(saved.size(), 24u);
+    ASSERT_EQ(saved.size(), 32u);
+    EXPECT_EQ(saved[31], "-1");
     EXPECT_EQ(saved[7], "-1");
     EXPECT_EQ(saved[8], "9 Knob 9");
     EXPECT_EQ(saved[23], "24 Knob 24");

@@ -1,6 +1,8 @@
 // What the panel shows of the mapping.
 
-#include "tests/panel/WindowlessTest.h"
+#include "tests/support/WindowlessTest.h"
+
+#include <filesystem>
 
 namespace {
 
@@ -18,6 +20,43 @@ protected:
         return rows;
     }
 };
+
+TEST_F(Panel, UntilAPluginIsLoadedNothingIsReadOrWritten)
+{
+    test::write(builtIn("EQ One"), "untouched");
+    controller_.btnRunCheck();
+    const auto files = [this] {
+        Texts paths;
+        for (const auto& file : std::filesystem::recursive_directory_iterator(home_.path()))
+            paths.push_back(file.path().native());
+        for (const auto& file : std::filesystem::directory_iterator("."))
+            paths.push_back(file.path().native());
+        return paths;
+    };
+    const Texts before = files();
+    using Action = void (ViewController::*)(ViewController::Sender);
+    for (const Action action :
+         {&ViewController::kvExportToPlist, &ViewController::kvRecallOriginalMapping,
+          &ViewController::kvRecallPreviousMapping, &ViewController::kvCreateChart,
+          &ViewController::newPageButtonPressed, &ViewController::deletePageButtonPressed,
+          &ViewController::clearAllPagesButtonPressed, &ViewController::nextPageButtonPressed,
+          &ViewController::prevPageButtonPressed, &ViewController::firstPageButtonPressed,
+          &ViewController::lastPageButtonPressed, &ViewController::kvMovePage_First, &ViewController::kvMovePage_Last,
+          &ViewController::kvMovePage_Prev, &ViewController::kvMovePage_Next})
+        (controller_.*action)(nullptr);
+    controller_.kvRotBtn1_Pressed();
+    controller_.kvRotBtn8_Pressed();
+    controller_.kvPluginMode_Changed(controller_.kvPluginMode());
+    EXPECT_THAT(alerts_, testing::IsEmpty());
+    EXPECT_THAT(opened_, testing::IsEmpty());
+    EXPECT_EQ(files(), before);
+    EXPECT_EQ(test::read(builtIn("EQ One")), "untouched");
+    EXPECT_THAT(mapping::plistBuild, testing::IsEmpty());
+    EXPECT_EQ(mapping::totalPages, 1);
+    EXPECT_EQ(mapping::curPage, 1);
+    EXPECT_EQ(chart::bHTML, "");
+    EXPECT_EQ(controller_.labKOScreen_Title()->stringValue.get(), "Please Select a plugin");
+}
 
 TEST_F(Panel, OfAOnePageMappingShowsPageOneOfOne)
 {

@@ -1,4 +1,4 @@
-#include "tests/panel/WindowlessTest.h"
+#include "tests/support/WindowlessTest.h"
 
 namespace {
 
@@ -26,6 +26,7 @@ TEST_F(Rescan, ListsLogicsPluginsBeforeTheUsers)
     EXPECT_EQ(controller_.myArrayController()->content()[0].text("Type"), "Logic Built-In");
     EXPECT_EQ(controller_.myArrayController()->content()[1].text("Type"), "Maker");
     EXPECT_THAT(logLines_, Contains(builtIn("EQ One").native()));
+    EXPECT_THAT(logLines_, Contains(builtIn("EQ One").parent_path().native()));
     EXPECT_THAT(logLines_, Contains(thirdParty("Maker", "Synth X").native()));
 }
 
@@ -39,7 +40,7 @@ TEST_F(Rescan, AsksForAPluginInItsTwoWays)
 TEST_F(Rescan, TheTypeGivenIsInNoRow)
 {
     test::write(builtIn("EQ One"), "");
-    controller_.checkFilesAndType((home_ / "Application Support").native(), "3rd Party");
+    controller_.checkFilesAndType((home_ / "Library/Application Support").native(), "3rd Party");
     ASSERT_EQ(plugins().size(), 1u);
     const auto& row = controller_.myArrayController()->content().front();
     for (const std::string& key : row.keys())

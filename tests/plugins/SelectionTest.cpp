@@ -1,4 +1,4 @@
-#include "tests/panel/WindowlessTest.h"
+#include "tests/support/WindowlessTest.h"
 
 namespace {
 
@@ -103,7 +103,11 @@ TEST_F(Selection, SwitchingTheModeRevertsAssignmentsAndKeepsTheModeChosen)
     selectParameter(2);
     controller_.kvRotBtn1_Pressed();
     controller_.addControlsPage();
+    Texts lines;
+    const auto watching =
+        controller_.labelHelperDisplay()->stringValue.onChange([&](const std::string& line) { lines.push_back(line); });
     choose(1);
+    EXPECT_THAT(lines, ElementsAre("Reading Parameters... Please Wait...", "Editing EQ One using Instrument Mode"));
     EXPECT_THAT(pots(), ElementsAre("A", "B", "-", "-", "-", "-", "-", "-"));
     EXPECT_THAT(readOuts(), ElementsAre("Page 1 of 1", "1 Page"));
     EXPECT_EQ(mapping::plugin_Mode, 1);

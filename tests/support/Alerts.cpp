@@ -5,8 +5,11 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QMessageBox>
+#include <QTest>
 
-namespace support {
+#include <utility>
+
+namespace test {
 
 namespace {
 
@@ -14,7 +17,7 @@ constexpr int kLongestWait = 10'000;
 
 } // namespace
 
-AlertAnswers::AlertAnswers()
+AlertAnswers::AlertAnswers(std::vector<std::string> presses) : presses_(std::move(presses))
 {
     QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { answer(); });
     timer_.start(2);
@@ -31,10 +34,15 @@ void AlertAnswers::answer()
     }
     if (whileOpen)
         whileOpen();
-    const auto buttons = box->buttons();
-    shown_.push_back(
-        {box->text().toStdString(), box->informativeText().toStdString(), static_cast<int>(buttons.size())});
-    buttons.front()->click();
+    ShownAlert alert{box->text().toStdString(), box->informativeText().toStdString(), {}};
+    QAbstractButton* pressed = box->buttons().front();
+    for (QAbstractButton* button : box->buttons()) {
+        alert.buttons.push_back(button->text().toStdString());
+        if (shown_.size() < presses_.size() && alert.buttons.back() == presses_[shown_.size()])
+            pressed = button;
+    }
+    shown_.push_back(std::move(alert));
+    QTest::mouseClick(pressed, Qt::LeftButton);
 }
 
 bool waitUntil(const std::function<bool()>& isDone)
@@ -53,4 +61,4 @@ void runFor(int milliseconds)
     loop.exec();
 }
 
-} // namespace support
+} // namespace test

@@ -1,25 +1,20 @@
 #pragma once
 // Answers the alerts that come up while a test runs, and keeps what they said.
 
+#include "tests/support/Noted.h"
+
 #include <QTimer>
 
 #include <functional>
 #include <string>
 #include <vector>
 
-namespace support {
-
-struct ShownAlert {
-    std::string text;
-    std::string informativeText;
-    int buttons = 0;
-
-    bool operator==(const ShownAlert&) const = default;
-};
+namespace test {
 
 class AlertAnswers {
 public:
-    AlertAnswers();
+    /// Each alert is dismissed with the button of that title, in the order of `presses`; those beyond with their first.
+    explicit AlertAnswers(std::vector<std::string> presses = {});
 
     const std::vector<ShownAlert>& shown() const { return shown_; }
     /// Called while the alert is on screen, before it is answered.
@@ -31,6 +26,7 @@ private:
     void answer();
 
     QTimer timer_;
+    std::vector<std::string> presses_;
     std::vector<ShownAlert> shown_;
 };
 
@@ -39,4 +35,4 @@ bool waitUntil(const std::function<bool()>& isDone);
 /// Runs the event loop for a moment.
 void runFor(int milliseconds);
 
-} // namespace support
+} // namespace test

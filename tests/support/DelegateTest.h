@@ -85,12 +85,8 @@ protected:
 private:
     FoldersWithResources folders_{home_ / "resources"};
     RecordingErrors errors_{platform().errors};
-    platform::Platform effects_ = [this] {
-        const platform::Platform& all = platform();
-        return platform::Platform{all.alerts,      all.workspace, folders_, all.log,          all.http,
-                                  all.preferences, all.json,      errors_,  all.localization, all.undoManagers};
-    }();
-    AppDelegate delegate_{effects_};
+    platform::qt::SystemPlatform effects_{kPreferences, {nullptr, &workspace_, &folders_, &log_, &errors_}};
+    AppDelegate delegate_{effects_.platform};
     std::optional<interface::Lifecycle> lifecycle_;
 };
 

@@ -21,6 +21,11 @@ plist::Dictionary orderFile(const Texts& order)
     return dictionary;
 }
 
+std::string orderBytes(const Texts& order)
+{
+    return plist::write({plist::Value(orderFile(order)), plist::Form::xml});
+}
+
 void writeDictionary(const Path& file, const plist::Dictionary& dictionary, plist::Form form)
 {
     write(file, plist::write({plist::Value(dictionary), form}));

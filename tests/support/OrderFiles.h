@@ -19,6 +19,8 @@ inline constexpr char kMode[] = "KorvelCSMode";
 Texts numbered(int count, const std::string& name = "Knob");
 
 platform::plist::Dictionary orderFile(const Texts& order);
+/// The file of an order as bytes.
+std::string orderBytes(const Texts& order);
 void writeDictionary(const Path& file, const platform::plist::Dictionary& dictionary,
                      platform::plist::Form form = platform::plist::Form::xml);
 /// The root dictionary of a file; throws when it is none.

@@ -12,7 +12,7 @@
 #include <map>
 #include <utility>
 
-namespace support {
+namespace test {
 
 namespace {
 
@@ -162,4 +162,4 @@ testing::AssertionResult looksLike(const QImage& actual, const std::string& name
     return failure << "\n  expected:   " << fileIn(keptFolder(), name).toStdString();
 }
 
-} // namespace support
+} // namespace test

@@ -12,7 +12,7 @@
 
 class QWidget;
 
-namespace support {
+namespace test {
 
 QPalette lightPalette();
 QPalette darkPalette();
@@ -52,4 +52,4 @@ QImage keptPicture(const std::string& name);
 /// folder and named in the answer. With KV_UPDATE_PICTURES=1 in the environment the picture is kept from now on.
 testing::AssertionResult looksLike(const QImage& actual, const std::string& name);
 
-} // namespace support
+} // namespace test

@@ -8,7 +8,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-namespace support {
+namespace test {
 
 bool ScriptedPeer::Connection::send(std::string_view bytes)
 {
@@ -185,4 +185,4 @@ std::string redirect(int status, const std::string& location)
     return reply("moved", std::to_string(status) + " Elsewhere", "Location: " + location + "\r\n");
 }
 
-} // namespace support
+} // namespace test

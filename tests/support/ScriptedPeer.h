@@ -14,7 +14,7 @@
 #include <thread>
 #include <vector>
 
-namespace support {
+namespace test {
 
 class ScriptedPeer {
 public:
@@ -83,4 +83,4 @@ private:
 std::string reply(std::string_view body, std::string_view status = "200 OK", std::string_view headers = {});
 std::string redirect(int status, const std::string& location);
 
-} // namespace support
+} // namespace test

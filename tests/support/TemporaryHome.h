@@ -1,31 +1,25 @@
 #pragma once
-// A home folder of a test's own, with the environment pointing into it; gone with the object.
+// A home folder of a test's own, with the environment pointing into it and no community server; gone with the object.
 
-#include <filesystem>
-#include <string>
-#include <string_view>
+#include "tests/support/OrderFiles.h"
+#include "tests/support/TemporaryFolder.h"
 
-namespace support {
+namespace test {
 
-class TemporaryHome {
+inline constexpr char kPreferences[] = "org.example.kv-test";
+
+/// Lets the program's home, the machine-wide library and all that the system keeps for a user lie below a folder.
+void liveBelow(const Path& root);
+
+class TemporaryHome : public TemporaryFolder {
 public:
-    TemporaryHome();
-    TemporaryHome(const TemporaryHome&) = delete;
-    TemporaryHome& operator=(const TemporaryHome&) = delete;
-    ~TemporaryHome();
+    TemporaryHome() { liveBelow(path()); }
 
-    const std::filesystem::path& path() const { return path_; }
-    /// Writes the parameter-order file of a plug-in among the user's presets and returns its path.
-    std::filesystem::path addPlugin(std::string_view maker, std::string_view name, std::string_view content) const;
-
-private:
-    std::filesystem::path path_;
+    /// Where a built-in plug-in's file lies, and one of a maker.
+    Path builtIn(const std::string& plugin) const;
+    Path thirdParty(const std::string& maker, const std::string& plugin) const;
+    /// Writes a maker's plug-in with this order; answers its path.
+    Path addPlugin(const std::string& maker, const std::string& plugin, const Texts& order) const;
 };
 
-/// A parameter-order file whose order holds these elements, separated by commas.
-std::string orderFile(std::string_view elements);
-
-std::string readFile(const std::filesystem::path& path);
-void writeFile(const std::filesystem::path& path, std::string_view content);
-
-} // namespace support
+} // namespace test

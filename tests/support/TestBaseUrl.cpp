@@ -8,27 +8,19 @@ namespace {
 
 std::string& url()
 {
-    static std::string text = "http://127.0.0.1:9/"; // nobody listens there
+    static std::string text = test::kNobodysUrl;
     return text;
 }
 
 } // namespace
 
-namespace community {
-
 // Found before the library's own, which the linker then leaves out.
-const std::string& baseUrl()
+const std::string& community::baseUrl()
 {
     return url();
 }
 
-} // namespace community
-
-namespace support {
-
-void setBaseUrl(std::string text)
+void test::setBaseUrl(std::string text)
 {
     url() = std::move(text);
 }
-
-} // namespace support

@@ -3,8 +3,11 @@
 
 #include <string>
 
-namespace support {
+namespace test {
+
+/// Nobody listens there.
+inline constexpr char kNobodysUrl[] = "http://127.0.0.1:9/";
 
 void setBaseUrl(std::string url);
 
-} // namespace support
+} // namespace test

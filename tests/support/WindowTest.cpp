@@ -4,40 +4,25 @@
 #include "tests/support/FreshState.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QTest>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace test {
 
 using platform::qt::fromQt;
 using platform::qt::toQt;
 
-void PrintTo(const SeenAlert& alert, std::ostream* stream)
+WindowTest::WindowTest(const platform::qt::HttpLimits& limits)
+    : system_(kPreferences, {nullptr, &workspace_, nullptr, &log_, nullptr}, limits)
 {
-    *stream << "\"" << alert.message << "\" / \"" << alert.informative << "\"";
-    for (const std::string& button : alert.buttons)
-        *stream << " [" << button << "]";
-}
-
-WindowTest::WindowTest()
-{
-    ::setenv("HOME", (home_ / "home").c_str(), 1);
-    ::setenv("KV_LOCAL_LIBRARY", (home_ / "Library").c_str(), 1);
-    ::setenv("XDG_CONFIG_HOME", (home_ / "config").c_str(), 1);
-    ::setenv("XDG_DATA_HOME", (home_ / "data").c_str(), 1);
-    logDescriptor_ = ::open(logFile_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-    log_ = std::make_unique<platform::StreamLog>(logDescriptor_);
-    platform_ = std::make_unique<platform::Platform>(platform::Platform{
-        alerts_, workspace_, folders_, *log_, http_, preferences_, json_, errors_, localization_, undoManagers_});
+    startAnew();
 }
 
 WindowTest::~WindowTest()
 {
     tearDown();
-    log_.reset();
-    ::close(logDescriptor_);
 }
 
 void WindowTest::tearDown()
@@ -47,21 +32,16 @@ void WindowTest::tearDown()
     startAnew();
 }
 
-Path WindowTest::builtIn(const std::string& plugin) const
+void WindowTest::loadInterface()
 {
-    return home_ / "Library/Application Support/Logic/Plug-In Settings" / plugin / "CSParameterOrder.plist";
-}
-
-Path WindowTest::thirdParty(const std::string& maker, const std::string& plugin) const
-{
-    return home_ / "home/Library/Audio/Presets" / maker / plugin / "CSParameterOrder.plist";
+    tearDown();
+    controller_ = std::make_unique<ViewController>(platform());
+    interface_ = std::make_unique<interface::Interface>(*controller_);
 }
 
 void WindowTest::launch()
 {
-    tearDown();
-    controller_ = std::make_unique<ViewController>(*platform_);
-    interface_ = std::make_unique<interface::Interface>(*controller_);
+    loadInterface();
     controller_->viewDidLoad();
     interface_->mainWindow()->show();
     QApplication::processEvents();
@@ -69,7 +49,9 @@ void WindowTest::launch()
 
 std::string WindowTest::text(const char* name) const
 {
-    return fromQt(find<QWidget>(name)->property("text").toString());
+    const auto* widget = find(name);
+    const auto* box = qobject_cast<const QPlainTextEdit*>(widget);
+    return fromQt(box ? box->toPlainText() : widget->property("text").toString());
 }
 
 std::string WindowTest::toolTip(const char* name) const
@@ -139,34 +121,28 @@ void WindowTest::typeInto(const char* field, const std::string& text)
     QTest::keyClicks(widget, toQt(text));
 }
 
-std::vector<SeenAlert> WindowTest::alertsOf(const std::function<void()>& action,
-                                            const std::vector<std::string>& presses)
+void WindowTest::fill(const char* field, const std::string& text)
 {
-    std::vector<SeenAlert> seen;
-    QTimer poll;
-    QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (!box)
-            return;
-        SeenAlert alert{fromQt(box->text()), fromQt(box->informativeText()), {}};
-        QAbstractButton* pressed = box->buttons().front();
-        for (QAbstractButton* button : box->buttons()) {
-            alert.buttons.push_back(fromQt(button->text()));
-            if (seen.size() < presses.size() && alert.buttons.back() == presses[seen.size()])
-                pressed = button;
-        }
-        seen.push_back(std::move(alert));
-        QTest::mouseClick(pressed, Qt::LeftButton);
-    });
-    poll.start(5);
-    action();
-    return seen;
+    if (auto* box = qobject_cast<QPlainTextEdit*>(find(field)))
+        box->setPlainText(toQt(text));
+    else
+        find<QLineEdit>(field)->setText(toQt(text));
 }
 
-std::string WindowTest::logText()
+std::vector<ShownAlert> WindowTest::alertsOf(const std::function<void()>& action,
+                                             const std::vector<std::string>& presses)
 {
-    log_->flush();
-    return read(logFile_);
+    const AlertAnswers answers(presses);
+    action();
+    return answers.shown();
+}
+
+std::string WindowTest::logText() const
+{
+    std::string text;
+    for (const std::string& line : log_.lines)
+        text += line + '\n';
+    return text;
 }
 
 } // namespace test

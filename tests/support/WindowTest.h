@@ -4,58 +4,40 @@
 
 #include "app/ViewController.h"
 #include "app/interface/Interface.h"
-#include "platform/ErrorAlerts.h"
-#include "platform/StreamLog.h"
-#include "platform/UserPreferences.h"
-#include "platform/qt/CompletionGate.h"
-#include "platform/qt/CurlHttp.h"
-#include "platform/qt/QtJson.h"
-#include "platform/qt/SystemEffects.h"
-#include "platform/qt/UndoStack.h"
+#include "platform/qt/SystemPlatform.h"
+#include "tests/support/Alerts.h"
+#include "tests/support/Noted.h"
 #include "tests/support/OrderFiles.h"
+#include "tests/support/TemporaryHome.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QAbstractItemView>
-#include <QMessageBox>
-#include <QTimer>
+#include <QApplication>
+#include <QWidget>
 
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace test {
 
-/// What an alert showed.
-struct SeenAlert {
-    std::string message;
-    std::string informative;
-    std::vector<std::string> buttons;
-
-    bool operator==(const SeenAlert&) const = default;
-};
-void PrintTo(const SeenAlert& alert, std::ostream* stream);
-
-/// Files the program asked the desktop to open, instead of opening them.
-class RecordingWorkspace final : public platform::Workspace {
-public:
-    void openFile(const std::filesystem::path& path) override { opened.push_back(path); }
-
-    std::vector<Path> opened;
-};
-
 class WindowTest : public testing::Test {
 protected:
-    WindowTest();
+    explicit WindowTest(const platform::qt::HttpLimits& limits = {});
     ~WindowTest() override;
 
-    /// Where a built-in plug-in's file lies, and one of a maker.
-    Path builtIn(const std::string& plugin) const;
-    Path thirdParty(const std::string& maker, const std::string& plugin) const;
+    Path builtIn(const std::string& plugin) const { return home_.builtIn(plugin); }
+    Path thirdParty(const std::string& maker, const std::string& plugin) const
+    {
+        return home_.thirdParty(maker, plugin);
+    }
 
-    /// Loads the interface, scans and shows the main window. Again: as a new run of the program.
+    /// Loads the interface; again: as a new run of the program.
+    void loadInterface();
+    /// Loads it, scans and shows the main window.
     void launch();
 
     template <typename T = QWidget>
@@ -82,35 +64,25 @@ protected:
     void chooseParameter(const std::string& name) { clickRow("tablePlistOfSelectedPlugin", name, 1); }
     std::int32_t selectedRow(const char* list) const;
     void typeInto(const char* field, const std::string& text);
+    /// Puts a text in place of a field's.
+    void fill(const char* field, const std::string& text);
 
-    /// Runs an action and tells what the alerts showed that came up meanwhile. Each is dismissed with the button of
-    /// that title, in the order of `presses`; those beyond with their first button.
-    std::vector<SeenAlert> alertsOf(const std::function<void()>& action, const std::vector<std::string>& presses = {});
+    /// Runs an action and tells what the alerts showed that came up meanwhile; AlertAnswers presses.
+    std::vector<ShownAlert> alertsOf(const std::function<void()>& action, const std::vector<std::string>& presses = {});
 
     ViewController& controller() { return *controller_; }
-    platform::Platform& platform() { return *platform_; }
+    platform::Platform& platform() { return system_.platform; }
     const interface::Interface& loaded() const { return *interface_; }
-    std::string logText();
+    std::string logText() const;
 
-    TemporaryFolder home_;
-    Path logFile_ = home_ / "log.txt";
-    RecordingWorkspace workspace_;
+    TemporaryHome home_;
+    NotedFiles workspace_;
+    NotedLog log_;
+    platform::qt::SystemPlatform system_;
 
 private:
     void tearDown();
 
-    int logDescriptor_ = -1;
-    platform::qt::CompletionGate gate_;
-    platform::qt::MessageBoxAlerts alerts_{gate_};
-    platform::qt::UserFolders folders_;
-    platform::qt::CurlHttp http_{gate_};
-    platform::UserPreferences preferences_{"org.example.kv-test"};
-    platform::qt::QtJson json_;
-    platform::ErrorAlerts errors_{alerts_};
-    platform::qt::TranslatedTexts localization_;
-    platform::qt::UndoStacks undoManagers_;
-    std::unique_ptr<platform::StreamLog> log_;
-    std::unique_ptr<platform::Platform> platform_;
     std::unique_ptr<ViewController> controller_;
     std::unique_ptr<interface::Interface> interface_;
 };

@@ -11,7 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace trust {
+namespace test {
 
 namespace fs = std::filesystem;
 
@@ -22,7 +22,7 @@ constexpr char kPlugin[] = "EQ One";
 std::vector<std::string> linesOf(const Path& file)
 {
     std::vector<std::string> lines;
-    std::istringstream stream(fs::exists(file) ? test::read(file) : std::string());
+    std::istringstream stream(fs::exists(file) ? read(file) : std::string());
     for (std::string line; std::getline(stream, line);)
         lines.push_back(line);
     return lines;
@@ -95,7 +95,7 @@ bool DriverRun::wrote(const std::string& line) const
     return std::find(output.begin(), output.end(), line) != output.end();
 }
 
-Folder::Folder() : folder_(root_ / "machine/Application Support/Logic/Plug-In Settings" / kPlugin)
+Folder::Folder() : folder_(root_ / "machine/Library/Application Support/Logic/Plug-In Settings" / kPlugin)
 {
     // A user who may not write to the plug-in's folder still gets there.
     fs::permissions(root_.path(), fs::perms::group_exec | fs::perms::others_exec, fs::perm_options::add);
@@ -104,13 +104,13 @@ Folder::Folder() : folder_(root_ / "machine/Application Support/Logic/Plug-In Se
 void Folder::prepare(const Scenario& scenario)
 {
     put({});
-    test::writeDictionary(folder_ / kFile, test::orderFile(test::numbered(40)));
+    writeDictionary(folder_ / kFile, orderFile(numbered(40)));
     for (const auto& operation : scenario.history) {
         if (!run(operation).goesOn())
             throw std::runtime_error("cannot prepare " + std::string(scenario.name));
     }
     if (scenario.operation.front().starts_with("download"))
-        test::write(folder_ / kDownloaded, "what was downloaded before");
+        write(folder_ / kDownloaded, "what was downloaded before");
 }
 
 void Folder::put(const Files& files) const
@@ -118,14 +118,14 @@ void Folder::put(const Files& files) const
     fs::remove_all(folder_);
     fs::create_directories(folder_);
     for (const auto& [name, content] : files)
-        test::write(folder_ / name, content);
+        write(folder_ / name, content);
 }
 
 Files Folder::files() const
 {
     Files found;
     for (const auto& entry : fs::directory_iterator(folder_))
-        found[entry.path().filename().native()] = test::read(entry.path());
+        found[entry.path().filename().native()] = read(entry.path());
     return found;
 }
 
@@ -136,7 +136,9 @@ DriverRun Folder::run(const std::vector<std::string>& operation, const Fault& fa
     fs::remove(trace);
     std::vector<std::string> arguments = {KV_TRUST_DRIVER, (root_ / "machine").native(), kPlugin};
     arguments.insert(arguments.end(), operation.begin(), operation.end());
-    const int status = spawn(arguments, environment(folder_, trace, fault), output);
+    // A scan comes to the plug-in's folder from above.
+    const Path watched = operation.front() == "scan" ? root_.path() / "machine" : folder_;
+    const int status = spawn(arguments, environment(watched, trace, fault), output);
     DriverRun run;
     run.isKilled = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
     run.status = status;
@@ -157,4 +159,4 @@ bool isKept(const Files& files, const std::string& content)
     });
 }
 
-} // namespace trust
+} // namespace test

@@ -2,17 +2,15 @@
 // A plug-in's folder, and runs of trust_driver on it that a preloaded FileFaults brings to an early end or into
 // trouble.
 
+#include "tests/support/InMemory.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/trust/InMemory.h"
 
 #include <map>
 #include <ostream>
 #include <string>
 #include <vector>
 
-namespace trust {
-
-using test::Path;
+namespace test {
 
 inline constexpr char kFile[] = "CSParameterOrder.plist";
 inline constexpr char kOriginal[] = "CSParameterOrder.plist.original";
@@ -72,7 +70,7 @@ public:
 
 private:
     InMemory inMemory_;
-    test::TemporaryFolder root_;
+    TemporaryFolder root_;
     Path folder_;
 };
 
@@ -81,4 +79,4 @@ bool isPartial(const std::string& name);
 /// Whether a content stands in the file or in one of its backups.
 bool isKept(const Files& files, const std::string& content);
 
-} // namespace trust
+} // namespace test

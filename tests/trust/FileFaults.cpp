@@ -399,6 +399,12 @@ int lstat(const char* path, struct stat* status) noexcept
     return mayGoOn(Kind::look, "lstat", AT_FDCWD, path) ? look(path, status) : -1;
 }
 
+int fstatat(int folder, const char* path, struct stat* status, int flags) noexcept
+{
+    static const auto look = systems(&::fstatat, "fstatat");
+    return mayGoOn(Kind::look, "fstatat", folder, path) ? look(folder, path, status, flags) : -1;
+}
+
 int fstat(int descriptor, struct stat* status) noexcept
 {
     static const auto look = systems(static_cast<int (*)(int, struct stat*)>(&::fstat), "fstat");

@@ -1,23 +1,18 @@
 // Much of everything: a library of 200,000 items, a listing as long as one may be, a thousand saves in a row.
 
-#include "tests/support/FreshState.h"
-#include "tests/support/OrderFiles.h"
-#include "tests/support/Program.h"
+#include "tests/support/InMemory.h"
 #include "tests/support/ScriptedPeer.h"
-#include "tests/support/TemporaryHome.h"
 #include "tests/support/TestBaseUrl.h"
-#include "tests/trust/Headless.h"
-#include "tests/trust/InMemory.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/WindowTest.h"
+#include "tests/support/WindowlessTest.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 
-#include <algorithm>
+#include <filesystem>
 #include <fstream>
-#include <iostream>
+#include <iterator>
 #include <set>
+#include <string>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -27,26 +22,12 @@ namespace {
 namespace fs = std::filesystem;
 
 #if defined(__SANITIZE_ADDRESS__)
-constexpr int kPatience = 10;             // as slow as it makes everything
 constexpr bool kIsMemoryMeasured = false; // what is freed is kept back to find who still uses it
 #else
-constexpr int kPatience = 1;
 constexpr bool kIsMemoryMeasured = true;
 #endif
 
-class Load : public testing::Test {
-protected:
-    static qint64 millisecondsOf(const std::function<void()>& action)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        action();
-        return timer.elapsed();
-    }
-    static void report(const char* what, qint64 number) { std::cout << what << ": " << number << '\n'; }
-
-    const trust::InMemory inMemory_;
-};
+class Load : test::InMemory, public test::WindowlessTest {};
 
 // A library
 
@@ -57,7 +38,7 @@ constexpr int kItems = 200000;
 /// Every folder holds nine files, one in four folders is a plug-in's; the first half lies in Logic's own folder.
 void makeLibrary(const fs::path& root)
 {
-    const fs::path logic = root / "Application Support/Logic/Plug-In Settings";
+    const fs::path logic = root / "Library/Application Support/Logic/Plug-In Settings";
     const fs::path presets = root / "home/Library/Audio/Presets";
     fs::create_directories(logic);
     fs::create_directories(presets);
@@ -78,26 +59,19 @@ void makeLibrary(const fs::path& root)
 
 TEST_F(Load, TwoHundredThousandItemsAreScannedInOrder)
 {
-    const test::TemporaryFolder root;
-    report("ms to make the library", millisecondsOf([&] { makeLibrary(root.path()); }));
-    test::startAnew();
-    trust::Headless program(root.path());
-    const qint64 took = millisecondsOf([&] { program.controller.btnRunCheck(); });
-    report("ms to scan it", took);
-    EXPECT_LT(took, 10000 * kPatience);
-
-    const auto list = program.controller.myArrayController();
+    makeLibrary(home_.path());
+    controller_.btnRunCheck();
+    const auto list = controller_.myArrayController();
     EXPECT_EQ(list->arrangedCount(), kPlugins);
-    const auto& lines = program.log.lines;
-    EXPECT_EQ(lines.size(), static_cast<std::size_t>(kItems));
-    EXPECT_EQ(std::set<std::string>(lines.begin(), lines.end()).size(), lines.size());
+    EXPECT_EQ(logLines_.size(), static_cast<std::size_t>(kItems));
+    EXPECT_EQ(std::set<std::string>(logLines_.begin(), logLines_.end()).size(), logLines_.size());
 
     // A folder's line comes before those of what it holds, Logic's folder before the presets, rows as their lines.
-    std::set<std::string> seen = {root.path() / "Application Support/Logic/Plug-In Settings",
-                                  root.path() / "home/Library/Audio/Presets"};
+    std::set<std::string> seen = {home_ / "Library/Application Support/Logic/Plug-In Settings",
+                                  home_ / "home/Library/Audio/Presets"};
     bool isAmongPresets = false;
     std::int32_t row = 0;
-    for (const std::string& line : lines) {
+    for (const std::string& line : logLines_) {
         ASSERT_TRUE(seen.contains(fs::path(line).parent_path())) << line;
         if (!line.ends_with(".plist") && line.find("/Setting ") == line.npos)
             seen.insert(line);
@@ -131,21 +105,14 @@ TEST_F(Load, AThousandSavesLeakNothing)
 {
     if (!fs::exists("/proc/self/statm"))
         GTEST_SKIP() << "the system does not say what a process uses";
-    const test::TemporaryFolder root;
-    const fs::path folder = root / "Application Support/Logic/Plug-In Settings/EQ One";
-    const fs::path file = folder / "CSParameterOrder.plist";
-    test::writeDictionary(file, test::orderFile(test::numbered(300)));
-    test::startAnew();
-    trust::Headless program(root.path());
-    program.controller.btnRunCheck();
-    ASSERT_TRUE(program.select("EQ One"));
+    const fs::path file = edit(test::numbered(300));
+    const fs::path folder = file.parent_path();
     const std::string marked = test::read(file);
-    const auto parameters = program.controller.arrayControllerPlistSelected();
     const auto save = [&](int number) {
-        parameters->setSelectionIndex(number % 300 + 1);
-        program.controller.clickControl(number % 8);
-        program.controller.kvExportToPlist();
-        program.alerts.shown.clear();
+        selectParameter(number % 300 + 1);
+        controller_.clickControl(number % 8);
+        controller_.kvExportToPlist();
+        alerts_.clear();
     };
 
     for (int number = 0; number < 100; ++number)
@@ -153,15 +120,10 @@ TEST_F(Load, AThousandSavesLeakNothing)
     const int descriptors = openDescriptors();
     const long memory = residentMemory();
     std::string previous;
-    const qint64 took = millisecondsOf([&] {
-        for (int number = 100; number < 1100; ++number) {
-            previous = test::read(file);
-            save(number);
-        }
-    });
-    report("ms for 1,000 saves of 300 parameters", took);
-    report("KiB more afterwards", residentMemory() - memory);
-
+    for (int number = 100; number < 1100; ++number) {
+        previous = test::read(file);
+        save(number);
+    }
     EXPECT_EQ(openDescriptors(), descriptors);
     if (kIsMemoryMeasured) {
         EXPECT_LT(residentMemory() - memory, 4096);
@@ -184,17 +146,8 @@ TEST_F(Load, AThousandSavesLeakNothing)
 
 // Listings
 
-class LongListing : public Load {
+class LongListing : public test::WindowTest {
 protected:
-    LongListing()
-    {
-        support::setBaseUrl(peer_.url());
-        home_.addPlugin("Maker", "A One", support::orderFile("0 Cutoff"));
-        peer_.play(support::reply("no"));
-        program_.start();
-        program_.choosePlugin(0);
-    }
-
     /// Entries of a hundred bytes and more, until they fill so many bytes to the last one.
     static std::string listingOf(std::size_t bytes, int& entries)
     {
@@ -210,36 +163,52 @@ protected:
         text.append(bytes - text.size() - 3, 'x');
         return text + "\"}]";
     }
-    std::int32_t rows() { return program_.controller.arrayController_downloadList()->arrangedCount(); }
-    qint64 browse(const std::string& listing)
+    std::int32_t rowsOf(const std::string& listing)
     {
-        peer_.play(support::reply(listing));
-        return millisecondsOf([this] {
-            program_.click("kv_btn_cloudLibraryDownload");
-            QApplication::processEvents();
-        });
+        peer_.play(test::reply(listing));
+        click("kv_btn_cloudLibraryDownload");
+        QApplication::processEvents();
+        return controller().arrayController_downloadList()->arrangedCount();
     }
 
-    const support::TemporaryHome home_;
-    support::ScriptedPeer peer_;
-    support::Program program_;
+    test::ScriptedPeer peer_;
 };
 
 TEST_F(LongListing, OfSixteenMebibytesIsShownAndALongerOneIsNone)
 {
+    home_.addPlugin("Maker", "A One", {"0 Cutoff"});
+    test::setBaseUrl(peer_.url());
+    peer_.play(test::reply("no"));
+    launch();
+    select("A One");
     constexpr std::size_t kLongest = std::size_t{16} << 20;
     int entries = 0;
     const std::string longest = listingOf(kLongest, entries);
     ASSERT_EQ(longest.size(), kLongest);
-    const qint64 took = browse(longest);
-    report("entries", entries);
-    report("ms until they are shown", took);
-    EXPECT_LT(took, 15000 * kPatience);
-    EXPECT_EQ(rows(), entries);
-    EXPECT_EQ(program_.controller.arrayController_downloadList()->arrangedObject(entries - 1)->text("patchID"), "last");
+    EXPECT_EQ(rowsOf(longest), entries);
+    EXPECT_EQ(controller().arrayController_downloadList()->arrangedObject(entries - 1)->text("patchID"), "last");
+    EXPECT_EQ(rowsOf(listingOf(kLongest + 1, entries)), 0);
+}
 
-    browse(listingOf(kLongest + 1, entries));
-    EXPECT_EQ(rows(), 0);
+// Parameters: what is quadratic takes minutes here.
+
+using ManyParameters = test::WindowTest;
+
+TEST_F(ManyParameters, AHundredThousandLoadSearchAndMove)
+{
+    const fs::path file = builtIn("Huge");
+    test::writeDictionary(file, test::orderFile(test::numbered(100'000)));
+    launch();
+    select("Huge");
+    EXPECT_EQ(text("lab_PageCurrentlyDisplayed"), "Page 1 of 12500");
+    typeInto("parameterSearch", "Knob 9999");
+    EXPECT_EQ(columnOf("tablePlistOfSelectedPlugin", 1).size(), 12U);
+    chooseParameter("Knob 99999");
+    pressPot(1);
+    click("kvMovePage_Last");
+    EXPECT_EQ(text("lab_PageCurrentlyDisplayed"), "Page 12500 of 12500");
+    alertsOf([this] { click("kvExportToPlist"); });
+    EXPECT_EQ(test::textsAt(file, test::kOrder).at(99'992), "99999 Knob 99999");
 }
 
 } // namespace

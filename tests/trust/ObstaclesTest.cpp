@@ -9,7 +9,7 @@
 #include <cerrno>
 #include <iostream>
 
-namespace trust {
+namespace test {
 
 namespace {
 
@@ -193,4 +193,4 @@ INSTANTIATE_TEST_SUITE_P(, Obstacles, testing::ValuesIn(scenarios()),
 
 } // namespace
 
-} // namespace trust
+} // namespace test

@@ -13,7 +13,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace trust {
+namespace test {
 
 namespace {
 
@@ -132,4 +132,4 @@ TEST_F(ProgramTest, OutlivesALimitOnFileSizes)
 
 } // namespace
 
-} // namespace trust
+} // namespace test

@@ -9,7 +9,7 @@
 #include <iostream>
 #include <utility>
 
-namespace trust {
+namespace test {
 
 namespace {
 
@@ -158,4 +158,4 @@ INSTANTIATE_TEST_SUITE_P(, PulledPlug, testing::ValuesIn(scenarios()),
 
 } // namespace
 
-} // namespace trust
+} // namespace test

@@ -129,16 +129,16 @@ std::string replyTo(const std::string& request, std::size_t number)
     if (number % 7 == 3)
         return {}; // hangs up
     if (asks("checkuser.php"))
-        return support::reply(number % 3 ? "\nOK\n" : "no");
+        return reply(number % 3 ? "\nOK\n" : "no");
     if (asks("kv_listplists.php"))
-        return support::reply(R"([{"patchID": 1, "fileLocation": "shared one", "userComments": "<b>Größe</b>\nline"},)"
-                              R"( {"patchID": "2", "fileLocation": "shared/two"}, {}])");
+        return reply(R"([{"patchID": 1, "fileLocation": "shared one", "userComments": "<b>Größe</b>\nline"},)"
+                     R"( {"patchID": "2", "fileLocation": "shared/two"}, {}])");
     if (!asks("GET "))
-        return support::reply("Done");
+        return reply("Done");
     const Texts order = number % 2 ? withGaps(numbered(30, "Shared")) : Texts();
     auto dictionary = orderFile(order);
-    return number % 5 ? support::reply(platform::plist::write({platform::plist::Value(dictionary), {}}))
-                      : support::reply("no property list");
+    return number % 5 ? reply(platform::plist::write({platform::plist::Value(dictionary), {}}))
+                      : reply("no property list");
 }
 
 } // namespace
@@ -156,12 +156,6 @@ RandomUser::Chance::Chance(unsigned seed, int step)
 {
     std::seed_seq both{seed, static_cast<unsigned>(step)};
     engine_.seed(both);
-}
-
-RandomUser::RandomUser()
-{
-    QObject::connect(&answers_, &QTimer::timeout, &answers_, [this] { answerAlerts(); });
-    answers_.start(1);
 }
 
 void RandomUser::startOver()
@@ -191,7 +185,7 @@ std::string RandomUser::doSomething(unsigned seed, int step)
     std::string done = (this->*deed->act)(chance);
     QApplication::processEvents();
     // When a download ends would otherwise be up to the machine.
-    support::waitUntil([this] { return controller().downloadProgress().get().running == 0; });
+    waitUntil([this] { return controller().downloadProgress().get().running == 0; });
     return done;
 }
 
@@ -326,21 +320,14 @@ std::string RandomUser::clickRowAt(const char* list, int row)
 
 void RandomUser::openCommunity()
 {
-    community_ = std::make_unique<support::ScriptedPeer>();
-    support::setBaseUrl(community_->url());
+    community_ = std::make_unique<ScriptedPeer>();
+    setBaseUrl(community_->url());
     for (int connection = 0; connection < 1000; ++connection) {
-        community_->play([peer = community_.get()](support::ScriptedPeer::Connection& link) {
+        community_->play([peer = community_.get()](ScriptedPeer::Connection& link) {
             const std::vector<std::string> requests = peer->requests();
             link.send(replyTo(requests.back(), requests.size()));
         });
     }
-}
-
-void RandomUser::answerAlerts()
-{
-    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    if (box && box->isVisible())
-        QTest::mouseClick(box->buttons().front(), Qt::LeftButton);
 }
 
 } // namespace test

@@ -13,8 +13,6 @@ namespace test {
 
 class RandomUser : public WindowTest {
 protected:
-    RandomUser();
-
     /// New plug-ins on disk and a new run of the program.
     void startOver();
     /// Does what comes at a step and tells what it was.
@@ -57,11 +55,10 @@ private:
     static void type(QWidget* field, const std::string& text);
     std::string clickButton(const char* name);
     std::string clickRowAt(const char* list, int row);
-    void answerAlerts();
     void openCommunity();
 
-    QTimer answers_;
-    std::unique_ptr<support::ScriptedPeer> community_;
+    const AlertAnswers answers_;
+    std::unique_ptr<ScriptedPeer> community_;
 };
 
 } // namespace test

@@ -3,15 +3,14 @@
 
 #include "chart/ChartState.h"
 #include "mapping/EditingState.h"
-#include "tests/support/FreshState.h"
-#include "tests/trust/Headless.h"
+#include "tests/support/WindowlessTest.h"
 
 #include <QCoreApplication>
+#include <QCryptographicHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <array>
 #include <functional>
 #include <iostream>
 #include <map>
@@ -25,22 +24,11 @@ QJsonValue json(const std::string& text)
     return QString::fromStdString(text);
 }
 
-/// The checksum of zlib, PNG and Ethernet, so that long texts need not be sent.
-std::uint32_t checksum(const std::string& text)
+/// So that long texts need not be sent.
+QJsonValue checksum(const std::string& text)
 {
-    static const auto table = [] {
-        std::array<std::uint32_t, 256> made = {};
-        for (std::uint32_t n = 0; n < made.size(); ++n) {
-            made[n] = n;
-            for (int bit = 0; bit < 8; ++bit)
-                made[n] = (made[n] >> 1) ^ ((made[n] & 1) != 0 ? 0xEDB88320u : 0u);
-        }
-        return made;
-    }();
-    std::uint32_t sum = 0xFFFFFFFFu;
-    for (const char c : text)
-        sum = (sum >> 8) ^ table[(sum ^ static_cast<unsigned char>(c)) & 0xFFu];
-    return ~sum;
+    return QString::fromLatin1(
+        QCryptographicHash::hash(QByteArray::fromStdString(text), QCryptographicHash::Md5).toHex());
 }
 
 std::string textOf(const std::vector<platform::Record>& records)
@@ -59,11 +47,7 @@ std::string textOf(const std::vector<platform::Record>& records)
 /// One run of the program, on a folder of its own.
 class Sequence {
 public:
-    explicit Sequence(const std::string& root) : program_(root)
-    {
-        test::startAnew();
-        program_.controller.btnRunCheck();
-    }
+    Sequence() { program_.controller.btnRunCheck(); }
 
     /// False when there is no such operation.
     bool carryOut(const std::string& operation, const std::string& argument)
@@ -80,8 +64,7 @@ public:
         const ViewController& seen = program_.controller;
         QJsonArray pots;
         QJsonArray tips;
-        for (const auto& label : {seen.kvControl1(), seen.kvControl2(), seen.kvControl3(), seen.kvControl4(),
-                                  seen.kvControl5(), seen.kvControl6(), seen.kvControl7(), seen.kvControl8()}) {
+        for (const auto& label : program_.potLabels()) {
             pots.append(json(label->stringValue.get()));
             tips.append(json(label->toolTip.get()));
         }
@@ -100,11 +83,11 @@ public:
         set("mode", mapping::plugin_Mode);
         set("current", mapping::curPage);
         set("total", mapping::totalPages);
-        set("mapping", static_cast<qint64>(checksum(textOf(mapping::plistBuild))));
-        set("list", static_cast<qint64>(checksum(textOf(list->content()))));
+        set("mapping", checksum(textOf(mapping::plistBuild)));
+        set("list", checksum(textOf(list->content())));
         set("rows", list->arrangedCount());
         set("selected", list->selectionIndex());
-        set("chart", static_cast<qint64>(checksum(chart::bHTML)));
+        set("chart", checksum(chart::bHTML));
         set("canUndo", seen.history().canUndo());
         set("canRedo", seen.history().canRedo());
         set("changedPots", static_cast<qint64>(seen.changedPots()));
@@ -115,12 +98,12 @@ public:
     }
 
 private:
-    using Operation = std::function<void(trust::Headless&, const std::string&)>;
+    using Operation = std::function<void(test::Windowless&, const std::string&)>;
 
     static const std::map<std::string, Operation>& operations()
     {
         static const auto plain = [](void (ViewController::*action)(ViewController::Sender)) {
-            return [action](trust::Headless& program, const std::string&) { (program.controller.*action)(nullptr); };
+            return [action](test::Windowless& program, const std::string&) { (program.controller.*action)(nullptr); };
         };
         static const std::map<std::string, Operation> all = {
             {"scan", plain(&ViewController::btnRunCheck)},
@@ -142,21 +125,21 @@ private:
             {"downloaded", plain(&ViewController::downloadDidFinish)},
             {"undo", plain(&ViewController::undo)},
             {"redo", plain(&ViewController::redo)},
-            {"plugin", [](trust::Headless& program, const std::string& name) { program.select(name); }},
+            {"plugin", [](test::Windowless& program, const std::string& name) { program.select(name); }},
             {"row",
-             [](trust::Headless& program, const std::string& row) {
+             [](test::Windowless& program, const std::string& row) {
                  program.controller.arrayControllerPlistSelected()->setSelectionIndex(std::stoi(row));
              }},
-            {"pot",
-             [](trust::Headless& program, const std::string& pot) { program.controller.clickControl(std::stoi(pot)); }},
+            {"pot", [](test::Windowless& program,
+                       const std::string& pot) { program.controller.clickControl(std::stoi(pot)); }},
             {"page",
-             [](trust::Headless& program, const std::string& page) { program.controller.showPage(std::stoi(page)); }},
+             [](test::Windowless& program, const std::string& page) { program.controller.showPage(std::stoi(page)); }},
             {"exchange",
-             [](trust::Headless& program, const std::string& pots) {
+             [](test::Windowless& program, const std::string& pots) {
                  program.controller.exchangeControls(pots.at(0) - '0', pots.at(1) - '0');
              }},
             {"mode",
-             [](trust::Headless& program, const std::string& mode) {
+             [](test::Windowless& program, const std::string& mode) {
                  const auto matrix = program.controller.kvPluginMode();
                  matrix->selectedTag.set(std::stoi(mode));
                  program.controller.kvPluginMode_Changed(matrix);
@@ -168,19 +151,19 @@ private:
     QJsonArray takeAlerts()
     {
         QJsonArray texts;
-        for (const auto& [text, informative] : std::exchange(program_.alerts.shown, {}))
-            texts.append(QJsonArray{json(text), json(informative)});
+        for (const auto& alert : std::exchange(program_.alerts.shown, {}))
+            texts.append(QJsonArray{json(alert.text), json(alert.informativeText)});
         return texts;
     }
     QJsonArray takeOpened()
     {
         QJsonArray paths;
-        for (const trust::Path& path : std::exchange(program_.files.opened, {}))
+        for (const test::Path& path : std::exchange(program_.files.opened, {}))
             paths.append(json(path.native()));
         return paths;
     }
 
-    trust::Headless program_;
+    test::Windowless program_;
 };
 
 } // namespace
@@ -194,7 +177,8 @@ int main(int argc, char** argv)
         const std::string argument = operation.size() < line.size() ? line.substr(operation.size() + 1) : std::string();
         if (operation == "begin") {
             sequence.reset();
-            sequence = std::make_unique<Sequence>(argument);
+            test::liveBelow(argument);
+            sequence = std::make_unique<Sequence>();
         } else if (!sequence || !sequence->carryOut(operation, argument)) {
             std::cerr << "no such operation: " << line << '\n';
             return 2;

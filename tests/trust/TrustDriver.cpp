@@ -1,6 +1,6 @@
 // Does one thing to a plug-in's files with the program's own controller, watched by FileFaults when that is preloaded:
 //
-//   trust_driver ROOT PLUGIN mark | save ROW | recall-original | recall-prev | chart | download | download-twice
+//   trust_driver ROOT PLUGIN scan | mark | save ROW | recall-original | recall-prev | chart | download | download-twice
 //
 // KV_OBSTACLE puts something real in its way: "vanished", "read-only" or "forbidden" is what becomes of the plug-in's
 // folder, "limit:N" lets no file grow beyond N bytes. Afterwards the driver goes on as a user would and writes down
@@ -10,7 +10,7 @@
 #include "tests/support/Obstacles.h"
 #include "tests/support/ScriptedPeer.h"
 #include "tests/support/TestBaseUrl.h"
-#include "tests/trust/Headless.h"
+#include "tests/support/WindowlessTest.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
@@ -80,11 +80,14 @@ private:
 
 class Driver {
 public:
-    Driver(const char* root, std::string plugin) : plugin_(std::move(plugin)), program_(root)
-    {
-        program_.controller.btnRunCheck();
-    }
+    explicit Driver(std::string plugin) : plugin_(std::move(plugin)) { program_.controller.btnRunCheck(); }
 
+    bool scan()
+    {
+        begin();
+        program_.controller.btnRunCheck();
+        return true;
+    }
     bool mark()
     {
         begin();
@@ -117,8 +120,8 @@ public:
     {
         return edit([&] {
             // One download may run already while the next one is registered.
-            peer_.always("POST /kv_downloadreg.php", support::reply("\nregistered\n"));
-            peer_.always("GET ", support::reply(sharedMapping()));
+            peer_.always("POST /kv_downloadreg.php", test::reply("\nregistered\n"));
+            peer_.always("GET ", test::reply(sharedMapping()));
             listShared();
             begin();
             for (int i = 0; i < times; ++i)
@@ -135,14 +138,12 @@ public:
         program_.controller.addControlsPage();
         program_.controller.nextPageButtonPressed();
         program_.controller.btnRunCheck();
-        for (const auto& [text, informative] : program_.alerts.shown)
-            std::cout << "told " << text << '\n';
+        for (const auto& alert : program_.alerts.shown)
+            std::cout << "told " << alert.text << '\n';
         for (const Path& file : program_.files.opened)
             std::cout << "opened " << file.filename().native() << '\n';
-        for (const std::string& line : program_.log.lines) {
-            if (line.starts_with("Download failed! Error - "))
-                std::cout << "logged Download failed!\n";
-        }
+        if (!failures().empty())
+            std::cout << "logged Download failed!\n";
         std::cout << program_.controller.lab_PageCurrentlyDisplayed()->stringValue.get() << "\ngoes on" << std::endl;
     }
 
@@ -167,34 +168,32 @@ private:
         action();
         return true;
     }
+    std::vector<std::string> failures() const { return program_.log.linesWith("Download failed! Error - "); }
     void listShared()
     {
-        support::setBaseUrl(peer_.url());
-        peer_.play(support::reply(R"([{"patchID": 7, "fileLocation": "shared/7.plist", "userComments": "mine"}])"));
+        test::setBaseUrl(peer_.url());
+        peer_.play(test::reply(R"([{"patchID": 7, "fileLocation": "shared/7.plist", "userComments": "mine"}])"));
         program_.controller.kvCommunityLibraryDownload();
     }
     void waitForDownloads(int times)
     {
         QElapsedTimer timer;
         timer.start();
-        const auto ended = [this] {
-            std::size_t count = program_.alerts.shown.size();
-            for (const std::string& line : program_.log.lines)
-                count += line.starts_with("Download failed!") ? 1 : 0;
-            return count;
-        };
+        const auto ended = [this] { return program_.alerts.shown.size() + failures().size(); };
         while (ended() < static_cast<std::size_t>(times) && timer.elapsed() < 20000)
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
     }
 
     std::string plugin_;
-    support::ScriptedPeer peer_;
-    trust::Headless program_;
+    test::ScriptedPeer peer_;
+    test::Windowless program_;
     std::optional<Obstacle> obstacle_;
 };
 
 bool run(Driver& driver, const std::string& operation, const char* row)
 {
+    if (operation == "scan")
+        return driver.scan();
     if (operation == "mark")
         return driver.mark();
     if (operation == "save")
@@ -217,7 +216,8 @@ int main(int argc, char** argv)
     platform::files::failBeyondSizeLimits();
     if (argc < 4)
         return 2;
-    Driver driver(argv[1], argv[2]);
+    test::liveBelow(argv[1]);
+    Driver driver(argv[2]);
     if (!run(driver, argv[3], argc > 4 ? argv[4] : nullptr))
         return 3; // no such plug-in
     driver.goOn();

@@ -8,6 +8,7 @@ Every sequence has a seed of its own, which is printed with a disagreement toget
 """
 
 import argparse
+import hashlib
 import json
 import os
 import plistlib
@@ -17,7 +18,6 @@ import subprocess
 import sys
 import tempfile
 import time
-import zlib
 
 FILE = "CSParameterOrder.plist"
 ORDER = "ControlSurfaceParameterOrder"
@@ -44,7 +44,7 @@ def text_of(entries):
 
 
 def checksum(text):
-    return zlib.crc32(text.encode())
+    return hashlib.md5(text.encode()).hexdigest()
 
 
 def exactly(value):
@@ -546,7 +546,7 @@ class Sequence:
 
     def make_files(self):
         dice = self.dice
-        built_in = os.path.join(self.root, "Application Support/Logic/Plug-In Settings")
+        built_in = os.path.join(self.root, "Library/Application Support/Logic/Plug-In Settings")
         presets = os.path.join(self.root, "home/Library/Audio/Presets")
         plugins = {"EQ One": ("Logic Built-In", os.path.join(built_in, "EQ One"))}
         if dice.random() < 0.5:

@@ -83,7 +83,7 @@ void store(const fs::path& path, std::string_view bytes)
 
 int runPeer(const char* command, const fs::path& folder)
 {
-    const std::string script = std::string(KV_TESTS_DIR) + "/platform/plist_peer.py";
+    const std::string script = std::string(KV_TESTS_DIR) + "/platform/plist/plist_peer.py";
     const pid_t child = fork();
     if (child == 0) {
         execlp("python3", "python3", "-B", script.c_str(), command, folder.c_str(), static_cast<char*>(nullptr));

@@ -37,7 +37,7 @@ class ReadableStyleTest : public testing::TestWithParam<bool> {};
 
 TEST_P(ReadableStyleTest, OutlinesStandOutFromTheWindow)
 {
-    const support::FixedLook look(GetParam() ? support::darkPalette() : support::lightPalette());
+    const test::FixedLook look(GetParam() ? test::darkPalette() : test::lightPalette());
     QCheckBox box;
     QRadioButton radio;
     QLineEdit line;
@@ -56,7 +56,7 @@ TEST_P(ReadableStyleTest, OutlinesStandOutFromTheWindow)
 
 TEST_P(ReadableStyleTest, TheFocusStandsOutFromTheWindow)
 {
-    const support::FixedLook look(GetParam() ? support::darkPalette() : support::lightPalette());
+    const test::FixedLook look(GetParam() ? test::darkPalette() : test::lightPalette());
     for (const auto element : {QStyle::PE_PanelButtonCommand, QStyle::PE_FrameLineEdit, QStyle::PE_FrameFocusRect}) {
         QStyleOptionButton option;
         option.palette = QApplication::palette();
@@ -105,7 +105,7 @@ int difference(const QImage& one, const QImage& other)
 
 TEST_P(ReadableStyleTest, AButtonShowsWhatItIsAndItsTextCanBeRead)
 {
-    const support::FixedLook look(GetParam() ? support::darkPalette() : support::lightPalette());
+    const test::FixedLook look(GetParam() ? test::darkPalette() : test::lightPalette());
     const QStyle::State on = QStyle::State_Enabled;
     const QStyle::State hovered = on | QStyle::State_MouseOver;
     const QStyle::State pressed = on | QStyle::State_Sunken;

@@ -15,7 +15,7 @@ namespace {
 /// The alerts that presenting the error brought up, and whether it was recovered.
 class ErrorTest : public WindowTest {
 protected:
-    std::vector<SeenAlert> present(const Error& error, const std::vector<std::string>& presses = {})
+    std::vector<ShownAlert> present(const Error& error, const std::vector<std::string>& presses = {})
     {
         return alertsOf([&] { recovered_ = platform().errors.presentError(error); }, presses);
     }
@@ -35,18 +35,17 @@ TEST_F(ErrorTest, ShowsDescriptionReasonAndUnderlyingErrors)
 {
     const auto deepest = std::make_shared<const Error>(Error{"B", 2, {"The <b>disk</b> is gone.", "Unplugged"}});
     const auto beneath = std::make_shared<const Error>(Error{"A", 1, {"The file is gone.", "No disk", deepest}});
-    EXPECT_THAT(present({"D", 7, {"It failed", "For this reason.", beneath}}),
-                ElementsAre(SeenAlert{"It failed",
-                                      "For this reason.\n\nThe file is gone.\nNo disk\n\nThe <b>disk</b> is "
-                                      "gone.\nUnplugged",
-                                      {"OK"}}));
+    EXPECT_THAT(
+        present({"D", 7, {"It failed", "For this reason.", beneath}}),
+        ElementsAre(ShownAlert{"It failed", "For this reason.\n\nThe file is gone.\nNo disk\n\nThe <b>disk</b> is "
+                                            "gone.\nUnplugged"}));
     EXPECT_FALSE(recovered_);
 }
 
 TEST_F(ErrorTest, ARecoveryThatWorksRecovers)
 {
     const Error error{"D", 7, {"It failed", "Why", {}, platform::Recovery{"Repair", [] { return std::nullopt; }}}};
-    EXPECT_THAT(present(error, {"Repair"}), ElementsAre(SeenAlert{"It failed", "Why", {"Repair", "Cancel"}}));
+    EXPECT_THAT(present(error, {"Repair"}), ElementsAre(ShownAlert{"It failed", "Why", {"Repair", "Cancel"}}));
     EXPECT_TRUE(recovered_);
 }
 
@@ -70,8 +69,8 @@ TEST_F(ErrorTest, ARecoveryThatFailsShowsWhy)
         {"It failed", "Why", {}, platform::Recovery{"Repair", [] {
                                                         return std::optional(Error{"D", 8, {"Still failing", "So"}});
                                                     }}}};
-    EXPECT_THAT(present(error, {"Repair"}), ElementsAre(SeenAlert{"It failed", "Why", {"Repair", "Cancel"}},
-                                                        SeenAlert{"Still failing", "So", {"OK"}}));
+    EXPECT_THAT(present(error, {"Repair"}),
+                ElementsAre(ShownAlert{"It failed", "Why", {"Repair", "Cancel"}}, ShownAlert{"Still failing", "So"}));
     EXPECT_FALSE(recovered_);
 }
 

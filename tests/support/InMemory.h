@@ -7,7 +7,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
-namespace trust {
+namespace test {
 
 class InMemory {
 public:
@@ -32,4 +32,4 @@ private:
     std::string former_;
 };
 
-} // namespace trust
+} // namespace test
