@@ -57,8 +57,9 @@ CURLcode CurlTransfer::setUp()
 {
     if (!handle_)
         return CURLE_FAILED_INIT;
-    // A NUL would cut the address short and ask for something else.
-    if (request_.address.find('\0') != std::string::npos)
+    // A NUL would cut the address short, and not every libcurl refuses a blank.
+    const auto isForbidden = [](char c) { return (c >= '\0' && c <= ' ') || c == '\x7f'; };
+    if (std::any_of(request_.address.begin(), request_.address.end(), isForbidden))
         return CURLE_URL_MALFORMAT;
     CURLcode result = allowHttpOnly(handle());
     const auto set = [&](CURLoption option, auto value) {

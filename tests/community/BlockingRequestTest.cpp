@@ -14,6 +14,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include <algorithm>
 #include <future>
 #include <optional>
 
@@ -143,15 +144,19 @@ TEST_F(BlockingRequest, ShowsWhatWasSetJustBefore)
 
 TEST_F(BlockingRequest, EndsSoonAfterItIsCancelled)
 {
-    int asked = 0;
-    CurlHttp cancelled(gate_, [&asked] { return ++asked > 5; });
+    QElapsedTimer time;
+    QElapsedTimer sinceAsked;
+    qint64 longestUnasked = 0;
+    CurlHttp cancelled(gate_, [&] {
+        longestUnasked = std::max(longestUnasked, sinceAsked.restart());
+        return time.elapsed() > 1200;
+    });
     std::promise<bool> isLeft;
     peer_.play([&isLeft](ScriptedPeer::Connection& connection) { isLeft.set_value(connection.waitForTheEnd()); });
-    QElapsedTimer time;
     time.start();
+    sinceAsked.start();
     EXPECT_EQ(cancelled.post(peer_.url(), {}, {}), std::nullopt);
-    EXPECT_LT(time.elapsed(), 3000); // it is asked many times a second
-    EXPECT_EQ(asked, 6);
+    EXPECT_LT(longestUnasked, 500);
     EXPECT_TRUE(isLeft.get_future().get());
 
     EXPECT_EQ(cancelled.post(peer_.url(), {}, {}), std::nullopt);

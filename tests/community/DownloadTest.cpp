@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <future>
+#include <memory>
 #include <optional>
 
 namespace platform::qt {
@@ -166,6 +168,19 @@ TEST_F(Download, IsNotRepeatedWhenTheServerHangsUp)
     start(http_, peer_.url());
     failure();
     EXPECT_EQ(peer_.requests().size(), 1u);
+}
+
+TEST_F(Download, KeepsNoConnectionOnWhichItMightBeRepeated)
+{
+    const auto isLeft = std::make_shared<std::promise<void>>();
+    peer_.play([isLeft](Connection& connection) {
+        connection.send(support::reply("shared"));
+        connection.waitForTheEnd();
+        isLeft->set_value();
+    });
+    start(http_, peer_.url());
+    EXPECT_TRUE(wait());
+    EXPECT_EQ(isLeft->get_future().wait_for(5s), std::future_status::ready);
 }
 
 TEST_F(Download, FailsWhenNobodyListens)

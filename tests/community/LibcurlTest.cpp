@@ -28,11 +28,12 @@ namespace {
 
 std::set<CURLoption> refusedOptions;
 std::set<CURLoption> options; ///< that were set
-std::atomic<int> endlessLookUps = 0;
 
 } // namespace
 
 #undef curl_easy_setopt
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wvarargs" // the library does the same with this argument
 extern "C" CURLcode curl_easy_setopt(CURL* handle, CURLoption option, ...)
 {
     va_list arguments;
@@ -46,8 +47,11 @@ extern "C" CURLcode curl_easy_setopt(CURL* handle, CURLoption option, ...)
         reinterpret_cast<CURLcode (*)(CURL*, CURLoption, ...)>(::dlsym(RTLD_NEXT, "curl_easy_setopt"));
     return real(handle, option, value);
 }
+#pragma GCC diagnostic pop
 
 #ifdef __linux__
+static std::atomic<int> endlessLookUps = 0;
+
 extern "C" int getaddrinfo(const char* name, const char* service, const addrinfo* hints, addrinfo** found)
 {
     if (name && std::string_view(name) == "endless.invalid") {

@@ -76,6 +76,8 @@ TEST_F(Post, FailsWithoutAWordOnAnAddressWithABlank)
 {
     EXPECT_EQ(post("kv_downloadreg.php?patchID=a b"), std::nullopt);
     EXPECT_EQ(post("kv_downloadreg.php?patchID=a\r\nX: y"), std::nullopt);
+    for (const char* byte : {"\x01", "\t", "\x1f", "\x7f"})
+        EXPECT_EQ(post(byte), std::nullopt);
     EXPECT_TRUE(peer_.requests().empty());
 }
 
