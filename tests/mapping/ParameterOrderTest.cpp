@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <ctime>
 #include <string>
 #include <vector>
 
@@ -235,23 +234,6 @@ TEST(Mode, IsGuessedFromAnyElementThatSpeaksOfAVolume)
     };
     for (const Row& row : rows)
         EXPECT_EQ(guessedMode(row.catalogue), row.mode) << testing::PrintToString(row.catalogue);
-}
-
-// Size
-
-TEST(ParameterOrder, AHundredThousandElementsTakeLessThanASecond)
-{
-    const Texts order = test::numbered(100'000);
-    const std::clock_t start = std::clock();
-    const Texts catalogue = catalogueOf(order);
-    const auto list = parameterList(catalogue);
-    const auto entries = mappingOf(order);
-    const Texts again = orderOf(entries);
-    const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-    EXPECT_EQ(catalogue.size(), 100'001u);
-    EXPECT_EQ(list.size(), 100'001u);
-    EXPECT_TRUE(again == order);
-    EXPECT_LT(seconds, 1.0);
 }
 
 } // namespace
