@@ -174,7 +174,7 @@ TEST_F(Download, KeepsNoConnectionOnWhichItMightBeRepeated)
 {
     const auto isLeft = std::make_shared<std::promise<void>>();
     peer_.play([isLeft](Connection& connection) {
-        connection.send(support::reply("shared"));
+        connection.send(test::reply("shared"));
         connection.waitForTheEnd();
         isLeft->set_value();
     });

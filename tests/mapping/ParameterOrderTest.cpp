@@ -236,18 +236,4 @@ TEST(Mode, IsGuessedFromAnyElementThatSpeaksOfAVolume)
         EXPECT_EQ(guessedMode(row.catalogue), row.mode) << testing::PrintToString(row.catalogue);
 }
 
-// Size
-
-TEST(ParameterOrder, AHundredThousandElementsGoBothWays)
-{
-    const Texts order = test::numbered(100'000);
-    const Texts catalogue = catalogueOf(order);
-    const auto list = parameterList(catalogue);
-    const auto entries = mappingOf(order);
-    const Texts again = orderOf(entries);
-    EXPECT_EQ(catalogue.size(), 100'001u);
-    EXPECT_EQ(list.size(), 100'001u);
-    EXPECT_TRUE(again == order);
-}
-
 } // namespace
