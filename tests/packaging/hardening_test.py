@@ -1,6 +1,7 @@
 """Reads in the program's ELF headers and symbols whether it is hardened: hardening_test.py PROGRAM."""
 
 import platform
+import re
 import subprocess
 import sys
 import unittest
@@ -24,10 +25,10 @@ class Hardening(unittest.TestCase):
         self.assertRegex(readelf("--dynamic"), r"\(FLAGS_1\).*\bNOW\b")
 
     def test_stacks_are_guarded(self):
-        self.assertIn("__stack_chk_fail", readelf("--dyn-syms"))
+        self.assertTrue(re.search(r" __stack_chk_fail\b", readelf("--dyn-syms")))
 
     def test_copies_are_checked(self):
-        self.assertRegex(readelf("--dyn-syms"), r"__(mem|str|v?sn?printf|read|fread)\w*_chk\b")
+        self.assertTrue(re.search(r" __\w+_chk@GLIBC", readelf("--dyn-syms")))
 
     @unittest.skipUnless(platform.machine() == "x86_64", "other processors do it in other ways")
     def test_jumps_lead_where_functions_begin(self):
