@@ -47,7 +47,7 @@ struct Window {
         visible.set(true);
         broughtToFront.emit();
     }
-    void center() const { centred.emit(); }
+    void center() { centred.emit(); }
     void close() { visible.set(false); }
 };
 
