@@ -33,29 +33,6 @@ TEST_F(PluginListTest, RowsNameThePluginItsMakerAndThatItIsEditable)
     EXPECT_THAT(columnOf("pluginTableView", 2), ElementsAre("Editable", "Editable"));
 }
 
-TEST_F(PluginListTest, NothingIsSelectedAfterAScan)
-{
-    launch();
-    EXPECT_EQ(selectedRow("pluginTableView"), -1);
-    select("Synth X");
-    click("btnRunCheck");
-    EXPECT_EQ(selectedRow("pluginTableView"), -1);
-    EXPECT_EQ(controller().myArrayController()->selectionIndex(), -1);
-}
-
-TEST_F(PluginListTest, ARescanFindsNewPluginsAndEmptiesTheParameterList)
-{
-    launch();
-    select("Synth X");
-    EXPECT_EQ(columnOf("tablePlistOfSelectedPlugin", 0).size(), 21U);
-    writeDictionary(thirdParty("Maker", "Another"), orderFile({}));
-    click("btnRunCheck");
-    EXPECT_THAT(columnOf("pluginTableView", 0), ElementsAre("Another", "EQ One", "Synth X"));
-    EXPECT_THAT(columnOf("tablePlistOfSelectedPlugin", 0), ElementsAre());
-    EXPECT_EQ(text("labKOScreen_Title"), "Please Select a plugin");
-    EXPECT_EQ(text("labelHelperDisplay"), "Please Select a Plugin");
-}
-
 TEST_F(PluginListTest, AfterARescanOnlyWhatNeedsNoSelectedRowIsOffered)
 {
     launch();

@@ -461,19 +461,6 @@ TEST_F(MappingStore, NoWriteLeavesItsPartialFileBehind)
                                               "CSParameterOrder.plist.prev"));
 }
 
-TEST_F(MappingStore, AHundredThousandElementsAreKept)
-{
-    const Texts order = test::numbered(100'000);
-    for (const plist::Form form : {plist::Form::xml, plist::Form::binary}) {
-        test::writeDictionary(file_, test::orderFile(order), form);
-        markFile(file_);
-        const LoadedMapping loaded = readMapping(file_, std::nullopt);
-        saveMapping(file_, loaded.entries, loaded.mode);
-        EXPECT_EQ(loaded.parameters.size(), 100'001u);
-        EXPECT_TRUE(test::textsAt(file_, test::kOrder) == order);
-    }
-}
-
 // Recall
 
 TEST_F(MappingStore, RecallPutsEitherBackupInPlaceAndKeepsIt)

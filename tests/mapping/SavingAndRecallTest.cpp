@@ -42,16 +42,6 @@ TEST_F(SavingAndRecall, ASaveTellsOfSuccessEvenWhereTheFileIsGone)
     EXPECT_FALSE(std::filesystem::exists(file));
 }
 
-TEST_F(SavingAndRecall, TheFirstSaveBacksUpTheMarkedFile)
-{
-    const Path file = edit({"1 A", "2 B", "1 A"});
-    const std::string marked = read(file);
-    EXPECT_THAT(test::textsAt(file, test::kCatalogue), ElementsAre("-1", "1 A", "2 B"));
-    controller_.kvExportToPlist();
-    EXPECT_EQ(read(file.native() + ".original"), marked);
-    EXPECT_EQ(read(file.native() + ".prev"), marked);
-}
-
 TEST_F(SavingAndRecall, AModeThatWasSavedIsTheOneThePluginOpensIn)
 {
     const Path file = edit({"1 Cutoff"});
@@ -64,17 +54,6 @@ TEST_F(SavingAndRecall, AModeThatWasSavedIsTheOneThePluginOpensIn)
     select("EQ One");
     EXPECT_EQ(mapping::plugin_Mode, 1);
     EXPECT_EQ(controller_.kvPluginMode()->selectedTag.get(), 1);
-}
-
-TEST_F(SavingAndRecall, SelectingAgainLeavesTheCatalogueAfterASaveWithFewerParameters)
-{
-    const Path file = edit({"1 A", "2 B"});
-    controller_.clearAllPages();
-    controller_.kvExportToPlist();
-    select("EQ One");
-    EXPECT_THAT(test::textsAt(file, test::kCatalogue), ElementsAre("-1", "1 A", "2 B"));
-    EXPECT_EQ(controller_.arrayControllerPlistSelected()->arrangedCount(), 3);
-    EXPECT_EQ(order(), Texts(8, "-1"));
 }
 
 TEST_F(SavingAndRecall, RecallBeforeAnySaveSaysSoAndLeavesTheFile)

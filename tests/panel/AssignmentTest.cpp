@@ -130,12 +130,4 @@ TEST_F(Assignment, AnyModeButOneCopiesFromTheList)
     }
 }
 
-TEST_F(Assignment, TheChartFollows)
-{
-    edit(numbered(2));
-    selectParameter(2);
-    press(8);
-    EXPECT_NE(chart::bHTML.find("<td>-</td><td>Knob 2</td></tr></table>"), std::string::npos);
-}
-
 } // namespace

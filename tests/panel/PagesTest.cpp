@@ -64,43 +64,6 @@ TEST(Pages, AnAppendedPageCarriesItsNumberAndGoesOnCounting)
         EXPECT_EQ(entries[position], emptyEntry(3, static_cast<std::int32_t>(position)));
 }
 
-TEST(Pages, RemovingAPageMovesLaterEntriesForwardAsTheyAre)
-{
-    const Entries all = mappingOf(numbered(24));
-    for (const std::int32_t page : {1, 2, 3}) {
-        Entries entries = all;
-        panel::removePage(entries, page);
-        Entries expected(all.begin(), all.begin() + (page - 1) * 8);
-        expected.insert(expected.end(), all.begin() + page * 8, all.end());
-        EXPECT_EQ(entries, expected) << page;
-    }
-}
-
-TEST(Pages, ClearingEmptiesTheFirstPageAndKeepsTheEntriesBehindIt)
-{
-    Entries entries = mappingOf(numbered(24));
-    entries[2] = entry("3", "Moved here", 9, 77); // a slot keeps its own page and position, whatever they are
-    const Entries before = entries;
-    panel::clearFirstPage(entries);
-    ASSERT_EQ(entries.size(), 24u);
-    for (std::size_t position = 0; position < 8; ++position) {
-        const auto number = static_cast<std::int32_t>(position);
-        EXPECT_EQ(entries[position], position == 2 ? emptyEntry(9, 77) : emptyEntry(1, number));
-    }
-    EXPECT_EQ(Entries(entries.begin() + 8, entries.end()), Entries(before.begin() + 8, before.end()));
-}
-
-TEST(Pages, AppendingAfterAClearGoesBehindWhatTheClearLeft)
-{
-    Entries entries = mappingOf(numbered(24));
-    panel::clearFirstPage(entries);
-    panel::appendPage(entries, 2);
-    ASSERT_EQ(entries.size(), 32u);
-    EXPECT_EQ(entries[8], entry("9", "Knob 9", 2, 8));
-    for (std::size_t position = 24; position < 32; ++position)
-        EXPECT_EQ(entries[position], emptyEntry(2, static_cast<std::int32_t>(position)));
-}
-
 TEST(SlotContent, IsNumberAndNameAndLeavesTheSlotsPlace)
 {
     Record slot = entry("1", "A", 1, 3);

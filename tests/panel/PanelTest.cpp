@@ -91,15 +91,6 @@ TEST_F(Panel, AToolTipHoldsTheSameTextAsItsLabel)
     EXPECT_EQ(controller_.kvControl2()->toolTip.get(), "-");
 }
 
-TEST_F(Panel, TheChartHoldsEveryPageWhicheverIsShown)
-{
-    edit(numbered(17));
-    for (const std::int32_t page : {1, 2, 3}) {
-        controller_.populateKnobLabels(page);
-        EXPECT_EQ(chartRows(), 3) << page;
-    }
-}
-
 TEST_F(Panel, LabelWriterCountsFromNoughtChartRowsFromOne)
 {
     edit(numbered(16));
