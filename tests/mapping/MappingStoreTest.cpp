@@ -129,15 +129,6 @@ TEST_F(MappingStore, TheCatalogueStaysAfterASaveWithFewerParameters)
     EXPECT_EQ(test::textsAt(file_, test::kOrder), order);
 }
 
-TEST_F(MappingStore, AnEmptyCatalogueIsMadeAnew)
-{
-    plist::Dictionary file = test::orderFile({"1 A"});
-    file.set(test::kCatalogue, plist::Array{});
-    test::writeDictionary(file_, file);
-    markFile(file_);
-    EXPECT_THAT(test::textsAt(file_, test::kCatalogue), ElementsAre("-1", "1 A"));
-}
-
 TEST_F(MappingStore, AFileWithoutAnOrderGetsACatalogueOfMinusOneAlone)
 {
     test::writeDictionary(file_, {{"Version", plist::Integer(1)}});
@@ -300,19 +291,6 @@ TEST_F(MappingStore, ASaveIsToTheByte)
 </dict>
 </plist>
 )");
-}
-
-TEST_F(MappingStore, TwoPagesWithOneParameterSaveAsSixteenElements)
-{
-    test::writeDictionary(file_, test::orderFile({}));
-    auto entries = mappingOf({"4 Drive"});
-    for (std::int32_t position = 8; position < 16; ++position)
-        entries.push_back(emptyEntry(2, position));
-    saveMapping(file_, entries, 0);
-    Texts expected(16, "-1");
-    expected.front() = "4 Drive";
-    EXPECT_EQ(test::textsAt(file_, test::kOrder), expected);
-    EXPECT_THAT(test::textsAt(file_, test::kMode), ElementsAre("0"));
 }
 
 TEST_F(MappingStore, TheFirstSaveMakesBothBackupsOfTheFileAsItStood)

@@ -58,12 +58,6 @@ TEST_F(Panel, UntilAPluginIsLoadedNothingIsReadOrWritten)
     EXPECT_EQ(controller_.labKOScreen_Title()->stringValue.get(), "Please Select a plugin");
 }
 
-TEST_F(Panel, OfAOnePageMappingShowsPageOneOfOne)
-{
-    edit(numbered(3));
-    EXPECT_THAT(readOuts(), ElementsAre("Page 1 of 1", "1 Page"));
-}
-
 TEST_F(Panel, OfAThreePageMappingOnPageTwoShowsPageTwoOfThree)
 {
     edit(numbered(17));

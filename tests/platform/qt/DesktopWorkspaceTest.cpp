@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <QDesktopServices>
+#include <QObject>
 #include <QUrl>
 
 #include <utility>
