@@ -7,9 +7,9 @@ namespace interface {
 std::span<const Action> Action::all()
 {
     using VC = ViewController;
-    const auto putOnPot = [](int number, const char* name, const char* button, Call call) {
+    const auto putOnPot = [](int number, const char* itsName, const char* itsButton, Call itsCall) {
         const QString digit = QString::number(number);
-        return Action{.name = name,
+        return Action{.name = itsName,
                       .text = QT_TR_NOOP("Put on Pot %1"),
                       .pot = number,
                       .menu = Menu::edit,
@@ -17,8 +17,8 @@ std::span<const Action> Action::all()
                       .keys = QStringLiteral("Ctrl+") + digit,
                       .plainKey = digit,
                       .needs = Needs::plugin,
-                      .call = call,
-                      .button = button,
+                      .call = itsCall,
+                      .button = itsButton,
                       .toolTip = QT_TR_NOOP("Put the selected parameter on pot %1")};
     };
     // A row: what it is, what it does, what its button says.

@@ -12,7 +12,7 @@
 
 namespace platform::store {
 
-class ManagedObjectModel;
+struct ManagedObjectModel;
 
 inline constexpr std::string_view kStoreErrorDomain = "StoreErrorDomain";
 enum StoreErrorCode { kStoreUnreadable = 1, kStoreMalformed, kStoreNotDescribed, kStoreUnwritable, kStoreUnsuitable };
