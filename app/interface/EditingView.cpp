@@ -36,6 +36,16 @@ constexpr int kBackupPauseMs = 250;
 /// No cell shows more.
 constexpr std::size_t kMostPotsTold = 40;
 
+QString potsOf(const platform::Record& parameter, const mapping::MappedPots& pots)
+{
+    if (mapping::isEmptyEntry(parameter))
+        return QObject::tr("clears a pot");
+    auto positions = pots.positionsOf(parameter);
+    const bool isCut = positions.size() > kMostPotsTold;
+    positions.resize(std::min(positions.size(), kMostPotsTold));
+    return qt::toQt(mapping::potsText(positions)) + (isCut ? QStringLiteral(", \u2026") : QString());
+}
+
 } // namespace
 
 EditingView::EditingView(ViewController& controller, const Interface& loaded)
@@ -68,7 +78,8 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
         recalls_.push_back({button, suffix, button->toolTip()});
         button->installEventFilter(this);
     }
-    parameters_->records().setTextMaker([this](const auto& parameter) { return potsOf(parameter); });
+    parameters_->records().setTextMaker(
+        [&controller](const platform::Record& parameter) { return potsOf(parameter, controller.mappedPots()); });
     backupsChanged_.setSingleShot(true);
     connect(&backupsChanged_, &QTimer::timeout, this, [this] {
         for (const RecallButton& recall : recalls_)
@@ -82,16 +93,6 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
                              controller_.arrayController_downloadList()})
         connections_.push_back(rows->arrangedChanged.connect([this] { showHints(); }));
     refresh();
-}
-
-QString EditingView::potsOf(const platform::Record& parameter) const
-{
-    if (mapping::isEmptyEntry(parameter))
-        return QObject::tr("clears a pot");
-    auto positions = controller_.mappedPots().positionsOf(parameter);
-    const bool isCut = positions.size() > kMostPotsTold;
-    positions.resize(std::min(positions.size(), kMostPotsTold));
-    return qt::toQt(mapping::potsText(positions)) + (isCut ? QStringLiteral(", \u2026") : QString());
 }
 
 bool EditingView::eventFilter(QObject* watched, QEvent* event)

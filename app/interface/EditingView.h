@@ -19,13 +19,9 @@ class QCheckBox;
 class QLabel;
 class ViewController;
 
-namespace platform {
-class Record;
-}
-
 namespace platform::qt {
 class RecordListView;
-} // namespace platform::qt
+}
 
 namespace interface {
 
@@ -53,8 +49,6 @@ private:
         QString toolTip; ///< without the backup
     };
 
-    /// What the list says of where a parameter stands.
-    QString potsOf(const platform::Record& parameter) const;
     void showOnlyUnmapped(bool only);
     void refresh();
     void enableWhatCanBeDone();
