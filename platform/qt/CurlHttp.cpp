@@ -16,7 +16,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr milliseconds kLookUpEvery{50};
 constexpr milliseconds kRepaintEvery{200};
 
 class BusyPointer {
@@ -27,47 +26,58 @@ public:
     ~BusyPointer() { QGuiApplication::restoreOverrideCursor(); }
 };
 
-/// Draws the windows as they are while no event loop runs: nobody tells us what another window has uncovered.
-class Repaint {
+/// What goes on while a request is waited for; libcurl asks whenever something moves, and once a second.
+class Waiting {
 public:
-    void whenDue()
+    Waiting(milliseconds total, const std::function<bool()>& isCancelled)
+        : deadline_(Clock::now() + total), isCancelled_(isCancelled)
+    {}
+
+    long millisecondsLeft() const
     {
-        if (Clock::now() < due_)
+        return static_cast<long>(std::chrono::ceil<milliseconds>(deadline_ - Clock::now()).count());
+    }
+
+    static int goOn(void* self, curl_off_t, curl_off_t, curl_off_t, curl_off_t)
+    {
+        auto& waiting = *static_cast<Waiting*>(self);
+        waiting.repaintWhenDue();
+        return waiting.isCancelled_ && waiting.isCancelled_() ? 1 : 0;
+    }
+
+private:
+    /// Draws the windows as they are while no event loop runs: nobody tells us what another window has uncovered.
+    void repaintWhenDue()
+    {
+        if (Clock::now() < repaintDue_)
             return;
         for (QWidget* window : QApplication::topLevelWidgets()) {
             if (window->isVisible())
                 window->repaint();
         }
-        due_ = Clock::now() + kRepaintEvery;
+        repaintDue_ = Clock::now() + kRepaintEvery;
     }
 
-private:
-    Clock::time_point due_ = Clock::now() + kLookUpEvery;
+    Clock::time_point deadline_;
+    const std::function<bool()>& isCancelled_;
+    Clock::time_point repaintDue_ = Clock::now(); // what was set just before shows at once
 };
 
-/// Whether the reply came whole. curl_easy_perform() would look up once a second only, which is too seldom for windows
-/// that have been uncovered and for someone who wants to end the program.
+/// Whether the reply came whole.
 bool perform(CurlTransfer& transfer, milliseconds total, const std::function<bool()>& isCancelled)
 {
-    const MultiHandle multi(curl_multi_init());
-    curl_waitfd nothing = {CURL_SOCKET_BAD, 0, 0}; // without any, libcurl does not wait while it looks for a name
-    const auto deadline = Clock::now() + total;
-    const auto isOver = [&] { return Clock::now() >= deadline || (isCancelled && isCancelled()); };
-    Repaint repaint;
+    Waiting waiting(total, isCancelled);
     CURLcode result = CURLE_OK;
     while (transfer.nextHop(result)) {
-        curl_multi_add_handle(multi.get(), transfer.handle());
-        int running = 1;
-        while (running > 0 && !isOver()) {
-            curl_multi_wait(multi.get(), &nothing, 1, static_cast<int>(kLookUpEvery.count()), nullptr);
-            if (curl_multi_perform(multi.get(), &running) != CURLM_OK)
-                break;
-            repaint.whenDue();
-        }
-        int left = 0;
-        const CURLMsg* message = curl_multi_info_read(multi.get(), &left);
-        result = message ? message->data.result : CURLE_OPERATION_TIMEDOUT;
-        curl_multi_remove_handle(multi.get(), transfer.handle());
+        CURL* handle = transfer.handle();
+        const long left = waiting.millisecondsLeft();
+        const bool isReady = left > 0 && curl_easy_setopt(handle, CURLOPT_TIMEOUT_MS, left) == CURLE_OK &&
+                             curl_easy_setopt(handle, CURLOPT_XFERINFOFUNCTION, &Waiting::goOn) == CURLE_OK &&
+                             curl_easy_setopt(handle, CURLOPT_XFERINFODATA, &waiting) == CURLE_OK &&
+                             curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L) == CURLE_OK;
+        if (!isReady)
+            return false;
+        result = curl_easy_perform(handle);
     }
     return result == CURLE_OK;
 }
