@@ -15,6 +15,9 @@
 #include <QSplitter>
 #include <QTest>
 
+#include <map>
+#include <string>
+
 namespace test {
 
 using testing::ElementsAre;
@@ -67,6 +70,19 @@ TEST_F(EditingViewTest, TheTitleNamesThePlugin)
     EXPECT_EQ(find<>("cwinMainWindow")->windowTitle(), QStringLiteral("kvOrvantaLogic Tool[*]"));
     load();
     EXPECT_EQ(find<>("cwinMainWindow")->windowTitle(), QStringLiteral("Synth[*] \u2013 kvOrvantaLogic Tool"));
+}
+
+TEST_F(EditingViewTest, AButtonWhoseCaptionIsTooShortIsSpokenInWords)
+{
+    load();
+    const std::map<std::string, std::string> spoken = {
+        {"firstPageButtonPressed", "Show first page"}, {"prevPageButtonPressed", "Show previous page"},
+        {"nextPageButtonPressed", "Show next page"},   {"lastPageButtonPressed", "Show last page"},
+        {"kvMovePage_First", "Move page to first"},    {"kvMovePage_Prev", "Move page to previous"},
+        {"kvMovePage_Next", "Move page to next"},      {"kvMovePage_Last", "Move page to last"},
+    };
+    for (const auto& [button, words] : spoken)
+        EXPECT_EQ(find<>(button.c_str())->accessibleName().toStdString(), words) << button;
 }
 
 TEST_F(EditingViewTest, UndoAndRedoSayWhatTheyWouldDo)

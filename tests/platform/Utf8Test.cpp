@@ -15,4 +15,14 @@ TEST(Utf8, IsAsciiOnlyWithoutAnyHighByte)
         EXPECT_FALSE(platform::isAscii(text)) << text;
 }
 
+TEST(Utf8, IsThatOfWholeShortestCodePointsThroughout)
+{
+    for (const char* text : {"", "plain", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xEE\x80\x80",
+                             "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"})
+        EXPECT_TRUE(platform::isUtf8(text)) << text;
+    for (const char* text : {"\x80", "a\xC3", "\xC0\xAF", "\xC3(", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xED\xBF\xBF",
+                             "\xE2\x82", "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF"})
+        EXPECT_FALSE(platform::isUtf8(text)) << text;
+}
+
 } // namespace

@@ -4,11 +4,32 @@
 #include <utility>
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 namespace test {
+
+namespace {
+
+/// The same socket, which programs that a test starts do not inherit.
+int closedOnExec(int socket)
+{
+    ::fcntl(socket, F_SETFD, FD_CLOEXEC);
+    return socket;
+}
+
+sockaddr_in loopback(std::uint16_t port)
+{
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(port);
+    return address;
+}
+
+} // namespace
 
 bool ScriptedPeer::Connection::send(std::string_view bytes)
 {
@@ -36,11 +57,9 @@ bool ScriptedPeer::Connection::wait(std::chrono::milliseconds time)
     return !peer_.ended_.wait_for(lock, time, [this] { return peer_.isEnding_; });
 }
 
-ScriptedPeer::ScriptedPeer() : listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
+ScriptedPeer::ScriptedPeer() : listener_(closedOnExec(::socket(AF_INET, SOCK_STREAM, 0)))
 {
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    sockaddr_in address = loopback(0);
     socklen_t size = sizeof address;
     auto* const general = reinterpret_cast<sockaddr*>(&address);
     if (::bind(listener_, general, size) != 0 || ::listen(listener_, 64) != 0 ||
@@ -59,8 +78,12 @@ ScriptedPeer::~ScriptedPeer()
             ::shutdown(socket, SHUT_RDWR);
     }
     ended_.notify_all();
-    ::shutdown(listener_, SHUT_RDWR);
+    // A Mac does not wake who accepts when the socket is shut down; another connection does.
+    const int caller = ::socket(AF_INET, SOCK_STREAM, 0);
+    const sockaddr_in address = loopback(port_);
+    ::connect(caller, reinterpret_cast<const sockaddr*>(&address), sizeof address);
     acceptor_.join();
+    ::close(caller);
     ::close(listener_);
     for (std::thread& thread : threads_)
         thread.join();
@@ -110,7 +133,7 @@ std::vector<std::string> ScriptedPeer::requestLines() const
 void ScriptedPeer::accept()
 {
     for (;;) {
-        const int socket = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+        const int socket = closedOnExec(::accept(listener_, nullptr, nullptr));
         const std::lock_guard lock(mutex_);
         if (isEnding_ || socket < 0) {
             if (socket >= 0)

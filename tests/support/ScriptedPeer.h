@@ -3,6 +3,7 @@
 // script a connection. Listens on a free port of 127.0.0.1.
 
 #include <chrono>
+#include <cstdint>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -66,7 +67,7 @@ private:
     Script scriptFor(const std::string& request);
 
     int listener_;
-    int port_ = 0;
+    std::uint16_t port_ = 0;
     mutable std::mutex mutex_;
     std::condition_variable ended_;
     bool isEnding_ = false;

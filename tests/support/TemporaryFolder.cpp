@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include <stdlib.h>
+#include <unistd.h> // where a Mac has mkdtemp()
 
 namespace test {
 
