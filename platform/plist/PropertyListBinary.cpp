@@ -77,19 +77,6 @@ std::optional<Integer> integerFrom(std::string_view bytes)
     return high == 0 ? Integer(low) : Integer(static_cast<std::int64_t>(low));
 }
 
-void appendUtf8(std::string& out, char32_t point)
-{
-    if (point < 0x80) {
-        out += static_cast<char>(point);
-        return;
-    }
-    const int followers = point < 0x800 ? 1 : point < 0x10000 ? 2 : 3;
-    out += static_cast<char>((0xF80u >> followers & 0xF0u) | point >> 6 * followers);
-    for (int i = followers - 1; i >= 0; --i) {
-        out += static_cast<char>(0x80 | (point >> 6 * i & 0x3F));
-    }
-}
-
 // A pair of surrogates is one character, a lone one stays in three bytes.
 std::string utf8FromUtf16(std::string_view bytes)
 {
@@ -128,7 +115,7 @@ private:
 
     bool readTrailer()
     {
-        if (bytes_.size() < kMagic.size() + kTrailerSize || !bytes_.starts_with(kMagic)) {
+        if (bytes_.size() < kMagic.size() + kTrailerSize || !bytes_.starts_with(kBinaryStart)) {
             return false;
         }
         const std::string_view trailer = bytes_.substr(bytes_.size() - kTrailerSize);

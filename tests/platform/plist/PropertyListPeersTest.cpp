@@ -83,7 +83,7 @@ void store(const fs::path& path, std::string_view bytes)
 
 int runPeer(const char* command, const fs::path& folder)
 {
-    const std::string script = std::string(KV_TESTS_DIR) + "/platform/plist_peer.py";
+    const std::string script = std::string(KV_TESTS_DIR) + "/platform/plist/plist_peer.py";
     const pid_t child = fork();
     if (child == 0) {
         execlp("python3", "python3", "-B", script.c_str(), command, folder.c_str(), static_cast<char*>(nullptr));
@@ -224,6 +224,12 @@ TEST_F(PropertyListPeers, ReadWhatWeWriteAndWriteWhatWeRead)
     }
 
     EXPECT_EQ(runPeer("check", folder_), 0) << "what differs is on standard output";
+}
+
+// What values.txt says is ours, and of plistlib whether it reads a file as the same.
+TEST_F(PropertyListPeers, ReadEveryFileOfTheRulesAsTheTableSays)
+{
+    EXPECT_EQ(runPeer("rules", fs::path(KV_TESTS_DIR) / "data/plist"), 0) << "what differs is on standard output";
 }
 
 } // namespace
