@@ -76,10 +76,11 @@ TEST_F(KeyboardTest, ArrowsMoveInTheListWhileTheSearchHasTheFocus)
     load();
     focus("parameterSearch");
     type("knob 1");
-    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 0);
+    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 1);
     key(Qt::Key_Down);
     key(Qt::Key_Down);
-    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 2);
+    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 3);
+    key(Qt::Key_Up);
     key(Qt::Key_Up);
     EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 1);
     EXPECT_TRUE(searchHasFocus());
@@ -197,7 +198,6 @@ TEST_F(KeyboardTest, UndoTakesBackTypingRightAfterItAndElseTheLastEdit)
     EXPECT_EQ(potLabel(1), "Knob 9");
     find<QLineEdit>("parameterSearch")->clear();
     type("knob 12");
-    key(Qt::Key_Down);
     key(Qt::Key_2, Qt::ControlModifier);
     EXPECT_EQ(potLabel(2), "Knob 12");
     key(Qt::Key_Z, Qt::ControlModifier);
