@@ -118,7 +118,7 @@ QWidget* makePluginColumn()
                           plugins::kFileLocation);
     list->setSortingEnabled(true);
     list->sortByColumn(0, Qt::AscendingOrder);
-    list->leaveTypingToTheWindow();
+    list->chooseDeliberately();
     QHBoxLayout* top = row({heading});
     top->addStretch(1);
     addGroup(top, ButtonRow::scan);
