@@ -179,6 +179,8 @@ void RecordListView::mouseMoveEvent(QMouseEvent* event)
 
 void RecordListView::mouseReleaseEvent(QMouseEvent* event)
 {
+    if (isDeliberate_ && event->button() != Qt::LeftButton)
+        return;
     {
         const QScopedValueRollback guard(isOnlyMarking_, isDeliberate_);
         QTreeView::mouseReleaseEvent(event);
@@ -304,8 +306,8 @@ void RecordListView::rested()
     // What is being done acts on the row that is chosen, to its end.
     if (isKeyHeld_ || QApplication::activeModalWidget() || QGuiApplication::mouseButtons() != Qt::NoButton)
         rest_.start();
-    else
-        choose(selectedRow());
+    else if (const std::int32_t row = selectedRow(); row != ArrayController::kNoSelection)
+        choose(row);
 }
 
 std::int32_t RecordListView::selectedRow() const
@@ -317,6 +319,7 @@ std::int32_t RecordListView::selectedRow() const
 void RecordListView::showSelection()
 {
     rest_.stop();
+    pressedRow_ = ArrayController::kNoSelection; // it may be another one's place now
     const QScopedValueRollback guard(showingSelection_, true);
     const std::int32_t row = rows_->selectionIndex();
     if (row == ArrayController::kNoSelection) {

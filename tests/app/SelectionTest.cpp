@@ -304,6 +304,19 @@ TEST_F(SelectionTest, APressThatIsLetGoElsewhereLoadsNothing)
     }
 }
 
+TEST_F(SelectionTest, APressDuringWhichTheRowsAreOrderedAnewLoadsNothing)
+{
+    launch();
+    select("Effect");
+    EXPECT_EQ(loadsDuring([this] {
+                  QTest::mousePress(list()->viewport(), Qt::LeftButton, {}, cell(1));
+                  list()->sortByColumn(0, Qt::DescendingOrder);
+                  QTest::mouseRelease(list()->viewport(), Qt::LeftButton, {}, cell(1));
+              }),
+              0);
+    EXPECT_EQ(selectedRow("pluginTableView"), 1);
+}
+
 TEST_F(SelectionTest, OtherButtonsChooseNothing)
 {
     launch();
