@@ -105,6 +105,7 @@ RecordListView::RecordListView(std::vector<RecordColumn> columns, std::string to
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     rest_.setObjectName(QStringLiteral("rest"));
     rest_.setSingleShot(true);
+    rest_.setTimerType(Qt::PreciseTimer); // others may come early
     rest_.setInterval(kRestMs);
     connect(&rest_, &QTimer::timeout, this, &RecordListView::rested);
     selection_ = rows_->selectionChanged.connect([this] { showSelection(); });
