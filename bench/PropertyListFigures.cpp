@@ -1,6 +1,6 @@
-// A parameter-order file of a hundred thousand texts, read and written, beside Debian's converter of property lists.
-// The converter only copies a file that is in the form asked for already, so both convert to the other one. What the
-// converter's library takes to read and write one form, in this process, is told too.
+// A parameter-order file of a hundred thousand texts, read and written, beside Debian's converter of property lists and
+// its library. In one form it is the library, in this process: the converter only copies a file that is in the form
+// asked for already. From file to file both convert to the other form.
 
 #include "bench/ChildProcess.h"
 #include "bench/Figure.h"
@@ -92,16 +92,16 @@ struct Files {
     std::string bytes;
 };
 
-void addForm(Form form, double limit)
+void addForm(Form form, double sameFormLimit, double convertedLimit)
 {
     const std::string name = form == Form::xml ? "XML" : "binary";
     const Form other = form == Form::xml ? Form::binary : Form::xml;
-    add(Figure{"same form again, 100,000 texts, " + name, "plistutil's library", 0, 9, [form] {
+    add(Figure{"same form again, 100,000 texts, " + name, "plistutil's library", sameFormLimit, 9, [form] {
                    const auto files = std::make_shared<Files>(kTexts, form);
                    return std::pair<Measure, Measure>([files] { return files->parseAndWrite(); },
                                                       [files, form] { return files->libraryParseAndWrite(form); });
                }});
-    add(Figure{"parse and write 100,000 texts, from " + name, "plistutil", limit, 9, [form, other] {
+    add(Figure{"parse and write 100,000 texts, from " + name, "plistutil", convertedLimit, 9, [form, other] {
                    const auto files = std::make_shared<Files>(kTexts, form);
                    const double start = files->converterStart(other);
                    return std::pair<Measure, Measure>(
@@ -118,8 +118,8 @@ void addForm(Form form, double limit)
 
 void addPropertyListFigures()
 {
-    addForm(Form::xml, 1.0);
-    addForm(Form::binary, 0.5);
+    addForm(Form::xml, 0.6, 1.0);
+    addForm(Form::binary, 0.5, 0.5);
 }
 
 } // namespace bench

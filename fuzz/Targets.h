@@ -7,8 +7,10 @@
 
 namespace fuzz {
 
-/// A property list: what is accepted reads back as the same from both forms.
+/// A property list: what is accepted reads back as the same from both forms that are written.
 void propertyList(std::string_view bytes);
+/// The same of an old-style list.
+void oldStyleList(std::string_view bytes);
 /// The community server's listing.
 void listing(std::string_view bytes);
 /// Any other reply of the server, and texts on their way there.

@@ -16,6 +16,11 @@ struct CodePoint {
 /// The code point that starts at `at`; a lone surrogate in three bytes counts as well-formed.
 CodePoint codePointAt(std::string_view text, std::size_t at);
 
+constexpr bool isSurrogate(char32_t point)
+{
+    return point >= 0xD800 && point <= 0xDFFF;
+}
+
 /// A surrogate takes three bytes.
 void appendUtf8(std::string& text, char32_t point);
 

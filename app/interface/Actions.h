@@ -57,8 +57,8 @@ public:
     Mark mark = Mark::none;
     QAction::MenuRole role = QAction::TextHeuristicRole;
     Keys keys = {};
-    QString plainKey = {}; ///< works while the parameter list or the panel has the focus
-    bool repeats = false;  ///< while a key is held down; nothing that edits does, but what can be taken back again
+    Keys plainKeys = {};  ///< work on the panel, a pot's in the parameter list too, a page's on the strip
+    bool repeats = false; ///< while a key is held down; nothing that edits does, but what can be taken back again
     Needs needs = Needs::nothing;
     Call call = nullptr; ///< null: what its button does by itself, or what somebody connects who knows more
 

@@ -101,8 +101,9 @@ const OutletEntry<Window> kWindows[] = {
     {"cwinCloudWindow", &Outlets::setCwinCloudWindow},
 };
 
-/// Where the plain keys of actions work.
-const char* const kPlainKeyPlaces[] = {"tablePlistOfSelectedPlugin", "frontPanel"};
+/// Where the plain keys of pots and of pages work.
+const char* const kPotKeyPlaces[] = {"tablePlistOfSelectedPlugin", "frontPanel"};
+const char* const kPageKeyPlaces[] = {"frontPanel", "pageOverview"};
 
 void bindTextField(const std::shared_ptr<TextField>& field, QWidget* widget)
 {
@@ -225,13 +226,13 @@ void Interface::connectActions()
             connectCall(action, item);
         if (auto* button = find<QAbstractButton>(action.buttonName()))
             join(button, item, action);
-        if (action.plainKey.isEmpty())
-            continue;
-        for (const char* place : kPlainKeyPlaces) {
-            auto* key = new QShortcut(QKeySequence(action.plainKey), find<QWidget>(place));
-            key->setAutoRepeat(action.repeats);
-            key->setContext(Qt::WidgetWithChildrenShortcut);
-            QObject::connect(key, &QShortcut::activated, item, &QAction::trigger);
+        for (const QKeySequence& plain : action.plainKeys.sequences) {
+            for (const char* place : action.pot > 0 ? kPotKeyPlaces : kPageKeyPlaces) {
+                auto* key = new QShortcut(plain, find<QWidget>(place));
+                key->setAutoRepeat(action.repeats);
+                key->setContext(Qt::WidgetWithChildrenShortcut);
+                QObject::connect(key, &QShortcut::activated, item, &QAction::trigger);
+            }
         }
     }
     controller_.kv_btn_cloudLibrary()->enabled.set(false); // until somebody is logged in

@@ -9,6 +9,7 @@
 #include "app/interface/panel/FrontPanel.h"
 #include "app/interface/panel/PageOverview.h"
 #include "mapping/ParameterOrder.h"
+#include "platform/controls/ArrayController.h"
 #include "platform/qt/Bindings.h"
 #include "platform/qt/ElidedLabel.h"
 #include "platform/qt/RecordListView.h"
@@ -117,7 +118,7 @@ QWidget* makePluginColumn()
                           plugins::kFileLocation);
     list->setSortingEnabled(true);
     list->sortByColumn(0, Qt::AscendingOrder);
-    list->leaveTypingToTheWindow();
+    list->chooseDeliberately();
     QHBoxLayout* top = row({heading});
     top->addStretch(1);
     addGroup(top, ButtonRow::scan);
@@ -127,6 +128,14 @@ QWidget* makePluginColumn()
     layout->addLayout(top);
     layout->addWidget(list, 1);
     return column;
+}
+
+/// A press while searching is meant for what was found, never for the blank entry, which every search leaves on top.
+void selectFound(platform::ArrayController& parameters)
+{
+    const platform::Record* selected = parameters.selection();
+    if (!parameters.filterText.get().empty() && (!selected || mapping::isEmptyEntry(*selected)))
+        parameters.setSelectionIndex(1); // none when nothing was found
 }
 
 QWidget* makeParameterColumn()
@@ -144,6 +153,7 @@ QWidget* makeParameterColumn()
     search->setAccessibleName(QObject::tr("Search parameters"));
     search->setList(list);
     platform::qt::bindFilter(list->rows(), search);
+    QObject::connect(search, &QLineEdit::textChanged, list, [list] { selectFound(*list->rows()); });
     auto* unmapped = new QCheckBox;
     label(*unmapped, Action::named("unmappedOnlyItem"));
     QHBoxLayout* top = row({heading});

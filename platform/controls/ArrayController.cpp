@@ -45,8 +45,7 @@ void ArrayController::rearrange()
     arrange();
     if (selected) {
         const auto row = std::find(arranged_.begin(), arranged_.end(), position);
-        const auto shownAt = static_cast<std::int32_t>(row - arranged_.begin());
-        selectionIndex_ = row != arranged_.end() ? shownAt : (arranged_.empty() ? kNoSelection : 0);
+        selectionIndex_ = row != arranged_.end() ? static_cast<std::int32_t>(row - arranged_.begin()) : kNoSelection;
     }
     arrangedChanged.emit();
     selectionChanged.emit();

@@ -39,7 +39,7 @@ public:
 
     /// How content becomes rows; without one every record is shown in content order.
     void setArrangement(Arrangement arrangement);
-    /// Arranges anew. A selected row that is still shown stays selected, otherwise the first row is.
+    /// Arranges anew. A selected row that is still shown stays selected, otherwise none is.
     void rearrange();
 
     std::int32_t arrangedCount() const { return static_cast<std::int32_t>(arranged_.size()); }

@@ -1,6 +1,7 @@
 #include "platform/plist/PropertyList.h"
 
 #include "platform/plist/PropertyListCodec.h"
+#include "platform/plist/TextEncoding.h"
 
 #include <algorithm>
 #include <array>
@@ -39,11 +40,9 @@ std::optional<double> decimalFrom(const std::string& text)
         return std::nullopt;
     }
     char* end = nullptr;
-    const double number = strtod_l(text.c_str(), &end, kClassic);
-    const std::string mantissa = text.substr(0, text.find_first_of("eE"));
-    const bool tooSmall = number == 0 && mantissa.find_first_of("123456789") != text.npos;
+    const double number = strtod_l(text.c_str(), &end, kClassic); // infinite or zero where it does not fit
     const bool complete = !text.empty() && end == text.c_str() + text.size();
-    return complete && !std::isinf(number) && !tooSmall ? std::optional(number) : std::nullopt;
+    return complete ? std::optional(number) : std::nullopt;
 }
 
 } // namespace
@@ -219,7 +218,6 @@ bool Value::operator==(const Value& other) const
 
 std::string_view trimmed(std::string_view text)
 {
-    constexpr std::string_view kBlanks = " \t\r\n";
     const std::size_t first = text.find_first_not_of(kBlanks);
     return first == text.npos ? std::string_view() : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
@@ -231,9 +229,15 @@ std::optional<Document> parse(std::string_view bytes)
     if (bytes.size() > kMaxFileBytes) {
         return std::nullopt;
     }
-    const Form form = bytes.starts_with("bplist") ? Form::binary : Form::xml;
-    std::optional<Value> root = form == Form::binary ? readBinary(bytes) : readXml(bytes);
-    return root ? std::optional(Document{std::move(*root), form}) : std::nullopt;
+    if (auto root = bytes.starts_with(kBinaryStart) ? readBinary(bytes) : std::nullopt) {
+        return Document{std::move(*root), Form::binary};
+    }
+    const DecodedText decoded(bytes);
+    auto root = readXml(decoded.text());
+    if (!root && decoded.isWhole()) {
+        root = readOldStyle(decoded.text());
+    }
+    return root ? std::optional(Document{std::move(*root), Form::xml}) : std::nullopt;
 }
 
 std::string write(const Document& document)

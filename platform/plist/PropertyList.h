@@ -1,6 +1,6 @@
 #pragma once
 
-// Property lists: values, the XML and the binary form, and the way from bytes to values and back.
+// Property lists: values, the XML, the binary and the old-style form, and the way from bytes to values and back.
 // What is read, written and read again is the same to the byte and to the bit, the order of keys included. Any bytes
 // may be handed in: what is not a property list is refused, within bounds of depth, time and memory.
 
@@ -51,7 +51,7 @@ struct Data {
     bool operator==(const Data&) const = default;
 };
 
-// A moment as an XML file writes it: [-]Y-M-D[THH[:MM[:SS[.fraction]]]][Z].
+// A moment as an XML file writes it: [-]YYYY-MM-DDThh:mm:ssZ, and wider: [-]Y-M-D[Thh[:mm[:ss[.fraction]]]][Z].
 struct DateText {
     std::string text;
     bool operator==(const DateText&) const = default;
@@ -119,9 +119,9 @@ struct Document {
     Form form = Form::xml;
 };
 
-// The document in these bytes, in whichever form; nothing if they are no property list. Refused are also declarations
-// in the document type (entities stand there), files of more than 64 MiB, more than 512 levels, and more than a million
-// values or 64 MiB of text, counted at every use.
+// The document in these bytes, in whichever form; nothing if they are no property list. An old-style list, which is
+// never written, counts as XML. Refused are also files of more than 64 MiB, as they stand or as UTF-8, more than 512
+// levels, and more than a million values or 64 MiB of text, counted at every use.
 std::optional<Document> parse(std::string_view bytes);
 
 // The bytes of a file in the document's form. A document with a value that XML cannot hold (a control character, a

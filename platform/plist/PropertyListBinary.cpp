@@ -123,7 +123,7 @@ private:
 
     bool readTrailer()
     {
-        if (bytes_.size() < kMagic.size() + kTrailerSize || !bytes_.starts_with(kMagic)) {
+        if (bytes_.size() < kMagic.size() + kTrailerSize || !bytes_.starts_with(kBinaryStart)) {
             return false;
         }
         const std::string_view trailer = bytes_.substr(bytes_.size() - kTrailerSize);

@@ -1,7 +1,7 @@
 #pragma once
 
-// What the sources of the property-list codec share: the two readers and writers, their bounds, and the text of
-// numbers, dates and characters.
+// What the sources of the property-list codec share: the readers and writers of the forms, their bounds, and the text
+// of numbers, dates and characters.
 
 #include "platform/Utf8.h"
 #include "platform/plist/PropertyList.h"
@@ -13,7 +13,12 @@ inline constexpr std::size_t kMaxTextBytes = std::size_t{64} << 20;
 inline constexpr std::size_t kMaxValues = 1'000'000;
 inline constexpr std::size_t kMaxDepth = 512;
 
-std::optional<Value> readXml(std::string_view bytes);
+// Of a binary file; its version's last digit follows.
+inline constexpr std::string_view kBinaryStart = "bplist0";
+
+// Whatever follows the root's end is ignored. Neither of the texts has a byte-order mark.
+std::optional<Value> readXml(std::string_view utf8);
+std::optional<Value> readOldStyle(std::string_view utf8);
 std::optional<Value> readBinary(std::string_view bytes);
 // Nothing if XML cannot hold some value.
 std::optional<std::string> writeXml(const Value& root);
@@ -29,7 +34,8 @@ std::optional<double> secondsOfDate(std::string_view text);
 // YYYY-MM-DDTHH:MM:SSZ; nothing if such a text would not read back as the same seconds.
 std::optional<std::string> dateOfSeconds(Real seconds);
 
-// Without the blanks of XML at both ends.
+inline constexpr std::string_view kBlanks = " \t\r\n"; // of XML
+// Without them at both ends.
 std::string_view trimmed(std::string_view text);
 
 } // namespace platform::plist

@@ -1,13 +1,11 @@
 #include "platform/plist/PropertyListCodec.h"
 
-#include <expat.h>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdlib>
-#include <functional>
-#include <memory>
+#include <cstdint>
+#include <system_error>
+#include <utility>
 
 namespace platform::plist {
 
@@ -22,23 +20,23 @@ enum class Element { string, key, dict, array, integer, real, truth, untruth, da
 constexpr std::array<std::string_view, 11> kElementNames = {"string", "key",   "dict", "array", "integer", "real",
                                                             "true",   "false", "data", "date",  "plist"};
 
-Element elementNamed(std::string_view name)
-{
-    return static_cast<Element>(std::find(kElementNames.begin(), kElementNames.end(), name) - kElementNames.begin());
-}
-
 bool isBlank(char c)
 {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r';
 }
 
-// Decimal or hexadecimal, signed.
+bool isBlank(std::string_view text)
+{
+    return std::all_of(text.begin(), text.end(), [](char c) { return isBlank(c); });
+}
+
+// Decimal or hexadecimal, signed; blanks may follow the sign.
 std::optional<Integer> integerFrom(std::string_view text)
 {
     text = trimmed(text);
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+')) {
-        text.remove_prefix(1);
+        text = trimmed(text.substr(1));
     }
     const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
     text.remove_prefix(hexadecimal ? 2 : 0);
@@ -60,187 +58,301 @@ constexpr std::array<std::uint8_t, 256> kBase64Values = [] {
     return values;
 }();
 
-// Base64 with blanks anywhere; the padding may be missing.
+// Base64 in groups of four digits; padding ends a group early, and may be missing at the end. Other ASCII characters
+// are passed over.
 std::optional<Data> dataFrom(std::string_view text)
 {
     Data data;
     data.bytes.reserve(text.size() / 4 * 3 + 3);
     std::uint32_t bits = 0;
-    std::size_t digits = 0, padding = 0;
+    std::size_t digits = 0;
     for (const char c : text) {
         const std::uint8_t value = kBase64Values[static_cast<unsigned char>(c)];
-        if (value < 64 && padding == 0) {
+        if (value < 64) {
             bits = bits << 6 | value;
             if (++digits % 4 != 1) { // from the second digit on, every one completes a byte
                 data.bytes += static_cast<char>(bits >> (8 - digits % 4 * 2) % 8);
             }
         } else if (c == '=') {
-            ++padding;
-        } else if (!isBlank(c)) {
+            digits = 0;
+        } else if (static_cast<unsigned char>(c) >= 0x80) {
             return std::nullopt;
         }
     }
-    const std::size_t left = digits % 4;
-    const bool complete = left != 1 && (padding == 0 || (left != 0 && left + padding == 4));
-    return complete ? std::optional(std::move(data)) : std::nullopt;
+    return data;
 }
 
-// expat gets the file in pieces. It holds a tag or a comment until it is complete, and every name of an attribute, so
-// a long one and too many must find no room.
-constexpr std::size_t kPieceBytes = std::size_t{2} << 20;
-constexpr std::size_t kMaxBlockBytes = 3 * kPieceBytes;
-
-// Older versions of expat join a high surrogate with whatever unit follows it, which would change a text.
-bool surrogatesArePaired(std::string_view utf16)
+// The character that the reference at the start of the text stands for. Takes the reference off.
+std::optional<char32_t> takeReference(std::string_view& text)
 {
-    const bool bigEndian = utf16.front() == '\0' || utf16.front() == '\xFE';
-    bool afterHigh = false;
-    for (std::size_t i = bigEndian ? 0 : 1; i < utf16.size(); i += 2) {
-        const int kind = static_cast<unsigned char>(utf16[i]) & 0xFC;
-        if (afterHigh != (kind == 0xDC)) {
-            return false;
+    constexpr std::array<std::pair<std::string_view, char>, 5> kEntities = {
+        {{"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}, {"&apos;", '\''}}};
+    for (const auto& [name, character] : kEntities) {
+        if (text.starts_with(name)) {
+            text.remove_prefix(name.size());
+            return character;
         }
-        afterHigh = kind == 0xD8;
     }
-    return !afterHigh;
+    const bool hexadecimal = text.starts_with("&#x");
+    if (!text.starts_with("&#")) {
+        return std::nullopt;
+    }
+    std::uint32_t number = 0;
+    const char* const textEnd = text.data() + text.size();
+    const auto [end, error] =
+        std::from_chars(text.data() + (hexadecimal ? 3 : 2), textEnd, number, hexadecimal ? 16 : 10);
+    if (error != std::errc() || end == textEnd || *end != ';' || number > 0x10FFFF || isSurrogate(number)) {
+        return std::nullopt;
+    }
+    text.remove_prefix(static_cast<std::size_t>(end + 1 - text.data()));
+    return number;
 }
 
-// Builds the values from expat's events.
 class XmlReader {
 public:
-    std::optional<Value> read(std::string_view bytes)
+    explicit XmlReader(std::string_view text) : rest_(text) {}
+
+    // What follows the root's end is not looked at.
+    std::optional<Value> read()
     {
-        // UTF-16 shows in its first two bytes; some editors leave the declaration of another encoding.
-        const bool utf16 = bytes.substr(0, 2).find_first_of(std::string_view("\0\xFE\xFF", 3)) != bytes.npos;
-        if (utf16 && !surrogatesArePaired(bytes)) {
-            return std::nullopt;
+        while (takeText() && isBlank(text_) && takeTag()) {
+            if (!(tag_.isEnd ? end() : start())) {
+                return std::nullopt;
+            }
+            if (hasRoot_ && open_.empty() && !wrapped_) {
+                return std::move(root_);
+            }
         }
-        const XML_Memory_Handling_Suite memory = {
-            [](std::size_t size) { return size > kMaxBlockBytes ? nullptr : std::malloc(size); },
-            [](void* block, std::size_t size) { return size > kMaxBlockBytes ? nullptr : std::realloc(block, size); },
-            std::free};
-        const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
-            XML_ParserCreate_MM(utf16 ? "UTF-16" : nullptr, &memory, nullptr), XML_ParserFree);
-        if (!parser) {
-            return std::nullopt;
-        }
-        parser_ = parser.get();
-        setHandlers();
-        // Blank lines above the declaration are common and harmless, but not XML.
-        bytes.remove_prefix(std::min(bytes.find_first_not_of(" \t\r\n"), bytes.size()));
-        return parseInPieces(bytes) && hasRoot_ ? std::optional(std::move(root_)) : std::nullopt;
+        return std::nullopt;
     }
 
 private:
-    void setHandlers()
-    {
-        XML_SetUserData(parser_, this);
-        XML_SetElementHandler(parser_, onStart, onEnd);
-        XML_SetCharacterDataHandler(parser_, onText);
-        XML_SetStartDoctypeDeclHandler(parser_, onDocumentType);
-        XML_SetSkippedEntityHandler(parser_, onSkippedEntity);
-    }
+    struct Tag {
+        Element element;
+        bool isEnd;   // </name>
+        bool isEmpty; // <name/>
+    };
 
-    static void onStart(void* self, const char* name, const char**)
+    // Goes on to the next tag. text_ is what stands before it, without comments and processing instructions.
+    bool takeText(Element element = Element::none)
     {
-        run(self, [&](XmlReader& reader) { return reader.start(elementNamed(name)); });
-    }
-    static void onEnd(void* self, const char*) { run(self, &XmlReader::end); }
-    static void onText(void* self, const char* text, int length)
-    {
-        run(self, [&](XmlReader& reader) { return reader.text({text, static_cast<std::size_t>(length)}); });
-    }
-    // Entities and default attributes are declared in the document type; an undeclared entity may be skipped.
-    static void onDocumentType(void* self, const char*, const char*, const char*, int hasDeclarations)
-    {
-        run(self, [&](XmlReader&) { return !hasDeclarations; });
-    }
-    static void onSkippedEntity(void* self, const char*, int)
-    {
-        run(self, [](XmlReader&) { return false; });
-    }
-
-    // Stops expat where a step fails; it may report the end of the element all the same.
-    static void run(void* self, auto step)
-    {
-        auto& reader = *static_cast<XmlReader*>(self);
-        if (!reader.refused_ && !std::invoke(step, reader)) {
-            reader.refused_ = true;
-            XML_StopParser(reader.parser_, XML_FALSE);
-        }
-    }
-
-    bool parseInPieces(std::string_view bytes)
-    {
-        do {
-            const std::string_view piece = bytes.substr(0, kPieceBytes);
-            bytes.remove_prefix(piece.size());
-            if (XML_Parse(parser_, piece.data(), static_cast<int>(piece.size()), bytes.empty()) != XML_STATUS_OK) {
+        joined_.clear();
+        while (true) {
+            const std::string_view piece = rest_.substr(0, rest_.find('<'));
+            rest_.remove_prefix(piece.size());
+            if (rest_.size() < 2) {
                 return false;
             }
-        } while (!bytes.empty());
-        return !refused_;
+            const bool atTag = rest_[1] != '!' && rest_[1] != '?';
+            if (atTag && joined_.empty() && piece.find('&') == piece.npos) {
+                text_ = piece;
+                return true;
+            }
+            if (!join(piece, element)) {
+                return false;
+            }
+            if (atTag) {
+                text_ = joined_;
+                return true;
+            }
+            if (!takeMarkup()) {
+                return false;
+            }
+        }
     }
 
-    bool start(Element element)
+    bool join(std::string_view piece, Element element)
     {
-        if (leaf_ != Element::none || element == Element::none) {
+        while (true) {
+            const std::size_t plain = std::min(piece.find('&'), piece.size());
+            joined_ += piece.substr(0, plain);
+            piece.remove_prefix(plain);
+            if (piece.empty()) {
+                return true;
+            }
+            if (const auto character = takeReference(piece)) {
+                appendUtf8(joined_, *character);
+            } else if (element == Element::data) { // one more character to be passed over
+                piece.remove_prefix(1);
+            } else {
+                return false;
+            }
+        }
+    }
+
+    // A comment, a processing instruction, a CDATA section, which is text, or the document type.
+    bool takeMarkup()
+    {
+        if (rest_.starts_with("<!--")) {
+            return takeUpTo("-->", 4).has_value();
+        }
+        if (rest_.starts_with("<?")) {
+            return takeUpTo("?>", 2).has_value();
+        }
+        if (rest_.starts_with("<![CDATA[")) {
+            const auto section = takeUpTo("]]>", 9);
+            joined_ += section.value_or(std::string_view());
+            return section.has_value();
+        }
+        const bool beforeRoot = values_ == 0 && !wrapped_;
+        return beforeRoot && rest_.starts_with("<!DOCTYPE") && takeDocumentType();
+    }
+
+    // What stands between the start, which is as long as that, and the end.
+    std::optional<std::string_view> takeUpTo(std::string_view end, std::size_t startSize)
+    {
+        const std::size_t at = rest_.find(end, startSize);
+        if (at == rest_.npos) {
+            return std::nullopt;
+        }
+        const std::string_view content = rest_.substr(startSize, at - startSize);
+        rest_.remove_prefix(at + end.size());
+        return content;
+    }
+
+    // What it declares is not looked at: only brackets, quotes, comments and processing instructions tell its end.
+    bool takeDocumentType()
+    {
+        int depth = 0;
+        while (true) {
+            rest_.remove_prefix(std::min(rest_.find_first_of("\"'[]<>"), rest_.size()));
+            if (rest_.empty()) {
+                return false;
+            }
+            const char c = rest_.front();
+            if (depth > 0 && (rest_.starts_with("<!--") || rest_.starts_with("<?"))) {
+                if (!takeMarkup()) {
+                    return false;
+                }
+            } else if (c == '"' || c == '\'') {
+                if (!takeUpTo(rest_.substr(0, 1), 1)) {
+                    return false;
+                }
+            } else {
+                rest_.remove_prefix(1);
+                depth += c == '[' || c == '<' ? 1 : -1;
+                if (depth == 0) {
+                    return c == '>';
+                }
+            }
+        }
+    }
+
+    bool takeTag()
+    {
+        tag_.isEnd = rest_.starts_with("</");
+        rest_.remove_prefix(tag_.isEnd ? 2 : 1);
+        const auto name = std::find_if(kElementNames.begin(), kElementNames.end(),
+                                       [&](std::string_view known) { return rest_.starts_with(known); });
+        if (name == kElementNames.end()) {
             return false;
         }
-        if (element == Element::plist) {
-            return open_.empty() && !hasRoot_ && !std::exchange(wrapped_, true);
+        tag_.element = static_cast<Element>(name - kElementNames.begin());
+        rest_.remove_prefix(name->size());
+        return tag_.isEnd ? takeTagEnd() : takeAttributes();
+    }
+
+    bool takeTagEnd()
+    {
+        const auto end = std::find_if_not(rest_.begin(), rest_.end(), [](char c) { return isBlank(c); });
+        const bool good = end != rest_.end() && *end == '>';
+        rest_.remove_prefix(static_cast<std::size_t>(end - rest_.begin()) + (good ? 1 : 0));
+        return good;
+    }
+
+    // They say nothing, but quotes may hide the tag's end.
+    bool takeAttributes()
+    {
+        const char afterName = rest_.empty() ? '\0' : rest_.front();
+        if (afterName != '>' && afterName != '/' && !isBlank(afterName)) {
+            return false;
+        }
+        while (true) {
+            const auto isStop = [](char c) { return c == '>' || c == '"' || c == '\''; };
+            const auto stop = std::find_if(rest_.begin(), rest_.end(), isStop);
+            if (stop == rest_.end()) {
+                return false;
+            }
+            const auto at = static_cast<std::size_t>(stop - rest_.begin());
+            tag_.isEmpty = at > 0 && rest_[at - 1] == '/';
+            rest_.remove_prefix(at);
+            if (*stop == '>') {
+                rest_.remove_prefix(1);
+                return true;
+            }
+            if (!takeUpTo(rest_.substr(0, 1), 1)) {
+                return false;
+            }
+        }
+    }
+
+    bool start()
+    {
+        const Tag tag = tag_;
+        if (tag.element == Element::plist) {
+            return values_ == 0 && !tag.isEmpty && !std::exchange(wrapped_, true);
         }
         const bool inDictionary = !open_.empty() && open_.back()->asDictionary();
         const bool wantsKey = inDictionary && !keyWaits_;
         const bool wantsValue = open_.empty() ? !hasRoot_ : !wantsKey;
-        if (++values_ > kMaxValues || !(element == Element::key ? wantsKey : wantsValue)) {
+        if (++values_ > kMaxValues || !(tag.element == Element::key ? wantsKey : wantsValue)) {
             return false;
         }
-        if (element != Element::array && element != Element::dict) {
-            leaf_ = element;
-            return true;
+        switch (tag.element) {
+        case Element::array: return startContainer(Array());
+        case Element::dict: return startContainer(Dictionary());
+        default: return takeContent() && endLeaf(tag.element);
         }
-        Value& container = place(element == Element::array ? Value(Array()) : Value(Dictionary()));
-        open_.push_back(&container); // stays where it is: nothing joins its parent while it is open
-        return open_.size() <= kMaxDepth;
     }
 
-    bool text(std::string_view piece)
+    bool startContainer(Value empty)
     {
-        constexpr int kMaxPieces = 8'000'000; // bounds the time: every line feed is a piece of its own
-        const bool takesText = leaf_ != Element::none && leaf_ != Element::truth && leaf_ != Element::untruth;
-        text_.append(takesText ? piece : std::string_view());
-        return ++pieces_ <= kMaxPieces && (takesText || std::all_of(piece.begin(), piece.end(), isBlank));
+        Value& container = place(std::move(empty));
+        if (!tag_.isEmpty) {
+            open_.push_back(&container); // stays where it is: nothing joins its parent while it is open
+        }
+        return open_.size() + (tag_.isEmpty ? 1 : 0) <= kMaxDepth;
+    }
+
+    // The text of a leaf and its end.
+    bool takeContent()
+    {
+        if (tag_.isEmpty) {
+            joined_.clear();
+            text_ = {};
+            return true;
+        }
+        const Element element = tag_.element;
+        return takeText(element) && takeTag() && tag_.isEnd && tag_.element == element;
     }
 
     bool end()
     {
-        if (leaf_ != Element::none) {
-            const bool good = endLeaf(std::exchange(leaf_, Element::none));
-            text_.clear();
-            return good;
+        if (open_.empty()) {
+            return hasRoot_ && tag_.element == Element::plist && std::exchange(wrapped_, false);
         }
-        if (!open_.empty()) { // else it is </plist>
-            open_.pop_back();
-        }
-        return !keyWaits_;
+        const Element opened = open_.back()->asArray() ? Element::array : Element::dict;
+        open_.pop_back();
+        return tag_.element == opened && !keyWaits_;
     }
 
     bool endLeaf(Element element)
     {
         switch (element) {
         case Element::key:
-            open_.back()->asDictionary()->entries.emplace_back(text_, Null());
+            open_.back()->asDictionary()->entries.emplace_back(takenText(), Null());
             keyWaits_ = true;
             return true;
-        case Element::string: return placeIf(std::optional(text_));
+        case Element::string: place(takenText()); return true;
         case Element::data: return placeIf(dataFrom(text_));
-        case Element::date: return secondsOfDate(text_) && placeIf(std::optional(DateText{text_}));
+        case Element::date: return secondsOfDate(text_) && placeIf(std::optional(DateText{takenText()}));
         case Element::integer: return placeIf(integerFrom(text_));
         case Element::real: return placeIf(realFrom(text_));
-        default: return placeIf(std::optional(element == Element::truth));
+        default: place(element == Element::truth); return isBlank(text_);
         }
     }
+
+    std::string takenText() { return joined_.empty() ? std::string(text_) : std::move(joined_); }
 
     template <typename T>
     bool placeIf(std::optional<T> value)
@@ -264,17 +376,16 @@ private:
         return open_.back()->asDictionary()->entries.back().second = std::move(value);
     }
 
-    XML_Parser parser_ = nullptr;
-    bool refused_ = false;
-    bool wrapped_ = false;
+    std::string_view rest_;
+    std::string_view text_;
+    std::string joined_; // text_, where it is none of the file's as it stands
+    Tag tag_ = {};
+    bool wrapped_ = false; // in <plist>
     bool hasRoot_ = false;
     bool keyWaits_ = false; // the open dictionary's last entry has no value yet
     std::size_t values_ = 0;
-    int pieces_ = 0;
     Value root_;
     std::vector<Value*> open_; // containers
-    Element leaf_ = Element::none;
-    std::string text_; // of the open leaf
 };
 
 // Writing
@@ -415,8 +526,7 @@ private:
     static bool isXmlCharacter(char32_t value)
     {
         const bool isControl = value < 0x20 && value != '\t' && value != '\n' && value != '\r';
-        const bool isSurrogate = value >= 0xD800 && value <= 0xDFFF;
-        return !isControl && !isSurrogate && value != 0xFFFE && value != 0xFFFF;
+        return !isControl && !isSurrogate(value) && value != 0xFFFE && value != 0xFFFF;
     }
 
     void putBase64(std::string_view bytes)
@@ -441,9 +551,9 @@ private:
 
 } // namespace
 
-std::optional<Value> readXml(std::string_view bytes)
+std::optional<Value> readXml(std::string_view text)
 {
-    return XmlReader().read(bytes);
+    return XmlReader(text).read();
 }
 
 std::optional<std::string> writeXml(const Value& root)

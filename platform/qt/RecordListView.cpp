@@ -3,8 +3,10 @@
 #include "platform/qt/Typing.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QDrag>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
@@ -16,6 +18,39 @@
 namespace platform::qt {
 
 namespace {
+
+/// How long the keys rest on a row that is meant.
+constexpr int kRestMs = 300;
+
+Qt::KeyboardModifiers modifiersOf(const QKeyEvent& event)
+{
+    return event.modifiers() & ~Qt::KeypadModifier; // which the arrows of a Mac have, too
+}
+
+bool isPageKey(const QKeyEvent& event)
+{
+    return event.key() == Qt::Key_Home || event.key() == Qt::Key_End || event.key() == Qt::Key_PageUp ||
+           event.key() == Qt::Key_PageDown;
+}
+
+bool movesInList(const QKeyEvent& event)
+{
+    return event.key() == Qt::Key_Down || event.key() == Qt::Key_Up || isPageKey(event);
+}
+
+/// Keys that a list with the focus takes for itself, whatever the window would do with them.
+bool belongsToList(const QKeyEvent& event)
+{
+    if (modifiersOf(event) == Qt::ControlModifier)
+        return event.key() == Qt::Key_Home || event.key() == Qt::Key_End;
+    return modifiersOf(event) == Qt::NoModifier && isPageKey(event);
+}
+
+bool choosesRow(const QKeyEvent& event)
+{
+    const bool chooses = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter || event.key() == Qt::Key_Space;
+    return chooses && modifiersOf(event) == Qt::NoModifier;
+}
 
 /// Draws the beginning of each text on one line, so that a long text of several lines neither makes rows high nor takes
 /// long to lay out.
@@ -68,10 +103,11 @@ RecordListView::RecordListView(std::vector<RecordColumn> columns, std::string to
     setSelectionMode(QAbstractItemView::SingleSelection);
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
-    connect(this, &QTreeView::clicked, this, [this](const QModelIndex& index) {
-        if (index.row() == rowBeforePress_)
-            table_->rowChosen.emit();
-    });
+    rest_.setObjectName(QStringLiteral("rest"));
+    rest_.setSingleShot(true);
+    rest_.setTimerType(Qt::PreciseTimer); // others may come early
+    rest_.setInterval(kRestMs);
+    connect(&rest_, &QTimer::timeout, this, &RecordListView::rested);
     selection_ = rows_->selectionChanged.connect([this] { showSelection(); });
 }
 
@@ -127,8 +163,38 @@ void RecordListView::startDrag(Qt::DropActions actions)
 
 void RecordListView::mousePressEvent(QMouseEvent* event)
 {
+    if (isDeliberate_ && event->button() != Qt::LeftButton)
+        return;
+    rest_.stop();
     rowBeforePress_ = selectedRow();
+    pressedRow_ = indexAt(event->position().toPoint()).row();
+    const QScopedValueRollback guard(isOnlyMarking_, isDeliberate_);
     QTreeView::mousePressEvent(event);
+}
+
+void RecordListView::mouseMoveEvent(QMouseEvent* event)
+{
+    if (!isDeliberate_ || event->buttons() == Qt::NoButton) // else the mark would follow the pointer from row to row
+        QTreeView::mouseMoveEvent(event);
+}
+
+void RecordListView::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (isDeliberate_ && event->button() != Qt::LeftButton)
+        return;
+    {
+        const QScopedValueRollback guard(isOnlyMarking_, isDeliberate_);
+        QTreeView::mouseReleaseEvent(event);
+    }
+    if (event->button() != Qt::LeftButton)
+        return;
+    const std::int32_t pressed = std::exchange(pressedRow_, ArrayController::kNoSelection);
+    const bool isClick =
+        pressed != ArrayController::kNoSelection && indexAt(event->position().toPoint()).row() == pressed;
+    if (isClick && (isDeliberate_ || pressed == rowBeforePress_))
+        choose(pressed);
+    else if (isDeliberate_)
+        showSelection();
 }
 
 QItemSelectionModel::SelectionFlags RecordListView::selectionCommand(const QModelIndex& index,
@@ -151,29 +217,98 @@ QModelIndex RecordListView::moveCursor(CursorAction action, Qt::KeyboardModifier
     return QTreeView::moveCursor(action, modifiers);
 }
 
+bool RecordListView::event(QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride && belongsToList(*static_cast<QKeyEvent*>(event))) {
+        event->accept();
+        return true;
+    }
+    return QTreeView::event(event);
+}
+
 void RecordListView::keyPressEvent(QKeyEvent* event)
 {
-    if (leavesTyping_ && isTyping(*event)) {
-        event->ignore();
+    if (isTyping(*event) && (leavesTyping_ || isDeliberate_)) {
+        event->setAccepted(!leavesTyping_);
         return;
     }
+    if (!isDeliberate_) {
+        moveByKey(event);
+        return;
+    }
+    if (choosesRow(*event)) {
+        if (!event->isAutoRepeat() && currentIndex().isValid())
+            choose(currentIndex().row());
+        return;
+    }
+    const QScopedValueRollback guard(isOnlyMarking_, true);
+    moveByKey(event);
+    if (!movesInList(*event))
+        return;
+    isKeyHeld_ = !event->isAutoRepeat();
+    waitForRest();
+}
+
+void RecordListView::moveByKey(QKeyEvent* event)
+{
     QTreeView::keyPressEvent(event);
     // The cursor was there already, so Qt moved nothing and selected nothing.
-    const bool moves = event->key() == Qt::Key_Down || event->key() == Qt::Key_Up || event->key() == Qt::Key_Home ||
-                       event->key() == Qt::Key_End || event->key() == Qt::Key_PageDown ||
-                       event->key() == Qt::Key_PageUp;
-    if (moves && selectedRow() == ArrayController::kNoSelection && currentIndex().isValid())
+    if (movesInList(*event) && selectedRow() == ArrayController::kNoSelection && currentIndex().isValid())
         selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
+void RecordListView::keyReleaseEvent(QKeyEvent* event)
+{
+    QTreeView::keyReleaseEvent(event);
+    if (!movesInList(*event) || event->isAutoRepeat())
+        return;
+    isKeyHeld_ = false;
+    if (rest_.isActive())
+        waitForRest();
+}
+
+void RecordListView::keyboardSearch(const QString& search)
+{
+    if (!isDeliberate_)
+        QTreeView::keyboardSearch(search);
+}
+
+void RecordListView::focusOutEvent(QFocusEvent* event)
+{
+    QTreeView::focusOutEvent(event);
+    isKeyHeld_ = false; // it is let go elsewhere
 }
 
 void RecordListView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
 {
     QTreeView::selectionChanged(selected, deselected);
     const std::int32_t row = selectedRow();
-    if (showingSelection_ || row == ArrayController::kNoSelection)
-        return;
+    if (!showingSelection_ && !isOnlyMarking_ && row != ArrayController::kNoSelection)
+        choose(row);
+}
+
+void RecordListView::choose(std::int32_t row)
+{
+    rest_.stop();
     rows_->setSelectionIndex(row);
     table_->rowChosen.emit();
+}
+
+void RecordListView::waitForRest()
+{
+    if (selectedRow() == rows_->selectionIndex())
+        rest_.stop(); // back where they came from
+    else
+        rest_.start();
+}
+
+void RecordListView::rested()
+{
+    // What is being done acts on the row that is chosen, to its end.
+    if (isKeyHeld_ || QApplication::activeModalWidget() || QGuiApplication::mouseButtons() != Qt::NoButton)
+        rest_.start();
+    else if (const std::int32_t row = selectedRow(); row != ArrayController::kNoSelection)
+        choose(row);
 }
 
 std::int32_t RecordListView::selectedRow() const
@@ -184,6 +319,8 @@ std::int32_t RecordListView::selectedRow() const
 
 void RecordListView::showSelection()
 {
+    rest_.stop();
+    pressedRow_ = ArrayController::kNoSelection; // it may be another one's place now
     const QScopedValueRollback guard(showingSelection_, true);
     const std::int32_t row = rows_->selectionIndex();
     if (row == ArrayController::kNoSelection) {

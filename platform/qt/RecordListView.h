@@ -1,11 +1,13 @@
 #pragma once
 // A list of records in columns with one selected row, tied to the array controller and the table view that it has, both
-// ways. A row is chosen by a click, by moving to it with the keyboard, or by a click on the row that is chosen already.
+// ways. A row is chosen by moving to it with mouse or keyboard, or by a click on the row that is chosen already; in a
+// list that is told so, only when somebody means it.
 
 #include "platform/controls/ArrayController.h"
 #include "platform/controls/Controls.h"
 #include "platform/qt/RecordTableModel.h"
 
+#include <QTimer>
 #include <QTreeView>
 
 #include <memory>
@@ -32,13 +34,23 @@ public:
     void setDragType(const QString& mimeType);
     /// Leaves what is typed to the window, instead of looking for a row that begins so.
     void leaveTypingToTheWindow() { leavesTyping_ = true; }
+    /// A row is chosen when the left button is let go where it was pressed, by Return or Space, or when the keys that
+    /// move have rested on it. Until then it is only marked, the array controller keeps the row chosen before, and
+    /// whatever rearranges the rows marks that one again. What is typed goes nowhere.
+    void chooseDeliberately() { isDeliberate_ = true; }
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void startDrag(Qt::DropActions actions) override;
     void dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void keyboardSearch(const QString& search) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override;
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
@@ -46,13 +58,22 @@ protected:
 private:
     std::int32_t selectedRow() const;
     void showSelection();
+    void moveByKey(QKeyEvent* event);
+    void choose(std::int32_t row);
+    void waitForRest();
+    void rested();
 
     std::shared_ptr<ArrayController> rows_ = std::make_shared<ArrayController>();
     std::shared_ptr<TableView> table_ = std::make_shared<TableView>();
     RecordTableModel* records_;
     int roomiestColumn_ = 0; ///< which is what is seen of a row that is dragged
     bool showingSelection_ = false;
+    bool isDeliberate_ = false;
+    bool isOnlyMarking_ = false; ///< the row that is selected just now is not chosen yet
+    bool isKeyHeld_ = false;     ///< its repeats may be still to come
+    QTimer rest_{this};
     std::int32_t rowBeforePress_ = ArrayController::kNoSelection;
+    std::int32_t pressedRow_ = ArrayController::kNoSelection;
     QString hint_;
     bool leavesTyping_ = false;
     Connection selection_;

@@ -19,6 +19,8 @@ protected:
         launch();
         select("Synth");
     }
+
+    std::string selectedParameter() { return controller().arrayControllerPlistSelected()->selectionText("Parameter"); }
 };
 
 TEST_F(AssignmentTest, OneClickAPotLaysARunOfParameters)
@@ -73,8 +75,36 @@ TEST_F(AssignmentTest, ASelectedRowThatIsStillShownStaysSelected)
     EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 2);
     find<QLineEdit>("parameterSearch")->clear();
     EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 4);
+}
+
+TEST_F(AssignmentTest, SearchingAimsAPressAtTheFirstParameterFound)
+{
+    select("Other");
+    typeInto("parameterSearch", "f");
+    EXPECT_EQ(selectedParameter(), "Cutoff Freq") << "from the blank entry, which a load selects";
+    typeInto("parameterSearch", "requ");
+    EXPECT_EQ(selectedParameter(), "Frequ\u00e9nce") << "from a parameter that is hidden now";
+    find<QLineEdit>("parameterSearch")->clear();
+    EXPECT_EQ(selectedParameter(), "Frequ\u00e9nce") << "still, when the field is emptied";
     typeInto("parameterSearch", "osc");
-    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 0) << "the blank entry, when the row is hidden";
+    QTest::keyClick(find("parameterSearch"), Qt::Key_Return);
+    EXPECT_EQ(selectedParameter(), "Osc 1 Level");
+    pressPot(2);
+    EXPECT_EQ(potLabel(2), "Osc 1 Level");
+}
+
+TEST_F(AssignmentTest, WhereNothingIsFoundAPressIsIgnored)
+{
+    typeInto("parameterSearch", "24x");
+    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), -1);
+    pressPot(1);
+    EXPECT_EQ(potLabel(1), "Knob 1");
+    EXPECT_FALSE(controller().history().canUndo());
+    find<QLineEdit>("parameterSearch")->backspace();
+    EXPECT_EQ(selectedParameter(), "Knob 24") << "found again";
+    typeInto("parameterSearch", "x");
+    find<QLineEdit>("parameterSearch")->clear();
+    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), -1) << "emptying the field aims at nothing, either";
 }
 
 TEST_F(AssignmentTest, AssigningAndSteppingCountInTheRowsShown)
@@ -89,7 +119,8 @@ TEST_F(AssignmentTest, AssigningAndSteppingCountInTheRowsShown)
 
 TEST_F(AssignmentTest, APotCanBeClearedWhileSearching)
 {
-    typeInto("parameterSearch", "nothing like it");
+    typeInto("parameterSearch", "2");
+    chooseParameter("-");
     pressPot(1);
     EXPECT_EQ(potLabel(1), "-");
 }

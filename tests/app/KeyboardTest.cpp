@@ -50,8 +50,8 @@ protected:
 
 TEST_F(KeyboardTest, LettersTypedAnywhereGoIntoTheSearch)
 {
-    for (const char* place : {"pluginTableView", "tablePlistOfSelectedPlugin", "kvRotaryBtn3", "kvExportToPlist",
-                              "kvPluginMode_0", "pageOverview", "unmappedOnly"}) {
+    for (const char* place : {"tablePlistOfSelectedPlugin", "kvRotaryBtn3", "kvExportToPlist", "kvPluginMode_0",
+                              "pageOverview", "unmappedOnly"}) {
         load();
         focus(place);
         type("knob 2");
@@ -76,10 +76,11 @@ TEST_F(KeyboardTest, ArrowsMoveInTheListWhileTheSearchHasTheFocus)
     load();
     focus("parameterSearch");
     type("knob 1");
-    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 0);
+    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 1);
     key(Qt::Key_Down);
     key(Qt::Key_Down);
-    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 2);
+    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 3);
+    key(Qt::Key_Up);
     key(Qt::Key_Up);
     EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 1);
     EXPECT_TRUE(searchHasFocus());
@@ -125,17 +126,13 @@ TEST_F(KeyboardTest, DigitsPressThePotsFromTheListAndThePanel)
     }
 }
 
-TEST_F(KeyboardTest, DigitsTypedIntoTheSearchOrAtThePluginListAreText)
+TEST_F(KeyboardTest, DigitsTypedIntoTheSearchAreText)
 {
     load();
     controller().arrayControllerPlistSelected()->setSelectionIndex(17);
     focus("parameterSearch");
     type("12345678");
     EXPECT_EQ(search(), "12345678");
-    find<QLineEdit>("parameterSearch")->clear();
-    focus("pluginTableView");
-    type("3");
-    EXPECT_EQ(search(), "3");
     EXPECT_EQ(potLabels().at(2), "Knob 3");
     EXPECT_FALSE(controller().history().canUndo());
 }
@@ -152,21 +149,95 @@ TEST_F(KeyboardTest, CtrlAndADigitPressAPotFromAnywhere)
     }
 }
 
-TEST_F(KeyboardTest, PageKeysStepThroughThePagesFromTheListsAndThePanel)
+TEST_F(KeyboardTest, PageKeysTurnPagesOnPanelAndStripAndWithAltEverywhere)
 {
-    for (const char* place : {"pluginTableView", "tablePlistOfSelectedPlugin", "kvRotaryBtn5", "pageOverview"}) {
+    const std::pair<const char*, Qt::KeyboardModifiers> places[] = {
+        {"kvRotaryBtn5", Qt::NoModifier},     {"pageOverview", Qt::NoModifier},
+        {"kvRotaryBtn5", Qt::AltModifier},    {"pageOverview", Qt::AltModifier},
+        {"pluginTableView", Qt::AltModifier}, {"tablePlistOfSelectedPlugin", Qt::AltModifier},
+        {"parameterSearch", Qt::AltModifier}, {"kvExportToPlist", Qt::AltModifier},
+    };
+    for (const auto& [place, modifiers] : places) {
         load();
         focus(place);
-        key(Qt::Key_PageDown);
+        key(Qt::Key_PageDown, modifiers);
         EXPECT_EQ(mapping::curPage, 2) << place;
-        key(Qt::Key_End);
+        key(Qt::Key_End, modifiers);
         EXPECT_EQ(mapping::curPage, 3) << place;
-        key(Qt::Key_PageUp);
+        key(Qt::Key_PageUp, modifiers);
         EXPECT_EQ(mapping::curPage, 2) << place;
-        key(Qt::Key_Home);
+        key(Qt::Key_Home, modifiers);
         EXPECT_EQ(mapping::curPage, 1) << place;
-        EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 0);
+        EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 0) << place;
+        EXPECT_EQ(selectedRow("pluginTableView"), 0) << place;
     }
+}
+
+TEST_F(KeyboardTest, PageKeysMoveInTheListThatHasTheFocus)
+{
+    for (int plugin = 0; plugin < 40; ++plugin)
+        writeDictionary(builtIn("A " + std::to_string(plugin)), orderFile(numbered(1)));
+    const auto rowAfter = [this](const char* list, Qt::Key pressed, Qt::KeyboardModifiers modifiers = {}) {
+        key(pressed, modifiers);
+        EXPECT_EQ(mapping::curPage, 2) << list;
+        return selectedRow(list);
+    };
+    for (const auto& [list, last] : {std::pair{"pluginTableView", 40}, {"tablePlistOfSelectedPlugin", 400}}) {
+        load(400);
+        click("nextPageButtonPressed");
+        focus(list);
+        EXPECT_EQ(rowAfter(list, Qt::Key_Home), 0) << list;
+        const std::int32_t screen = rowAfter(list, Qt::Key_PageDown);
+        EXPECT_GT(screen, 1) << list;
+        EXPECT_LT(screen, last) << list;
+        EXPECT_EQ(rowAfter(list, Qt::Key_PageUp), 0) << list;
+        EXPECT_EQ(rowAfter(list, Qt::Key_End), last) << list;
+        EXPECT_EQ(rowAfter(list, Qt::Key_Home, Qt::ControlModifier), 0) << list;
+        EXPECT_EQ(rowAfter(list, Qt::Key_End, Qt::ControlModifier), last) << list;
+        // As a Mac sends them, where they are arrows with Fn.
+        EXPECT_EQ(rowAfter(list, Qt::Key_Home, Qt::ControlModifier | Qt::KeypadModifier), 0) << list;
+        EXPECT_FALSE(controller().history().canUndo()) << list << ": no page was moved";
+    }
+}
+
+TEST_F(KeyboardTest, ControlWithPageKeysMovesThePageWhereNoListHasTheFocus)
+{
+    for (const char* place : {"kvRotaryBtn5", "pageOverview", "kvExportToPlist"}) {
+        load();
+        focus(place);
+        key(Qt::Key_End, Qt::ControlModifier);
+        EXPECT_EQ(mapping::curPage, 3) << place;
+        EXPECT_EQ(potLabel(1), "Knob 1") << place;
+        key(Qt::Key_Home, Qt::ControlModifier);
+        EXPECT_EQ(mapping::curPage, 1) << place;
+        EXPECT_EQ(potLabel(1), "Knob 1") << place;
+    }
+}
+
+TEST_F(KeyboardTest, PageKeysElsewhereTurnNoPage)
+{
+    load();
+    for (const char* place : {"kvExportToPlist", "parameterSearch", "kvPluginMode_0", "newPageButtonPressed"}) {
+        focus(place);
+        for (const auto pressed : {Qt::Key_PageDown, Qt::Key_End})
+            key(pressed);
+        EXPECT_EQ(mapping::curPage, 1) << place;
+    }
+}
+
+TEST_F(KeyboardTest, WhatIsTypedInThePluginListGoesNowhere)
+{
+    writeDictionary(builtIn("Knob 2"), orderFile(numbered(1)));
+    load();
+    focus("pluginTableView");
+    type("k3");
+    key(Qt::Key_K, Qt::ShiftModifier);
+    key(Qt::Key_E, Qt::ControlModifier | Qt::AltModifier); // Alt Gr
+    EXPECT_TRUE(find<>("pluginTableView")->hasFocus());
+    EXPECT_EQ(search(), "");
+    EXPECT_EQ(selectedRow("pluginTableView"), 1);
+    EXPECT_EQ(potLabel(3), "Knob 3");
+    EXPECT_FALSE(controller().history().canUndo());
 }
 
 TEST_F(KeyboardTest, HomeAndEndStayWithinTheSearchThatIsTypedInto)
@@ -180,8 +251,6 @@ TEST_F(KeyboardTest, HomeAndEndStayWithinTheSearchThatIsTypedInto)
     type("d");
     EXPECT_EQ(search(), "abcd");
     EXPECT_EQ(mapping::curPage, 1);
-    key(Qt::Key_PageDown);
-    EXPECT_EQ(mapping::curPage, 2);
 }
 
 TEST_F(KeyboardTest, UndoTakesBackTypingRightAfterItAndElseTheLastEdit)
@@ -197,7 +266,6 @@ TEST_F(KeyboardTest, UndoTakesBackTypingRightAfterItAndElseTheLastEdit)
     EXPECT_EQ(potLabel(1), "Knob 9");
     find<QLineEdit>("parameterSearch")->clear();
     type("knob 12");
-    key(Qt::Key_Down);
     key(Qt::Key_2, Qt::ControlModifier);
     EXPECT_EQ(potLabel(2), "Knob 12");
     key(Qt::Key_Z, Qt::ControlModifier);
@@ -232,7 +300,7 @@ TEST_F(KeyboardTest, UndoMeansTheFieldOnlyAsLongAsItHasSomethingToTakeBack)
     focus("parameterSearch");
     key(Qt::Key_1, Qt::ControlModifier);
     type("kn");
-    key(Qt::Key_PageDown); // no edit, so the typing is still what was done last
+    key(Qt::Key_PageDown, Qt::AltModifier); // no edit, so the typing is still what was done last
     key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_NE(search(), "kn");
     EXPECT_TRUE(controller().history().canUndo());
@@ -262,7 +330,7 @@ TEST_F(KeyboardTest, AKeyHeldDownEditsOnlyOnce)
     EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 11);
     holdDown(Qt::Key_N, Qt::ControlModifier, {});
     EXPECT_EQ(mapping::totalPages, 4);
-    holdDown(Qt::Key_PageUp, Qt::NoModifier, {});
+    holdDown(Qt::Key_PageUp, Qt::AltModifier, {});
     EXPECT_EQ(mapping::curPage, 1); // stepping goes on
 }
 
@@ -346,7 +414,7 @@ TEST_F(KeyboardTest, TheMenuBarHoldsEveryOperationWithAShortcutOfItsOwn)
 TEST_F(KeyboardTest, ToolTipsOfButtonsTellTheShortcut)
 {
     load();
-    EXPECT_EQ(toolTip("nextPageButtonPressed"), "Show the page after (PgDown)");
+    EXPECT_EQ(toolTip("nextPageButtonPressed"), "Show the page after (Alt+PgDown)");
     EXPECT_EQ(toolTip("kvExportToPlist"), "Write the mapping into the plug-in's file and keep backups (Ctrl+S)");
     EXPECT_NE(toolTip("kvRotaryBtn3").find("(Ctrl+3)"), std::string::npos);
     EXPECT_NE(toolTip("kv_btn_cloudLibrary").find("(Ctrl+U)"), std::string::npos);
@@ -394,8 +462,10 @@ TEST_F(KeyboardTest, WithoutAPluginTheKeysDoNothing)
     launch();
     activate();
     focus("tablePlistOfSelectedPlugin");
-    for (const auto pressed : {Qt::Key_1, Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End})
+    for (const auto pressed : {Qt::Key_1, Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End}) {
         key(pressed);
+        key(pressed, Qt::AltModifier);
+    }
     key(Qt::Key_1, Qt::ControlModifier);
     key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_TRUE(mapping::plistBuild.empty());

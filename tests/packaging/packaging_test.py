@@ -177,7 +177,6 @@ class DebianPackage(unittest.TestCase):
         for library, package in {
             "libc.so": "libc6",
             "libcurl.so": "libcurl4",
-            "libexpat.so": "libexpat1",
             "libQt6Core.so": "libqt6core6",
             "libQt6Gui.so": "libqt6gui6",
             "libQt6Svg.so": "libqt6svg6",

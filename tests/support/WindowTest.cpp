@@ -108,6 +108,12 @@ void WindowTest::clickRow(const char* list, const std::string& text, int column)
     QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, view->visualRect(rows.front()).center());
 }
 
+void WindowTest::letKeysRest()
+{
+    EXPECT_TRUE(waitUntil(
+        [this] { return selectedRow("pluginTableView") == controller().myArrayController()->selectionIndex(); }));
+}
+
 std::int32_t WindowTest::selectedRow(const char* list) const
 {
     const QModelIndexList rows = find<QAbstractItemView>(list)->selectionModel()->selectedRows();

@@ -61,6 +61,8 @@ protected:
     /// Clicks the first row whose column holds the text.
     void clickRow(const char* list, const std::string& text, int column = 0);
     void select(const std::string& plugin) { clickRow("pluginTableView", plugin); }
+    /// Waits until the keys have rested on a plug-in's row, so that it is loaded.
+    void letKeysRest();
     void chooseParameter(const std::string& name) { clickRow("tablePlistOfSelectedPlugin", name, 1); }
     std::int32_t selectedRow(const char* list) const;
     void typeInto(const char* field, const std::string& text);

@@ -47,7 +47,8 @@ TEST_P(Corpus, HoldsWhatMustHold)
 }
 
 INSTANTIATE_TEST_SUITE_P(, Corpus,
-                         testing::Values(Target{"propertyList", fuzz::propertyList}, Target{"listing", fuzz::listing},
+                         testing::Values(Target{"propertyList", fuzz::propertyList},
+                                         Target{"oldStyleList", fuzz::oldStyleList}, Target{"listing", fuzz::listing},
                                          Target{"replies", fuzz::replies}, Target{"mappingFile", fuzz::mappingFile}),
                          [](const auto& test) { return std::string(test.param.name); });
 

@@ -10,6 +10,7 @@
 #include "mapping/EditingState.h"
 #include "mapping/MappingStore.h"
 #include "mapping/ParameterOrder.h"
+#include "plugins/PluginScan.h"
 #include "tests/trust/RandomUser.h"
 
 #include <QElapsedTimer>
@@ -19,6 +20,7 @@
 #include <iostream>
 #include <map>
 #include <set>
+#include <string_view>
 
 namespace test {
 
@@ -146,11 +148,15 @@ private:
         const auto look = [this](const char* view, const platform::ArrayController& rows) {
             expect(rows.selectionIndex() >= -1 && rows.selectionIndex() < rows.arrangedCount(),
                    std::string("a row that does not exist is selected in ") + view);
-            expectEqual(selectedRow(view), rows.selectionIndex(), std::string("selected row of ") + view);
+            if (std::string_view(view) != "pluginTableView" || !isOnTheWay())
+                expectEqual(selectedRow(view), rows.selectionIndex(), std::string("selected row of ") + view);
             expectEqual(find<QAbstractItemView>(view)->model()->rowCount(), rows.arrangedCount(),
                         std::string("rows of ") + view);
         };
         const auto& parameters = *controller().arrayControllerPlistSelected();
+        if (const platform::Record* plugin = controller().myArrayController()->selection())
+            expectEqual(text("labPluginPlistLocation"), std::string(plugin->text(plugins::kFileLocation)),
+                        "file of the selected plug-in");
         look("pluginTableView", *controller().myArrayController());
         look("tablePlistOfSelectedPlugin", parameters);
         look("cwinPlistAvailable", *controller().arrayController_downloadList());

@@ -12,6 +12,7 @@
 #include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QTest>
+#include <QTimer>
 
 #include <numeric>
 
@@ -107,6 +108,8 @@ const Key kKeys[] = {
     {"A", Qt::Key_A, Qt::ShiftModifier},
 };
 
+constexpr int kForever = 24 * 3600 * 1000;
+
 const char* const kSearches[] = {"Knob", "1", "00", "é", "ホ", "nothing has this", "  ", "%1", "<b>"};
 
 Texts withGaps(Texts order)
@@ -144,12 +147,10 @@ std::string replyTo(const std::string& request, std::size_t number)
 } // namespace
 
 const RandomUser::Deed RandomUser::kDeeds[] = {
-    {24, &RandomUser::pressPotButton},  {24, &RandomUser::pressButton},
-    {3, &RandomUser::choosePlugin},     {14, &RandomUser::chooseRow},
-    {6, &RandomUser::typeSearch},       {20, &RandomUser::pressKey},
-    {1, &RandomUser::sortPlugins},      {8, &RandomUser::drop},
-    {4, &RandomUser::choosePage},       {5, &RandomUser::useCommunity},
-    {3, &RandomUser::typeForCommunity},
+    {24, &RandomUser::pressPotButton}, {24, &RandomUser::pressButton}, {3, &RandomUser::choosePlugin},
+    {14, &RandomUser::chooseRow},      {4, &RandomUser::restOnRow},    {6, &RandomUser::typeSearch},
+    {20, &RandomUser::pressKey},       {1, &RandomUser::sortPlugins},  {8, &RandomUser::drop},
+    {4, &RandomUser::choosePage},      {5, &RandomUser::useCommunity}, {3, &RandomUser::typeForCommunity},
 };
 
 RandomUser::Chance::Chance(unsigned seed, int step)
@@ -170,6 +171,7 @@ void RandomUser::startOver()
     workspace_.opened.clear();
     openCommunity();
     launch();
+    restTimer().setInterval(kForever); // how far the keys get would otherwise be up to the machine
     find<QWidget>("cwinMainWindow")->activateWindow();
 }
 
@@ -202,6 +204,32 @@ std::string RandomUser::pressButton(Chance& chance)
 std::string RandomUser::choosePlugin(Chance& chance)
 {
     return clickRowAt("pluginTableView", chance.below(5));
+}
+
+std::string RandomUser::restOnRow(Chance& chance)
+{
+    if (!isOnTheWay() && chance.below(4) == 0) { // hardly ever do the other keys come there
+        auto* list = find<QAbstractItemView>("pluginTableView");
+        list->setFocus();
+        QTest::keyClick(list, chance.below(2) ? Qt::Key_Down : Qt::Key_Up);
+        return "move on in pluginTableView";
+    }
+    if (!isOnTheWay())
+        return {};
+    restTimer().start(0);
+    waitUntil([this] { return !isOnTheWay(); });
+    restTimer().setInterval(kForever);
+    return "rest in pluginTableView";
+}
+
+bool RandomUser::isOnTheWay() const
+{
+    return restTimer().isActive();
+}
+
+QTimer& RandomUser::restTimer() const
+{
+    return *find("pluginTableView")->findChild<QTimer*>(QStringLiteral("rest"));
 }
 
 std::string RandomUser::chooseRow(Chance& chance)

@@ -9,10 +9,14 @@
 #include <string>
 #include <vector>
 
+class QTimer;
+
 namespace test {
 
 class RandomUser : public WindowTest {
 protected:
+    /// Whether keys have moved in the list of plug-ins and not rested yet. They rest at a step of its own.
+    bool isOnTheWay() const;
     /// New plug-ins on disk and a new run of the program.
     void startOver();
     /// Does what comes at a step and tells what it was.
@@ -43,6 +47,7 @@ private:
     std::string pressPotButton(Chance& chance);
     std::string pressButton(Chance& chance);
     std::string choosePlugin(Chance& chance);
+    std::string restOnRow(Chance& chance);
     std::string chooseRow(Chance& chance);
     std::string typeSearch(Chance& chance);
     std::string pressKey(Chance& chance);
@@ -52,6 +57,7 @@ private:
     std::string useCommunity(Chance& chance);
     std::string typeForCommunity(Chance& chance);
 
+    QTimer& restTimer() const;
     static void type(QWidget* field, const std::string& text);
     std::string clickButton(const char* name);
     std::string clickRowAt(const char* list, int row);

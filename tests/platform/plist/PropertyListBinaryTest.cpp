@@ -94,6 +94,18 @@ TEST(PropertyListBinary, ReadsEverySizeOfOffsetsAndReferences)
     }
 }
 
+TEST(PropertyListBinary, ReadsEveryVersionOfItsFamily)
+{
+    std::string bytes = BinaryFile{{"\x09"}}.bytes();
+    for (const char version : {'1', '9', 'A', '\xFF'}) {
+        bytes[7] = version;
+        const auto document = parse(bytes);
+        ASSERT_TRUE(document) << version;
+        EXPECT_EQ(document->form, Form::binary);
+        EXPECT_EQ(document->root, Value(true));
+    }
+}
+
 TEST(PropertyListBinary, KeepsRepeatedKeys)
 {
     const auto document = parse(BinaryFile{{"\xD2\x01\x01\x02\x03", "\x51k", "\x08", "\x09"}}.bytes());
@@ -175,9 +187,10 @@ TEST(PropertyListBinary, RefusesBrokenTrailers)
     for (const char offset : {'\0', '\x07', '\x0A', '\x0B', '\x7F'}) {
         EXPECT_FALSE(parse("bplist00\x51x"s + offset + kForm.trailer(1, 0, 10))) << int{offset};
     }
-    EXPECT_FALSE(parse("bplist00"));
     EXPECT_FALSE(parse("bplist00" + kForm.trailer(1, 0, 8)));
-    EXPECT_FALSE(parse("bplist01\x51x\x08" + kForm.trailer(1, 0, 10)));
+    EXPECT_FALSE(parse("bplist10\x51x\x08" + kForm.trailer(1, 0, 10)));
+    EXPECT_FALSE(readBinary("bplist00"));
+    EXPECT_FALSE(readBinary("bplist0"));
 }
 
 TEST(PropertyListBinary, SharesEqualLeavesOnly)

@@ -226,4 +226,10 @@ TEST_F(PropertyListPeers, ReadWhatWeWriteAndWriteWhatWeRead)
     EXPECT_EQ(runPeer("check", folder_), 0) << "what differs is on standard output";
 }
 
+// What values.txt says is ours, and of plistlib whether it reads a file as the same.
+TEST_F(PropertyListPeers, ReadEveryFileOfTheRulesAsTheTableSays)
+{
+    EXPECT_EQ(runPeer("rules", fs::path(KV_TESTS_DIR) / "data/plist"), 0) << "what differs is on standard output";
+}
+
 } // namespace

@@ -2,8 +2,11 @@
 
     plist_peer.py make FOLDER     writes NAME.canon and, as far as plistlib can, NAME.xml and NAME.bin
     plist_peer.py check FOLDER    reads every NAME.*.xml and NAME.*.bin and compares it with NAME.canon
+    plist_peer.py rules FOLDER    reads every file that values.txt lists and compares it with what is said there
 
-A .canon file has one line: the value in a notation that has one spelling for one value.
+A .canon file has one line: the value in a notation that has one spelling for one value. values.txt has a line for each
+file: its name, how plistlib fares ("same", "refused" or "other", which is a value of its own) and the value, in a
+notation for people.
 """
 
 import datetime
@@ -156,6 +159,44 @@ def check(folder):
     return any(what for _, what in problems)
 
 
+def plain(value):
+    """The notation of values.txt."""
+    if isinstance(value, bool):
+        return "true" if value else "false"
+    if isinstance(value, int):
+        return str(value)
+    if isinstance(value, float):
+        return f"real {value:.17g}"
+    if isinstance(value, str):
+        shown = (chr(b) if 0x20 <= b < 0x7f and b not in b'"\\' else f"\\x{b:02x}" for b in value.encode())
+        return '"' + "".join(shown) + '"'
+    if isinstance(value, bytes):
+        return f"<{value.hex()}>"
+    if isinstance(value, datetime.datetime):
+        return f"date {(value - EPOCH).total_seconds():.17g}"
+    if isinstance(value, list):
+        return "[" + ", ".join(map(plain, value)) + "]"
+    return "{" + ", ".join(f"{plain(k)}: {plain(v)}" for k, v in value.items()) + "}"
+
+
+def rules(folder):
+    counts = {"same": 0, "refused": 0, "other": 0}
+    wrong = False
+    for line in (folder / "values.txt").read_text().splitlines():
+        name, expected, value = line.split("\t")
+        try:
+            found = plain(plistlib.loads((folder / f"{name}.plist").read_bytes()))
+        except Exception:
+            found = "refused"
+        fared = "same" if found == value else "refused" if found == "refused" else "other"
+        counts[fared] += 1
+        if fared != expected:
+            wrong = True
+            print(f"{name}: {fared} instead of {expected}: {found}")
+    print(counts)
+    return wrong
+
+
 if __name__ == "__main__":
-    folder = pathlib.Path(sys.argv[2])
-    sys.exit(make(folder) if sys.argv[1] == "make" else check(folder))
+    run = {"make": make, "check": check, "rules": rules}[sys.argv[1]]
+    sys.exit(run(pathlib.Path(sys.argv[2])))

@@ -123,8 +123,8 @@ TEST_F(PersistentStoreTest, AStoreThatCannotBeParsedCannotBeOpened)
         "</plist>",
         "<plist><dict><key>objects</key><array><dict><key>entity</key><true/><key>attributes</key><dict/></dict>"
         "</array></dict></plist>",
-        "<!DOCTYPE plist [<!ENTITY a \"Note\">]>" + intact,
-        "<!DOCTYPE plist [<!ENTITY a SYSTEM \"file:///etc/hostname\">]>" + intact,
+        "<!DOCTYPE plist [<!ENTITY a \"Note\">]><plist><dict><key>objects</key><array><dict><key>entity</key>"
+        "<string>&a;</string><key>attributes</key><dict/></dict></array></dict></plist>",
     };
     for (const std::string& bytes : damaged) {
         write(file_, bytes);
