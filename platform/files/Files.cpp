@@ -1,7 +1,12 @@
 #include "platform/files/Files.h"
 
+#include "platform/files/Native.h"
+
+#include <atomic>
 #include <cerrno>
+#include <charconv>
 #include <csignal>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -32,18 +37,31 @@ private:
     int number_;
 };
 
+/// What a system call answers that no signal has interrupted.
+template <typename Call>
+auto retried(Call call)
+{
+    auto result = call();
+    while (result == -1 && errno == EINTR)
+        result = call();
+    return result;
+}
+
+Descriptor openFile(const Path& path, int flags, mode_t mode = 0)
+{
+    return Descriptor(retried([&] { return ::open(path.c_str(), flags | O_CLOEXEC, mode); }));
+}
+
 /// Without O_NONBLOCK a pipe that stands where a file should be would stop the program.
 Descriptor openToRead(const Path& path)
 {
-    return Descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    return openFile(path, O_RDONLY | O_NONBLOCK);
 }
 
 bool writeWhole(int descriptor, std::string_view bytes)
 {
     while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR)
-            continue;
+        const ssize_t written = retried([&] { return ::write(descriptor, bytes.data(), bytes.size()); });
         if (written <= 0)
             return false;
         bytes.remove_prefix(static_cast<std::size_t>(written));
@@ -51,24 +69,58 @@ bool writeWhole(int descriptor, std::string_view bytes)
     return true;
 }
 
-std::optional<struct stat> statusOfFile(const Path& path)
+/// What a link leads to, also where nothing stands there; any other path as it is.
+Path followed(Path path)
 {
-    struct stat status = {};
-    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) ? std::optional(status) : std::nullopt;
-}
-
-bool flushToDisk(int descriptor)
-{
-    // Some network file systems cannot flush and say so with EINVAL; that is as safe as they get.
-    return ::fsync(descriptor) == 0 || errno == EINVAL;
+    constexpr int kMostLinks = 40; // as many as the system follows itself
+    std::error_code failure;
+    for (int links = 0; links < kMostLinks; ++links) {
+        const Path target = std::filesystem::read_symlink(path, failure);
+        if (failure)
+            break;
+        path = path.parent_path() / target;
+    }
+    return path;
 }
 
 /// Makes a rename in the folder survive a power cut. The file is in its place either way.
 void flushFolder(const Path& folder)
 {
-    const Descriptor descriptor(::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (descriptor)
-        ::fsync(descriptor.number());
+    if (const Descriptor descriptor = openFile(folder.empty() ? Path(".") : folder, O_RDONLY | O_DIRECTORY))
+        flushToDrive(descriptor.number());
+}
+
+/// How the names of files in the making begin that are to replace the one of this name. The first letter differs, so
+/// that nobody takes one for the file itself, and a number follows: the process that makes it.
+std::string partPrefix(const Path& destination)
+{
+    constexpr std::size_t kLongestName = 255;
+    constexpr std::size_t kLongestNumbers = 24;
+    std::string name = destination.filename().native().substr(0, kLongestName - kLongestNumbers);
+    if (!name.empty())
+        name[0] = name[0] == '~' ? '_' : '~';
+    return name + ".";
+}
+
+/// Whether the process that `number` begins with has ended.
+bool isOfEndedProcess(std::string_view number)
+{
+    pid_t process = 0;
+    const auto [end, failure] = std::from_chars(number.data(), number.data() + number.size(), process);
+    const bool isNumber = failure == std::errc() && process > 0 && end != number.data() + number.size() && *end == '-';
+    return isNumber && ::kill(process, 0) != 0 && errno == ESRCH;
+}
+
+void clearLeftParts(const Path& destination)
+{
+    const std::string prefix = partPrefix(destination);
+    std::error_code failure;
+    std::filesystem::directory_iterator entry(destination.parent_path(), failure);
+    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
+        const std::string name = entry->path().filename().native();
+        if (name.starts_with(prefix) && isOfEndedProcess(std::string_view(name).substr(prefix.size())))
+            files::remove(entry->path());
+    }
 }
 
 } // namespace
@@ -103,9 +155,8 @@ std::optional<std::string> read(const Path& path, std::size_t limit)
     for (;;) {
         if (used == bytes.size())
             bytes.resize(bytes.size() * 2);
-        const ssize_t got = ::read(descriptor.number(), bytes.data() + used, bytes.size() - used);
-        if (got < 0 && errno == EINTR)
-            continue;
+        const ssize_t got =
+            retried([&] { return ::read(descriptor.number(), bytes.data() + used, bytes.size() - used); });
         if (got < 0)
             return std::nullopt;
         used += static_cast<std::size_t>(got);
@@ -120,27 +171,36 @@ std::optional<std::string> read(const Path& path, std::size_t limit)
 
 bool remove(const Path& path)
 {
-    return ::unlink(path.c_str()) == 0;
-}
-
-std::optional<std::filesystem::perms> permissions(const Path& path)
-{
-    const auto status = statusOfFile(path);
-    return status ? std::optional(static_cast<std::filesystem::perms>(status->st_mode & 0777)) : std::nullopt;
+    return retried([&] { return ::unlink(path.c_str()); }) == 0;
 }
 
 std::optional<std::time_t> modificationTime(const Path& path)
 {
-    const auto status = statusOfFile(path);
-    return status ? std::optional(status->st_mtime) : std::nullopt;
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    return status.st_mtime;
 }
 
-PartialFile::PartialFile(Path destination, Path part, std::optional<std::filesystem::perms> mode)
-    : destination_(std::move(destination)), part_(std::move(part)), mode_(mode)
+bool rename(const Path& from, const Path& to)
 {
-    files::remove(part_); // what a killed process may have left
-    // With a mode of its own the file may be a secret, and opening it to others afterwards is safe.
-    descriptor_ = ::open(part_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode_ ? 0600 : 0666);
+    return retried([&] { return ::rename(from.c_str(), to.c_str()); }) == 0;
+}
+
+PartialFile::PartialFile(const Path& destination, std::optional<std::filesystem::perms> mode)
+    : destination_(followed(destination)), mode_(mode)
+{
+    clearLeftParts(destination_);
+    static std::atomic<unsigned> made = 0;
+    // One that an ended process with our number left cannot be told from one of ours, and stays.
+    do {
+        part_ = destination_.parent_path() /
+                (partPrefix(destination_) + std::to_string(::getpid()) + "-" + std::to_string(++made));
+        // With a mode of its own the file may be a secret, and opening it to others afterwards is safe.
+        descriptor_ = retried([this] {
+            return ::open(part_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode_ ? 0600 : 0666);
+        });
+    } while (descriptor_ < 0 && errno == EEXIST);
 }
 
 PartialFile::~PartialFile()
@@ -156,57 +216,66 @@ bool PartialFile::append(std::string_view bytes)
     return isOpen() && writeWhole(descriptor_, bytes);
 }
 
-bool PartialFile::finish()
+void PartialFile::takeAfter(int descriptor)
+{
+    struct stat status = {};
+    if (!isOpen() || ::fstat(descriptor, &status) != 0)
+        return;
+    copyAttributes(descriptor, descriptor_);
+    // Only who may give files away can keep another's; the group can often be kept all the same.
+    if (::fchown(descriptor_, status.st_uid, status.st_gid) != 0 &&
+        ::fchown(descriptor_, static_cast<uid_t>(-1), status.st_gid) != 0)
+        status.st_mode &= ~static_cast<mode_t>(S_IRWXG | S_ISUID | S_ISGID); // meant for another group
+    mode_ = static_cast<std::filesystem::perms>(status.st_mode & 07777);
+}
+
+bool PartialFile::finish(Flush flush)
 {
     if (!isOpen())
         return false;
-    if (mode_)
-        ::fchmod(descriptor_, static_cast<mode_t>(*mode_)); // some mounts refuse; the content is what counts
-    const bool isOnDisk = flushToDisk(descriptor_);
-    if (!close() || !isOnDisk || ::rename(part_.c_str(), destination_.c_str()) != 0) {
+    if (mode_) // some mounts refuse; the content is what counts
+        retried([this] { return ::fchmod(descriptor_, static_cast<mode_t>(*mode_)); });
+    const bool isWhole = flush == Flush::none || flushToDrive(descriptor_);
+    if (!close() || !isWhole || !files::rename(part_, destination_)) {
         files::remove(part_);
         return false;
     }
-    flushFolder(destination_.parent_path());
+    if (flush == Flush::toDrive)
+        flushFolder(destination_.parent_path());
     return true;
 }
 
 bool PartialFile::close()
 {
-    return ::close(std::exchange(descriptor_, -1)) == 0;
+    // An interrupted one is closed all the same, and closing it again could close somebody else's.
+    return ::close(std::exchange(descriptor_, -1)) == 0 || errno == EINTR;
 }
 
-bool writeAtomically(const Path& path, std::string_view bytes, std::optional<std::filesystem::perms> mode)
+bool writeAtomically(const Path& path, std::string_view bytes, std::optional<std::filesystem::perms> mode, Flush flush)
 {
-    PartialFile file(path, partialName(path), mode);
-    return file.append(bytes) && file.finish();
+    PartialFile file(path, mode);
+    const Descriptor former = mode ? Descriptor(-1) : openToRead(path);
+    if (former)
+        file.takeAfter(former.number());
+    return file.append(bytes) && file.finish(flush);
 }
 
 bool copy(const Path& from, const Path& to)
 {
     const Descriptor source = openToRead(from);
-    const auto mode = permissions(from);
-    if (!source || !mode)
+    struct stat status = {};
+    if (!source || ::fstat(source.number(), &status) != 0 || !S_ISREG(status.st_mode))
         return false;
-    PartialFile file(to, partialName(to), mode);
+    PartialFile file(to, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    file.takeAfter(source.number());
     std::vector<char> piece(std::size_t{1} << 18);
     for (;;) {
-        const ssize_t got = ::read(source.number(), piece.data(), piece.size());
+        const ssize_t got = retried([&] { return ::read(source.number(), piece.data(), piece.size()); });
         if (got == 0)
             return file.finish();
-        if (got < 0 && errno == EINTR)
-            continue;
         if (got < 0 || !file.append({piece.data(), static_cast<std::size_t>(got)}))
             return false;
     }
-}
-
-Path partialName(const Path& path)
-{
-    std::string name = path.filename().native();
-    if (!name.empty())
-        name[0] = name[0] == '~' ? '_' : '~';
-    return path.parent_path() / name;
 }
 
 } // namespace platform::files
