@@ -35,12 +35,14 @@ void setAside(const Path& file)
     files::rename(file, Path(file) += ".unreadable");
 }
 
-/// Replaces the file by the dictionary; answers what was written. Bytes that would not be read back, which takes a file
-/// of half a million elements, must not take the place of one that was: then the file stays.
+/// Replaces the file by the dictionary; answers what was written. A link to the file stays one. Bytes that would not be
+/// read back, which takes a file of half a million elements, must not take the place of one that was: then the file
+/// stays.
 std::optional<KnownContent> replaceFile(const Path& file, const KnownContent& content)
 {
     auto written = parsed(plist::write(content.document));
-    return written && files::writeAtomically(file, written->bytes) ? std::move(written) : std::nullopt;
+    const auto target = files::followed(file);
+    return written && target && files::writeAtomically(*target, written->bytes) ? std::move(written) : std::nullopt;
 }
 
 } // namespace
@@ -102,7 +104,8 @@ bool recallBackup(const Path& file, std::string_view suffix)
     const Path backup = backupPath(file, suffix);
     if (!files::exists(backup))
         return false;
-    files::copy(backup, file);
+    if (const auto target = files::followed(file))
+        files::copy(backup, *target);
     return true;
 }
 

@@ -1,22 +1,27 @@
 #include "platform/files/Files.h"
 
 #include "platform/files/Native.h"
+#include "platform/files/Retried.h"
 
 #include <atomic>
 #include <cerrno>
-#include <charconv>
 #include <csignal>
+#include <cstdint>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace platform::files {
 
 namespace {
+
+constexpr std::optional kOwnerOnly(std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 
 /// An open file descriptor that closes itself.
 class Descriptor {
@@ -37,19 +42,9 @@ private:
     int number_;
 };
 
-/// What a system call answers that no signal has interrupted.
-template <typename Call>
-auto retried(Call call)
+Descriptor openFile(const Path& path, int flags)
 {
-    auto result = call();
-    while (result == -1 && errno == EINTR)
-        result = call();
-    return result;
-}
-
-Descriptor openFile(const Path& path, int flags, mode_t mode = 0)
-{
-    return Descriptor(retried([&] { return ::open(path.c_str(), flags | O_CLOEXEC, mode); }));
+    return Descriptor(retried([&] { return ::open(path.c_str(), flags | O_CLOEXEC); }));
 }
 
 /// Without O_NONBLOCK a pipe that stands where a file should be would stop the program.
@@ -69,20 +64,6 @@ bool writeWhole(int descriptor, std::string_view bytes)
     return true;
 }
 
-/// What a link leads to, also where nothing stands there; any other path as it is.
-Path followed(Path path)
-{
-    constexpr int kMostLinks = 40; // as many as the system follows itself
-    std::error_code failure;
-    for (int links = 0; links < kMostLinks; ++links) {
-        const Path target = std::filesystem::read_symlink(path, failure);
-        if (failure)
-            break;
-        path = path.parent_path() / target;
-    }
-    return path;
-}
-
 /// Makes a rename in the folder survive a power cut. The file is in its place either way.
 void flushFolder(const Path& folder)
 {
@@ -90,35 +71,65 @@ void flushFolder(const Path& folder)
         flushToDrive(descriptor.number());
 }
 
-/// How the names of files in the making begin that are to replace the one of this name. The first letter differs, so
-/// that nobody takes one for the file itself, and a number follows: the process that makes it.
+bool look(const Path& path, struct stat& status)
+{
+    return retried([&] { return ::stat(path.c_str(), &status); }) == 0;
+}
+
+bool look(int descriptor, struct stat& status)
+{
+    return retried([&] { return ::fstat(descriptor, &status); }) == 0;
+}
+
+/// False, with EWOULDBLOCK, while another descriptor holds the lock.
+bool lock(int descriptor)
+{
+    return retried([=] { return ::flock(descriptor, LOCK_EX | LOCK_NB); }) == 0;
+}
+
+bool isNumber(std::string_view text)
+{
+    return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
+}
+
+/// How the names of the parts for a destination begin, so that nobody takes one for the file itself. "PROCESS-COUNT"
+/// follows.
 std::string partPrefix(const Path& destination)
 {
     constexpr std::size_t kLongestName = 255;
-    constexpr std::size_t kLongestNumbers = 24;
-    std::string name = destination.filename().native().substr(0, kLongestName - kLongestNumbers);
-    if (!name.empty())
-        name[0] = name[0] == '~' ? '_' : '~';
-    return name + ".";
+    constexpr std::size_t kRoom = 24; // for the other characters
+    std::string name = destination.filename().native();
+    if (std::size_t size = kLongestName - kRoom; name.size() > size) {
+        while (size > 0 && (static_cast<unsigned char>(name[size]) & 0xC0) == 0x80)
+            --size; // some systems refuse names that end within a character
+        name.resize(size);
+    }
+    return "~" + name + ".";
 }
 
-/// Whether the process that `number` begins with has ended.
-bool isOfEndedProcess(std::string_view number)
+bool isPart(std::string_view name, std::string_view prefix)
 {
-    pid_t process = 0;
-    const auto [end, failure] = std::from_chars(number.data(), number.data() + number.size(), process);
-    const bool isNumber = failure == std::errc() && process > 0 && end != number.data() + number.size() && *end == '-';
-    return isNumber && ::kill(process, 0) != 0 && errno == ESRCH;
+    if (!name.starts_with(prefix))
+        return false;
+    name.remove_prefix(prefix.size());
+    const std::size_t dash = name.find('-');
+    return dash != name.npos && isNumber(name.substr(0, dash)) && isNumber(name.substr(dash + 1));
 }
 
+/// Removes the parts that no program makes any more. Whoever makes one holds its lock, which goes when a program ends
+/// in whatever way; a process number would be given to another one some day.
 void clearLeftParts(const Path& destination)
 {
     const std::string prefix = partPrefix(destination);
+    const Path folder = destination.parent_path();
     std::error_code failure;
-    std::filesystem::directory_iterator entry(destination.parent_path(), failure);
+    std::filesystem::directory_iterator entry(folder.empty() ? Path(".") : folder, failure);
     for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        const std::string name = entry->path().filename().native();
-        if (name.starts_with(prefix) && isOfEndedProcess(std::string_view(name).substr(prefix.size())))
+        if (!isPart(entry->path().filename().native(), prefix))
+            continue;
+        const Descriptor part = openFile(entry->path(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW);
+        struct stat status = {};
+        if (part && look(part.number(), status) && S_ISREG(status.st_mode) && lock(part.number()))
             files::remove(entry->path());
     }
 }
@@ -133,20 +144,33 @@ void failBeyondSizeLimits()
 bool exists(const Path& path)
 {
     struct stat status = {};
-    return ::stat(path.c_str(), &status) == 0;
+    return look(path, status);
 }
 
 bool isMissing(const Path& path)
 {
     struct stat status = {};
-    return ::stat(path.c_str(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR);
+    return !look(path, status) && (errno == ENOENT || errno == ENOTDIR);
+}
+
+std::optional<Path> followed(Path path)
+{
+    constexpr int kMostLinks = 40; // as many as the system follows itself
+    for (int links = 0; links <= kMostLinks; ++links) {
+        std::error_code failure;
+        const Path target = std::filesystem::read_symlink(path, failure);
+        if (failure)
+            return path;
+        path = path.parent_path() / target;
+    }
+    return std::nullopt;
 }
 
 std::optional<std::string> read(const Path& path, std::size_t limit)
 {
     const Descriptor descriptor = openToRead(path);
     struct stat status = {};
-    if (!descriptor || ::fstat(descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode))
+    if (!descriptor || !look(descriptor.number(), status) || !S_ISREG(status.st_mode))
         return std::nullopt;
     if (static_cast<std::uintmax_t>(status.st_size) > limit)
         return std::nullopt;
@@ -177,7 +201,7 @@ bool remove(const Path& path)
 std::optional<std::time_t> modificationTime(const Path& path)
 {
     struct stat status = {};
-    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+    if (!look(path, status) || !S_ISREG(status.st_mode))
         return std::nullopt;
     return status.st_mtime;
 }
@@ -188,19 +212,17 @@ bool rename(const Path& from, const Path& to)
 }
 
 PartialFile::PartialFile(const Path& destination, std::optional<std::filesystem::perms> mode)
-    : destination_(followed(destination)), mode_(mode)
+    : destination_(destination), mode_(mode)
 {
     clearLeftParts(destination_);
-    static std::atomic<unsigned> made = 0;
-    // One that an ended process with our number left cannot be told from one of ours, and stays.
+    static std::atomic<unsigned> count = 0;
+    const std::string prefix = partPrefix(destination_) + std::to_string(::getpid()) + "-";
     do {
-        part_ = destination_.parent_path() /
-                (partPrefix(destination_) + std::to_string(::getpid()) + "-" + std::to_string(++made));
+        part_ = destination_.parent_path() / (prefix + std::to_string(++count));
         // With a mode of its own the file may be a secret, and opening it to others afterwards is safe.
-        descriptor_ = retried([this] {
-            return ::open(part_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode_ ? 0600 : 0666);
-        });
-    } while (descriptor_ < 0 && errno == EEXIST);
+        descriptor_ = retried(
+            [this] { return ::open(part_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode_ ? 0600 : 0666); });
+    } while (isOpen() ? !keepLocked() : errno == EEXIST);
 }
 
 PartialFile::~PartialFile()
@@ -219,14 +241,20 @@ bool PartialFile::append(std::string_view bytes)
 void PartialFile::takeAfter(int descriptor)
 {
     struct stat status = {};
-    if (!isOpen() || ::fstat(descriptor, &status) != 0)
+    if (!isOpen() || !look(descriptor, status))
         return;
+    const auto give = [this](uid_t owner, gid_t group) {
+        return retried([&] { return ::fchown(descriptor_, owner, group); }) == 0;
+    };
     copyAttributes(descriptor, descriptor_);
+    unsigned mode = status.st_mode & 07777U;
     // Only who may give files away can keep another's; the group can often be kept all the same.
-    if (::fchown(descriptor_, status.st_uid, status.st_gid) != 0 &&
-        ::fchown(descriptor_, static_cast<uid_t>(-1), status.st_gid) != 0)
-        status.st_mode &= ~static_cast<mode_t>(S_IRWXG | S_ISUID | S_ISGID); // meant for another group
-    mode_ = static_cast<std::filesystem::perms>(status.st_mode & 07777);
+    if (!give(status.st_uid, status.st_gid)) {
+        mode &= ~unsigned{S_ISUID};
+        if (!give(static_cast<uid_t>(-1), status.st_gid)) // another group may do no more than everybody
+            mode &= ~unsigned{S_IRWXG | S_ISGID} | (mode & S_IRWXO) << 3;
+    }
+    mode_ = static_cast<std::filesystem::perms>(mode);
 }
 
 bool PartialFile::finish(Flush flush)
@@ -236,6 +264,8 @@ bool PartialFile::finish(Flush flush)
     if (mode_) // some mounts refuse; the content is what counts
         retried([this] { return ::fchmod(descriptor_, static_cast<mode_t>(*mode_)); });
     const bool isWhole = flush == Flush::none || flushToDrive(descriptor_);
+    const Descriptor locked(
+        retried([this] { return ::fcntl(descriptor_, F_DUPFD_CLOEXEC, 0); })); // until it is renamed
     if (!close() || !isWhole || !files::rename(part_, destination_)) {
         files::remove(part_);
         return false;
@@ -243,6 +273,16 @@ bool PartialFile::finish(Flush flush)
     if (flush == Flush::toDrive)
         flushFolder(destination_.parent_path());
     return true;
+}
+
+bool PartialFile::keepLocked()
+{
+    // Between its creation and the lock another program may have taken it for one that was left, and removed it.
+    if ((lock(descriptor_) || errno != EWOULDBLOCK) && !isMissing(part_))
+        return true;
+    close();
+    files::remove(part_);
+    return false;
 }
 
 bool PartialFile::close()
@@ -253,8 +293,8 @@ bool PartialFile::close()
 
 bool writeAtomically(const Path& path, std::string_view bytes, std::optional<std::filesystem::perms> mode, Flush flush)
 {
-    PartialFile file(path, mode);
     const Descriptor former = mode ? Descriptor(-1) : openToRead(path);
+    PartialFile file(path, former ? kOwnerOnly : mode);
     if (former)
         file.takeAfter(former.number());
     return file.append(bytes) && file.finish(flush);
@@ -264,9 +304,9 @@ bool copy(const Path& from, const Path& to)
 {
     const Descriptor source = openToRead(from);
     struct stat status = {};
-    if (!source || ::fstat(source.number(), &status) != 0 || !S_ISREG(status.st_mode))
+    if (!source || !look(source.number(), status) || !S_ISREG(status.st_mode))
         return false;
-    PartialFile file(to, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    PartialFile file(to, kOwnerOnly);
     file.takeAfter(source.number());
     std::vector<char> piece(std::size_t{1} << 18);
     for (;;) {

@@ -25,6 +25,10 @@ bool exists(const Path& path);
 /// Whether certainly nothing stands at the path; not the opposite of `exists` where the system would not say.
 bool isMissing(const Path& path);
 
+/// What a link at the path leads to in the end, also where nothing stands there; the path itself where no link stands.
+/// None where links lead in circles.
+std::optional<Path> followed(Path path);
+
 /// The whole content of a regular file; none when it cannot be read, is no regular file or exceeds `limit` bytes.
 std::optional<std::string> read(const Path& path, std::size_t limit = kNoLimit);
 
@@ -34,7 +38,7 @@ bool remove(const Path& path);
 /// When a regular file was last written; none when there is no such file.
 std::optional<std::time_t> modificationTime(const Path& path);
 
-/// Gives a file another name, in place of what has that. False when that failed; nothing has changed then.
+/// Gives a file or a link another name, in place of what has that. False when that failed; nothing has changed then.
 bool rename(const Path& from, const Path& to);
 
 /// Whether a finished file has to outlast a power cut, or only the end of the program.
@@ -42,7 +46,7 @@ enum class Flush { toDrive, none };
 
 /// A file in the making beside its destination, under a name that no other file in the making has. Gets its own name
 /// when it is whole; until then, and whenever a step fails, the destination is as it was, and the part goes with this
-/// object. Where the destination is a link, what it leads to is replaced and the link stays.
+/// object. A link at the destination is replaced, not followed.
 class PartialFile {
 public:
     /// Creates the part and clears those that ended programs have left for the same destination. Without a `mode` (the
@@ -61,6 +65,7 @@ public:
     bool finish(Flush flush = Flush::toDrive);
 
 private:
+    bool keepLocked();
     bool close();
 
     Path destination_;
