@@ -209,6 +209,7 @@ TEST_P(Disturbed, ByAnotherProgramThatDoesTheLikeMeanwhileItDoesTheSame)
             break;
         SCOPED_TRACE("stopped at operation " + std::to_string(at));
         EXPECT_TRUE(run.goesOn());
+        EXPECT_EQ(run.wrote("unsaved"), whole_.wrote("unsaved"));
         const Files files = folder_.files();
         for (const auto& [name, content] : files)
             EXPECT_FALSE(isPartial(name)) << name;

@@ -166,6 +166,8 @@ public:
     void goOn()
     {
         watchFiles(0);
+        if (program_.controller.hasUnsavedChanges())
+            std::cout << "unsaved\n";
         obstacle_.reset();
         program_.controller.addControlsPage();
         program_.controller.nextPageButtonPressed();

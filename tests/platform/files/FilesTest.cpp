@@ -475,6 +475,7 @@ TEST_F(FilesTest, AKilledWriteIsClearedByTheNext)
     ASSERT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(test::read(file_), "old");
     EXPECT_EQ(namesIn(folder_.path()).size(), 2u);
+    EXPECT_EQ(modeOf(partIn(folder_.path())), 0600u) << "until it is whole";
     EXPECT_TRUE(files::writeAtomically(file_, "new"));
     EXPECT_EQ(test::read(file_), "new");
     EXPECT_THAT(namesIn(folder_.path()), UnorderedElementsAre("CSParameterOrder.plist"));
