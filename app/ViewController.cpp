@@ -3,7 +3,7 @@
 #include <utility>
 
 ViewController::ViewController(platform::Platform& platform)
-    : platform_(platform), history_(platform.undoManagers.make())
+    : platform_(platform), history_(platform.undoManagers.make()), drafts_(platform.folders.drafts())
 {}
 
 void ViewController::viewDidLoad()

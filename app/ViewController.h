@@ -6,6 +6,7 @@
 //   Shell                  app/ViewController.cpp
 //   Plug-in library        plugins/ViewControllerPlugins.cpp
 //   Mapping document       mapping/ViewControllerMapping.cpp
+//   Drafts                 mapping/ViewControllerDrafts.cpp
 //   History                app/ViewControllerHistory.cpp
 //   Control panel          panel/ViewControllerPanel.cpp
 //   Pages                  panel/ViewControllerPages.cpp
@@ -15,6 +16,7 @@
 //   Community sharing      community/ViewControllerSharing.cpp
 
 #include "app/Outlets.h"
+#include "mapping/Drafts.h"
 #include "mapping/EditingSnapshot.h"
 #include "mapping/MappedPots.h"
 #include "mapping/MappingStore.h"
@@ -27,6 +29,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 class ViewController final : public platform::ViewControllerBase, public Outlets {
 public:
@@ -77,6 +80,22 @@ public:
     void kvRecallPreviousMapping(Sender sender = nullptr);
     /// Puts the backup "original" or "prev" in place of the file and loads it.
     void recallOriginalMapping(const std::string& suffix);
+
+    // Drafts. Unsaved edits outlast the choice of another plug-in and the end of the program.
+
+    /// Keeps unsaved edits as a draft; removes it when there are none. Called soon after an edit, and at the end.
+    void keepDraft();
+    /// Makes the newest draft left of the plug-in the mapping being edited. Ignored without one.
+    void bringBackDraft(Sender = nullptr);
+    void discardDraft(Sender = nullptr);
+    /// The newest draft that was left of the plug-in loaded; none once it was used or the mapping saved.
+    const std::optional<mapping::KeptDraft>& leftDraft() const { return leftDraft_; }
+    /// How many pots of it differ from the file; 0 when only its mode or its pages do, none without a draft.
+    std::optional<std::size_t> potsInLeftDraft() const;
+    /// Whether a draft was left of the plug-in with this file.
+    bool isDraftLeftOf(const std::string& path) const { return drafts_.isLeftOf(path); }
+    /// A draft was left, brought back or discarded.
+    platform::Signal<> draftsChanged;
 
     // History. Every edit of the mapping is one step with a name; loading another plug-in begins anew. Memory only.
 
@@ -195,6 +214,10 @@ private:
     /// The list offered for assignment; while a rescan, which is no edit, has emptied it, the one offered before.
     platform::SharedRecords offeredParameters() const;
     void finishEdit(const std::string& name, const mapping::EditingSnapshot& before, const std::string& pathBefore);
+    /// What is edited is about to be replaced; it stays as a draft.
+    void leaveEdits();
+    void lookForDraft();
+    void discardLeftDraft();
     void goThrough(const mapping::EditingChange& change, bool forward);
     /// The subtitle and the help line of the mode.
     void showMode();
@@ -216,6 +239,10 @@ private:
     platform::SharedRecords offered_ = std::make_shared<const std::vector<platform::Record>>();
     /// What the file marked just now holds, for the read that follows.
     std::optional<mapping::KnownContent> markedFile_;
+    mapping::Drafts drafts_;
+    std::optional<mapping::KeptDraft> leftDraft_;
+    /// Revision of the history and page of what the draft being edited holds.
+    std::optional<std::pair<std::uint64_t, std::int32_t>> keptEdit_;
     mapping::MappedPots mappedPots_;
     std::uint64_t mappedRevision_ = 0;
     int operationDepth_ = 0;

@@ -21,9 +21,7 @@ void ViewController::outputChartAs(const std::string&)
     if (!isPluginBeingEdited())
         return;
     const std::string path = myArrayController()->selectionText(plugins::kFileLocation) + ".html";
-    if (platform::files::exists(path))
-        platform::files::remove(path);
-    if (platform::isAscii(chart::bHTML))
-        platform::files::writeAtomically(path, chart::bHTML);
+    if (!platform::isAscii(chart::bHTML) || !platform::files::writeAtomically(path, chart::bHTML))
+        platform::files::remove(path); // the chart of another mapping must not be taken for this one's
     platform_.workspace.openFile(path);
 }

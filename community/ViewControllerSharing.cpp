@@ -87,9 +87,11 @@ void ViewController::downloadDidFinish(Sender)
     // The path is that of the plug-in selected now, even if the download began with another one; that is meant.
     {
         const Operation edit(*this, "Load Shared Mapping");
+        leaveEdits();
         readPlistFileCheckMode(downloadedPath(), 1);
         populateKnobLabels(1);
         arrayControllerPlistSelected()->setSelectionIndex(0);
+        lookForDraft();
     }
     alertUserAndSub("OK Done", "Loaded cloud file into interface memory, please remember to save if you wish to make "
                                "this your new default mapping");

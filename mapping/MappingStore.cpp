@@ -29,24 +29,20 @@ std::optional<KnownContent> parsed(std::string bytes)
     return KnownContent{std::move(bytes), std::move(*document)};
 }
 
-std::optional<KnownContent> readDictionary(const Path& file)
+/// Takes a file that is no property-list dictionary out of the way; somebody may still make something of it.
+void setAside(const Path& file)
 {
-    auto bytes = files::read(file, kLargestFile);
-    return bytes ? parsed(std::move(*bytes)) : std::nullopt;
+    files::rename(file, Path(file) += ".unreadable");
 }
 
-/// Deletes the file, then writes the dictionary where there is one; answers what was written. Bytes that would not be
+/// Replaces the file by the dictionary; answers what was written. A link to the file stays one. Bytes that would not be
 /// read back, which takes a file of half a million elements, must not take the place of one that was: then the file
 /// stays.
-std::optional<KnownContent> replaceFile(const Path& file, const std::optional<KnownContent>& content)
+std::optional<KnownContent> replaceFile(const Path& file, const KnownContent& content)
 {
-    const auto mode = files::permissions(file);
-    auto written = content ? parsed(plist::write(content->document)) : std::nullopt;
-    if (content && !written)
-        return std::nullopt;
-    if (files::exists(file))
-        files::remove(file);
-    return written && files::writeAtomically(file, written->bytes, mode) ? std::move(written) : std::nullopt;
+    auto written = parsed(plist::write(content.document));
+    const auto target = files::followed(file);
+    return written && target && files::writeAtomically(*target, written->bytes) ? std::move(written) : std::nullopt;
 }
 
 } // namespace
@@ -69,29 +65,38 @@ LoadedMapping readMapping(const Path& file, std::optional<std::int32_t> keptMode
 
 std::optional<KnownContent> markFile(const Path& file)
 {
-    auto content = readDictionary(file);
-    if (content && hasCatalogue(dictionaryOf(*content)))
+    auto bytes = files::read(file, kLargestFile);
+    if (!bytes)
+        return std::nullopt;
+    auto content = parsed(std::move(*bytes));
+    if (!content) {
+        setAside(file);
+        return std::nullopt;
+    }
+    if (hasCatalogue(dictionaryOf(*content)))
         return content;
-    if (content)
-        addCatalogue(dictionaryOf(*content));
-    return replaceFile(file, content);
+    addCatalogue(dictionaryOf(*content));
+    return replaceFile(file, *content);
 }
 
 bool saveMapping(const Path& file, const std::vector<platform::Record>& entries, std::int32_t mode)
 {
-    auto content = readDictionary(file);
+    auto bytes = files::read(file, kLargestFile);
+    const bool isRead = bytes.has_value();
+    auto content = isRead ? parsed(std::move(*bytes)) : std::nullopt;
     if (content)
         storeMapping(dictionaryOf(*content), entries, mode);
 
     const Path original = backupPath(file, "original");
     if (files::isMissing(original))
         files::copy(file, original);
-    const Path previous = backupPath(file, "prev");
-    if (files::exists(previous))
-        files::remove(previous);
-    files::copy(file, previous);
+    files::copy(file, backupPath(file, "prev"));
 
-    return replaceFile(file, content).has_value();
+    if (content)
+        return replaceFile(file, *content).has_value();
+    if (isRead)
+        setAside(file);
+    return false;
 }
 
 bool recallBackup(const Path& file, std::string_view suffix)
@@ -99,9 +104,8 @@ bool recallBackup(const Path& file, std::string_view suffix)
     const Path backup = backupPath(file, suffix);
     if (!files::exists(backup))
         return false;
-    if (files::exists(file))
-        files::remove(file);
-    files::copy(backup, file);
+    if (const auto target = files::followed(file))
+        files::copy(backup, *target);
     return true;
 }
 

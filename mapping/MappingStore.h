@@ -1,7 +1,8 @@
 #pragma once
 // A parameter-order file on disk with its two backups: path + ".original", as it stood before the first save, and
-// path + ".prev", as it stood before the latest one. Outcomes of single deletes, copies and writes are not examined;
-// the order of the steps is what keeps the last good content in a backup.
+// path + ".prev", as it stood before the latest one. Each of the three is replaced in one step and keeps what it held
+// where that fails. What could not be read just now is left alone; what was read and is no property-list dictionary is
+// moved to path + ".unreadable".
 
 #include "mapping/MappingFile.h"
 #include "platform/plist/PropertyList.h"
@@ -31,12 +32,12 @@ struct KnownContent {
 LoadedMapping readMapping(const Path& file, std::optional<std::int32_t> keptMode,
                           const std::optional<KnownContent>& known = {});
 
-/// Writes the plug-in's catalogue into the file unless it carries one. A file that cannot be read as a dictionary is
-/// deleted and nothing takes its place; that is meant. Answers what the file should hold now.
+/// Writes the plug-in's catalogue into the file unless it carries one. One that is no dictionary is moved out of the
+/// way and nothing takes its place; that is meant. Answers what the file should hold now.
 std::optional<KnownContent> markFile(const Path& file);
 
-/// Makes the backups and writes the mapping into the file; answers whether the file now holds it. A file that cannot be
-/// read as a dictionary is deleted after the backups were made and nothing takes its place; that is meant.
+/// Makes the backups and writes the mapping into the file; answers whether the file now holds it. One that is no
+/// dictionary is moved out of the way after the backups were made and nothing takes its place; that is meant.
 bool saveMapping(const Path& file, const std::vector<platform::Record>& entries, std::int32_t mode);
 
 /// Puts a backup in place of the file; the backup stays. False, and nothing changed, when there is no such backup.

@@ -50,6 +50,9 @@ void ViewController::exportToPlist()
     if (mapping::saveMapping(path, mapping::plistBuild, mapping::plugin_Mode)) {
         const Operation operation(*this);
         noteSaved();
+        drafts_.drop();
+        drafts_.supersede(path);
+        lookForDraft();
     }
     alertUserAndSub("New Mapping has been saved",
                     "Please remember to close and re-open plugin within Logic so that changes are updated\n\n\n"

@@ -61,6 +61,8 @@ public:
     virtual std::filesystem::path localApplicationSupport() const = 0;
     /// The user's own Application Support folder.
     virtual std::filesystem::path userApplicationSupport() const = 0;
+    /// Where unsaved edits are kept.
+    virtual std::filesystem::path drafts() const = 0;
     /// Where the program's resources lie.
     virtual std::filesystem::path resources() const = 0;
 };

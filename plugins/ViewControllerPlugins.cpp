@@ -8,6 +8,7 @@
 void ViewController::btnRunCheck(Sender)
 {
     const Operation operation(*this);
+    keepDraft();
     myArrayController()->setContent({});
     arrayControllerPlistSelected()->setContent({});
     arrayControllerPlistSelected()->filterText.set({});
@@ -34,6 +35,7 @@ void ViewController::tablePlistView(Sender) {}
 void ViewController::plugInSelected()
 {
     const Operation edit(*this, "Reload Mapping");
+    leaveEdits();
     mapping::curPage = 1;
     arrayControllerPlistSelected()->setSelectionIndex(0);
     const std::string plugin = myArrayController()->selectionText(plugins::kPlugin);
@@ -46,6 +48,7 @@ void ViewController::plugInSelected()
     noteSaved();
     populateKnobLabels(1);
     arrayControllerPlistSelected()->setSelectionIndex(0);
+    lookForDraft();
 }
 
 void ViewController::changePlugInModeAndReadPlist(std::int32_t mode, std::int32_t readPlist)
@@ -80,7 +83,10 @@ void ViewController::kvPluginMode_Changed(std::shared_ptr<RadioMatrix> sender)
     if (!isPluginBeingEdited())
         return;
     const Operation edit(*this, "Change Mode");
+    if (changedPots() > 0)
+        leaveEdits();
     mapping::plugin_Mode = sender->selectedTag.get();
     updateHelperDisplay("Reading Parameters... Please Wait...");
     changePlugInModeAndReadPlist(mapping::plugin_Mode, 1);
+    lookForDraft();
 }

@@ -1,5 +1,7 @@
 #include "platform/files/Directory.h"
 
+#include "platform/files/Retried.h"
+
 #include <cerrno>
 #include <system_error>
 #include <utility>
@@ -20,7 +22,7 @@ Error fileError(int code, std::string description, int number)
 std::variant<bool, Error> isDirectory(const std::filesystem::path& path)
 {
     struct stat status = {};
-    if (::stat(path.c_str(), &status) == 0)
+    if (retried([&] { return ::stat(path.c_str(), &status); }) == 0)
         return S_ISDIR(status.st_mode);
     const int number = errno;
     return fileError(number == ENOENT ? kNoSuchFile : number, "Could not examine “" + path.native() + "”.", number);

@@ -1,17 +1,27 @@
 #include "platform/files/Files.h"
 
+#include "platform/files/Native.h"
+#include "platform/files/Retried.h"
+
+#include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
+#include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace platform::files {
 
 namespace {
+
+constexpr std::optional kOwnerOnly(std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 
 /// An open file descriptor that closes itself.
 class Descriptor {
@@ -32,18 +42,21 @@ private:
     int number_;
 };
 
+Descriptor openFile(const Path& path, int flags)
+{
+    return Descriptor(retried([&] { return ::open(path.c_str(), flags | O_CLOEXEC); }));
+}
+
 /// Without O_NONBLOCK a pipe that stands where a file should be would stop the program.
 Descriptor openToRead(const Path& path)
 {
-    return Descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    return openFile(path, O_RDONLY | O_NONBLOCK);
 }
 
 bool writeWhole(int descriptor, std::string_view bytes)
 {
     while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR)
-            continue;
+        const ssize_t written = retried([&] { return ::write(descriptor, bytes.data(), bytes.size()); });
         if (written <= 0)
             return false;
         bytes.remove_prefix(static_cast<std::size_t>(written));
@@ -51,24 +64,74 @@ bool writeWhole(int descriptor, std::string_view bytes)
     return true;
 }
 
-std::optional<struct stat> statusOfFile(const Path& path)
-{
-    struct stat status = {};
-    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) ? std::optional(status) : std::nullopt;
-}
-
-bool flushToDisk(int descriptor)
-{
-    // Some network file systems cannot flush and say so with EINVAL; that is as safe as they get.
-    return ::fsync(descriptor) == 0 || errno == EINVAL;
-}
-
 /// Makes a rename in the folder survive a power cut. The file is in its place either way.
 void flushFolder(const Path& folder)
 {
-    const Descriptor descriptor(::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (descriptor)
-        ::fsync(descriptor.number());
+    if (const Descriptor descriptor = openFile(folder.empty() ? Path(".") : folder, O_RDONLY | O_DIRECTORY))
+        flushToDrive(descriptor.number());
+}
+
+bool look(const Path& path, struct stat& status)
+{
+    return retried([&] { return ::stat(path.c_str(), &status); }) == 0;
+}
+
+bool look(int descriptor, struct stat& status)
+{
+    return retried([&] { return ::fstat(descriptor, &status); }) == 0;
+}
+
+/// False, with EWOULDBLOCK, while another descriptor holds the lock.
+bool lock(int descriptor)
+{
+    return retried([=] { return ::flock(descriptor, LOCK_EX | LOCK_NB); }) == 0;
+}
+
+bool isNumber(std::string_view text)
+{
+    return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
+}
+
+/// How the names of the parts for a destination begin, so that nobody takes one for the file itself. "PROCESS-COUNT"
+/// follows.
+std::string partPrefix(const Path& destination)
+{
+    constexpr std::size_t kLongestName = 255;
+    constexpr std::size_t kRoom = 24; // for the other characters
+    std::string name = destination.filename().native();
+    if (std::size_t size = kLongestName - kRoom; name.size() > size) {
+        while (size > 0 && (static_cast<unsigned char>(name[size]) & 0xC0) == 0x80)
+            --size; // some systems refuse names that end within a character
+        name.resize(size);
+    }
+    return "~" + name + ".";
+}
+
+bool isPart(std::string_view name, std::string_view prefix)
+{
+    if (!name.starts_with(prefix))
+        return false;
+    name.remove_prefix(prefix.size());
+    const std::size_t dash = name.find('-');
+    return dash != name.npos && isNumber(name.substr(0, dash)) && isNumber(name.substr(dash + 1));
+}
+
+/// Removes the parts that no program makes any more. Whoever makes one holds its lock, which goes when a program ends
+/// in whatever way; a process number would be given to another one some day.
+void clearLeftParts(const Path& destination)
+{
+    const std::string prefix = partPrefix(destination);
+    const Path folder = destination.parent_path();
+    std::error_code failure;
+    std::filesystem::directory_iterator entry(folder.empty() ? Path(".") : folder, failure);
+    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
+        if (!isPart(entry->path().filename().native(), prefix))
+            continue;
+        const Descriptor part = openFile(entry->path(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW);
+        struct stat status = {};
+        if (part && look(part.number(), status) && S_ISREG(status.st_mode) && lock(part.number()))
+            files::remove(entry->path());
+    }
 }
 
 } // namespace
@@ -81,20 +144,33 @@ void failBeyondSizeLimits()
 bool exists(const Path& path)
 {
     struct stat status = {};
-    return ::stat(path.c_str(), &status) == 0;
+    return look(path, status);
 }
 
 bool isMissing(const Path& path)
 {
     struct stat status = {};
-    return ::stat(path.c_str(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR);
+    return !look(path, status) && (errno == ENOENT || errno == ENOTDIR);
+}
+
+std::optional<Path> followed(Path path)
+{
+    constexpr int kMostLinks = 40; // as many as the system follows itself
+    for (int links = 0; links <= kMostLinks; ++links) {
+        std::error_code failure;
+        const Path target = std::filesystem::read_symlink(path, failure);
+        if (failure)
+            return path;
+        path = path.parent_path() / target;
+    }
+    return std::nullopt;
 }
 
 std::optional<std::string> read(const Path& path, std::size_t limit)
 {
     const Descriptor descriptor = openToRead(path);
     struct stat status = {};
-    if (!descriptor || ::fstat(descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode))
+    if (!descriptor || !look(descriptor.number(), status) || !S_ISREG(status.st_mode))
         return std::nullopt;
     if (static_cast<std::uintmax_t>(status.st_size) > limit)
         return std::nullopt;
@@ -103,9 +179,8 @@ std::optional<std::string> read(const Path& path, std::size_t limit)
     for (;;) {
         if (used == bytes.size())
             bytes.resize(bytes.size() * 2);
-        const ssize_t got = ::read(descriptor.number(), bytes.data() + used, bytes.size() - used);
-        if (got < 0 && errno == EINTR)
-            continue;
+        const ssize_t got =
+            retried([&] { return ::read(descriptor.number(), bytes.data() + used, bytes.size() - used); });
         if (got < 0)
             return std::nullopt;
         used += static_cast<std::size_t>(got);
@@ -120,27 +195,34 @@ std::optional<std::string> read(const Path& path, std::size_t limit)
 
 bool remove(const Path& path)
 {
-    return ::unlink(path.c_str()) == 0;
-}
-
-std::optional<std::filesystem::perms> permissions(const Path& path)
-{
-    const auto status = statusOfFile(path);
-    return status ? std::optional(static_cast<std::filesystem::perms>(status->st_mode & 0777)) : std::nullopt;
+    return retried([&] { return ::unlink(path.c_str()); }) == 0;
 }
 
 std::optional<std::time_t> modificationTime(const Path& path)
 {
-    const auto status = statusOfFile(path);
-    return status ? std::optional(status->st_mtime) : std::nullopt;
+    struct stat status = {};
+    if (!look(path, status) || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    return status.st_mtime;
 }
 
-PartialFile::PartialFile(Path destination, Path part, std::optional<std::filesystem::perms> mode)
-    : destination_(std::move(destination)), part_(std::move(part)), mode_(mode)
+bool rename(const Path& from, const Path& to)
 {
-    files::remove(part_); // what a killed process may have left
-    // With a mode of its own the file may be a secret, and opening it to others afterwards is safe.
-    descriptor_ = ::open(part_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode_ ? 0600 : 0666);
+    return retried([&] { return ::rename(from.c_str(), to.c_str()); }) == 0;
+}
+
+PartialFile::PartialFile(const Path& destination, std::optional<std::filesystem::perms> mode)
+    : destination_(destination), mode_(mode)
+{
+    clearLeftParts(destination_);
+    static std::atomic<unsigned> count = 0;
+    const std::string prefix = partPrefix(destination_) + std::to_string(::getpid()) + "-";
+    do {
+        part_ = destination_.parent_path() / (prefix + std::to_string(++count));
+        // With a mode of its own the file may be a secret, and opening it to others afterwards is safe.
+        descriptor_ = retried(
+            [this] { return ::open(part_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode_ ? 0600 : 0666); });
+    } while (isOpen() ? !keepLocked() : errno == EEXIST);
 }
 
 PartialFile::~PartialFile()
@@ -156,57 +238,84 @@ bool PartialFile::append(std::string_view bytes)
     return isOpen() && writeWhole(descriptor_, bytes);
 }
 
-bool PartialFile::finish()
+void PartialFile::takeAfter(int descriptor)
+{
+    struct stat status = {};
+    if (!isOpen() || !look(descriptor, status))
+        return;
+    const auto give = [this](uid_t owner, gid_t group) {
+        return retried([&] { return ::fchown(descriptor_, owner, group); }) == 0;
+    };
+    copyAttributes(descriptor, descriptor_);
+    unsigned mode = status.st_mode & 07777U;
+    // Only who may give files away can keep another's; the group can often be kept all the same.
+    if (!give(status.st_uid, status.st_gid)) {
+        mode &= ~unsigned{S_ISUID};
+        if (!give(static_cast<uid_t>(-1), status.st_gid)) // another group may do no more than everybody
+            mode &= ~unsigned{S_IRWXG | S_ISGID} | (mode & S_IRWXO) << 3;
+    }
+    mode_ = static_cast<std::filesystem::perms>(mode);
+}
+
+bool PartialFile::finish(Flush flush)
 {
     if (!isOpen())
         return false;
-    if (mode_)
-        ::fchmod(descriptor_, static_cast<mode_t>(*mode_)); // some mounts refuse; the content is what counts
-    const bool isOnDisk = flushToDisk(descriptor_);
-    if (!close() || !isOnDisk || ::rename(part_.c_str(), destination_.c_str()) != 0) {
+    if (mode_) // some mounts refuse; the content is what counts
+        retried([this] { return ::fchmod(descriptor_, static_cast<mode_t>(*mode_)); });
+    const bool isWhole = flush == Flush::none || flushToDrive(descriptor_);
+    const Descriptor locked(
+        retried([this] { return ::fcntl(descriptor_, F_DUPFD_CLOEXEC, 0); })); // until it is renamed
+    if (!close() || !isWhole || !files::rename(part_, destination_)) {
         files::remove(part_);
         return false;
     }
-    flushFolder(destination_.parent_path());
+    if (flush == Flush::toDrive)
+        flushFolder(destination_.parent_path());
     return true;
+}
+
+bool PartialFile::keepLocked()
+{
+    // Between its creation and the lock another program may have taken it for one that was left, and removed it.
+    if ((lock(descriptor_) || errno != EWOULDBLOCK) && !isMissing(part_))
+        return true;
+    close();
+    files::remove(part_);
+    return false;
 }
 
 bool PartialFile::close()
 {
-    return ::close(std::exchange(descriptor_, -1)) == 0;
+    // An interrupted one is closed all the same, and closing it again could close somebody else's.
+    return ::close(std::exchange(descriptor_, -1)) == 0 || errno == EINTR;
 }
 
-bool writeAtomically(const Path& path, std::string_view bytes, std::optional<std::filesystem::perms> mode)
+bool writeAtomically(const Path& path, std::string_view bytes, std::optional<std::filesystem::perms> mode, Flush flush)
 {
-    PartialFile file(path, partialName(path), mode);
-    return file.append(bytes) && file.finish();
+    const Descriptor former = mode ? Descriptor(-1) : openToRead(path);
+    PartialFile file(path, former ? kOwnerOnly : mode);
+    if (former)
+        file.takeAfter(former.number());
+    return file.append(bytes) && file.finish(flush);
 }
 
 bool copy(const Path& from, const Path& to)
 {
     const Descriptor source = openToRead(from);
-    const auto mode = permissions(from);
-    if (!source || !mode)
+    struct stat status = {};
+    if (!source || !look(source.number(), status) || !S_ISREG(status.st_mode))
         return false;
-    PartialFile file(to, partialName(to), mode);
+    PartialFile file(to, kOwnerOnly);
+    file.takeAfter(source.number());
     std::vector<char> piece(std::size_t{1} << 18);
     for (;;) {
-        const ssize_t got = ::read(source.number(), piece.data(), piece.size());
+        const ssize_t got = retried([&] { return ::read(source.number(), piece.data(), piece.size()); });
         if (got == 0)
             return file.finish();
-        if (got < 0 && errno == EINTR)
-            continue;
         if (got < 0 || !file.append({piece.data(), static_cast<std::size_t>(got)}))
             return false;
     }
-}
-
-Path partialName(const Path& path)
-{
-    std::string name = path.filename().native();
-    if (!name.empty())
-        name[0] = name[0] == '~' ? '_' : '~';
-    return path.parent_path() / name;
 }
 
 } // namespace platform::files

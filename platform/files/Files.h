@@ -25,54 +25,61 @@ bool exists(const Path& path);
 /// Whether certainly nothing stands at the path; not the opposite of `exists` where the system would not say.
 bool isMissing(const Path& path);
 
+/// What a link at the path leads to in the end, also where nothing stands there; the path itself where no link stands.
+/// None where links lead in circles.
+std::optional<Path> followed(Path path);
+
 /// The whole content of a regular file; none when it cannot be read, is no regular file or exceeds `limit` bytes.
 std::optional<std::string> read(const Path& path, std::size_t limit = kNoLimit);
 
 /// Removes a file or a link (the link itself, not its target). False when that failed.
 bool remove(const Path& path);
 
-/// Permission bits of a regular file, so that its successor can have them; none when there is no such file.
-std::optional<std::filesystem::perms> permissions(const Path& path);
-
 /// When a regular file was last written; none when there is no such file.
 std::optional<std::time_t> modificationTime(const Path& path);
 
-/// A file in the making beside its destination. Gets its name when it is whole; until then, and whenever a step fails,
-/// the destination is as it was, and the part goes with this object.
+/// Gives a file or a link another name, in place of what has that. False when that failed; nothing has changed then.
+bool rename(const Path& from, const Path& to);
+
+/// Whether a finished file has to outlast a power cut, or only the end of the program.
+enum class Flush { toDrive, none };
+
+/// A file in the making beside its destination, under a name that no other file in the making has. Gets its own name
+/// when it is whole; until then, and whenever a step fails, the destination is as it was, and the part goes with this
+/// object. A link at the destination is replaced, not followed.
 class PartialFile {
 public:
-    /// Creates the part, in place of one that was left there. `mode` gives the finished file's permission bits; until
-    /// it is finished only its owner can read it. Without it they follow the process's mask.
-    PartialFile(Path destination, Path part, std::optional<std::filesystem::perms> mode = {});
+    /// Creates the part and clears those that ended programs have left for the same destination. Without a `mode` (the
+    /// permission bits; until it is finished only its owner can read it) they follow the process's mask.
+    explicit PartialFile(const Path& destination, std::optional<std::filesystem::perms> mode = {});
     PartialFile(const PartialFile&) = delete;
     PartialFile& operator=(const PartialFile&) = delete;
     ~PartialFile();
 
-    const Path& part() const { return part_; }
     bool isOpen() const { return descriptor_ >= 0; }
     bool append(std::string_view bytes);
-    /// Flushes the part to disk, renames it to the destination and flushes the folder.
-    bool finish();
+    /// Owner, permission bits, extended attributes and access-control list as those of an open file, as far as is
+    /// permitted.
+    void takeAfter(int descriptor);
+    /// Flushes the part and renames it to the destination.
+    bool finish(Flush flush = Flush::toDrive);
 
 private:
+    bool keepLocked();
     bool close();
 
     Path destination_;
     Path part_;
     std::optional<std::filesystem::perms> mode_;
-    int descriptor_;
+    int descriptor_ = -1;
 };
 
-/// Writes a PartialFile named as `partialName` says and gives it the name `path`. False when any step failed: `path` is
-/// then as it was and the temporary file is gone.
-bool writeAtomically(const Path& path, std::string_view bytes, std::optional<std::filesystem::perms> mode = {});
+/// Replaces the file at `path` in one step; it keeps owner, permissions and attributes unless a `mode` is given. False
+/// when any step failed: `path` is then as it was.
+bool writeAtomically(const Path& path, std::string_view bytes, std::optional<std::filesystem::perms> mode = {},
+                     Flush flush = Flush::toDrive);
 
-/// Copies a regular file's content and permission bits, written as `writeAtomically` does; replaces what stands there.
+/// Replaces the file at `to`, in one step, by a copy of a regular file with its owner, permissions and attributes.
 bool copy(const Path& from, const Path& to);
-
-/// The temporary name a write to `path` uses: its own name but for the first character, so that where a path could be
-/// read and deleted it can be written again. Always the same for one path, so that a later write clears what a killed
-/// process left.
-Path partialName(const Path& path);
 
 } // namespace platform::files

@@ -1,5 +1,7 @@
 #include "platform/files/FolderWalk.h"
 
+#include "platform/files/Retried.h"
+
 #include <cerrno>
 #include <cstddef>
 #include <memory>
@@ -30,7 +32,7 @@ using Folder = std::unique_ptr<DIR, CloseFolder>;
 /// None, with errno, where it cannot be opened.
 Folder openFolder(int parent, const char* name, int flags)
 {
-    const int descriptor = ::openat(parent, name, flags);
+    const int descriptor = files::retried([=] { return ::openat(parent, name, flags); });
     Folder folder(descriptor < 0 ? nullptr : ::fdopendir(descriptor));
     if (descriptor >= 0 && !folder) {
         const int error = errno;
@@ -46,7 +48,7 @@ WalkedItem::Kind kindOf(int folder, const dirent& entry)
     if (entry.d_type != DT_UNKNOWN)
         return entry.d_type == DT_DIR ? Kind::folder : Kind::file;
     struct stat status = {};
-    if (::fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+    if (files::retried([&] { return ::fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW); }) != 0)
         return Kind::unknown;
     return S_ISDIR(status.st_mode) ? Kind::folder : Kind::file;
 }
@@ -107,7 +109,8 @@ private:
         read(levels_.back());
         if (levels_.size() > kOpenLevels) {
             Level& above = levels_[levels_.size() - 1 - kOpenLevels];
-            if (above.folder && ::fstat(::dirfd(above.folder.get()), &above.closed) == 0)
+            if (above.folder &&
+                files::retried([&] { return ::fstat(::dirfd(above.folder.get()), &above.closed); }) == 0)
                 above.folder.reset();
         }
     }
@@ -134,7 +137,7 @@ private:
         Level& level = levels_.back();
         Folder folder = openFolder(::dirfd(left.get()), "..", kNoLinks);
         struct stat status = {};
-        const bool isSame = folder && ::fstat(::dirfd(folder.get()), &status) == 0 &&
+        const bool isSame = folder && files::retried([&] { return ::fstat(::dirfd(folder.get()), &status); }) == 0 &&
                             status.st_dev == level.closed.st_dev && status.st_ino == level.closed.st_ino;
         if (isSame) // or the tree was moved about meanwhile
             level.folder = std::move(folder);

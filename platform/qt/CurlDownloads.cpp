@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace platform::qt {
@@ -18,9 +17,9 @@ constexpr int kLooks = 30;
 } // namespace
 
 struct CurlDownloads::Download {
-    Download(std::string address, std::size_t limit, const files::Path& destination, files::Path part,
-             DownloadHandlers toTell, std::function<void()> progressed)
-        : file(destination, std::move(part)),
+    Download(std::string address, std::size_t limit, const files::Path& destination, DownloadHandlers toTell,
+             std::function<void()> progressed)
+        : file(destination),
           handlers(std::move(toTell)),
           transfer({std::move(address), false, {}, {}}, limit, [this, progressed](std::string_view bytes) {
               progressed();
@@ -57,9 +56,8 @@ CurlDownloads::~CurlDownloads()
 void CurlDownloads::start(const std::string& address, const std::filesystem::path& destination,
                           DownloadHandlers handlers)
 {
-    clearLeftParts(destination);
-    running_.push_back(std::make_unique<Download>(address, sizeLimit_, destination, unusedPart(destination),
-                                                  std::move(handlers), [this] { Q_EMIT progressed(); }));
+    running_.push_back(std::make_unique<Download>(address, sizeLimit_, destination, std::move(handlers),
+                                                  [this] { Q_EMIT progressed(); }));
     Download& download = *running_.back();
     if (!download.file.isOpen())
         return end(download, CURLE_WRITE_ERROR);
@@ -67,35 +65,6 @@ void CurlDownloads::start(const std::string& address, const std::filesystem::pat
         watch_.start();
     goOn(download, CURLE_OK);
     Q_EMIT progressed();
-}
-
-bool CurlDownloads::isUsed(const std::filesystem::path& part) const
-{
-    return std::any_of(running_.begin(), running_.end(),
-                       [&](const auto& download) { return download->file.isOpen() && download->file.part() == part; });
-}
-
-std::filesystem::path CurlDownloads::unusedPart(const std::filesystem::path& destination) const
-{
-    // Two downloads to one destination must not write into one part.
-    std::filesystem::path part = files::partialName(destination);
-    while (isUsed(part))
-        part += "2";
-    return part;
-}
-
-void CurlDownloads::clearLeftParts(const std::filesystem::path& destination) const
-{
-    // Only the part with the plain name is cleared by whoever writes it next.
-    const std::string plain = files::partialName(destination).filename().native();
-    std::error_code failure;
-    std::filesystem::directory_iterator entry(destination.parent_path(), failure);
-    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        const std::string name = entry->path().filename().native();
-        const bool isPart = name.starts_with(plain) && name.find_first_not_of('2', plain.size()) == name.npos;
-        if (isPart && !isUsed(entry->path()))
-            files::remove(entry->path());
-    }
 }
 
 DownloadProgress CurlDownloads::progress() const

@@ -54,9 +54,6 @@ private:
     void complete(std::function<void()> tell);
     void scheduleDelivery();
     void deliver();
-    bool isUsed(const std::filesystem::path& part) const;
-    std::filesystem::path unusedPart(const std::filesystem::path& destination) const;
-    void clearLeftParts(const std::filesystem::path& destination) const;
 
     CompletionGate& gate_;
     std::size_t sizeLimit_;

@@ -121,6 +121,17 @@ std::filesystem::path UserFolders::userApplicationSupport() const
 #endif
 }
 
+std::filesystem::path UserFolders::drafts() const
+{
+#ifdef Q_OS_MACOS
+    return home() / "Library/Autosave Information" / KV_BUNDLE_IDENTIFIER;
+#else
+    const std::filesystem::path state = environmentOr("XDG_STATE_HOME", "");
+    const auto name = fromQt(QCoreApplication::applicationName());
+    return (state.is_absolute() ? state : home() / ".local/state") / name / "drafts";
+#endif
+}
+
 std::filesystem::path UserFolders::resources() const
 {
     const auto folder = QFile::encodeName(QCoreApplication::applicationDirPath()).toStdString();

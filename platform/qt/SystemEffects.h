@@ -30,6 +30,7 @@ public:
     std::filesystem::path home() const override;
     std::filesystem::path localApplicationSupport() const override;
     std::filesystem::path userApplicationSupport() const override;
+    std::filesystem::path drafts() const override;
     std::filesystem::path resources() const override;
 };
 

@@ -81,7 +81,7 @@ std::optional<Error> PersistentStoreCoordinator::save(const ObjectGraph& objects
     const std::string bytes = toXml(objects);
     if (fromXml(bytes) != objects)
         return storeError(kStoreUnsuitable, "written", file_, "It was given a value that its format cannot keep.");
-    if (!files::writeAtomically(file_, bytes, files::permissions(file_)))
+    if (!files::writeAtomically(file_, bytes))
         return storeError(kStoreUnwritable, "written", file_,
                           "The disk may be full, or the folder may not be yours to write in.");
     saved_ = objects;

@@ -1,5 +1,6 @@
 // The chart as a file beside the plug-in's own.
 
+#include "tests/support/Obstacles.h"
 #include "tests/support/WindowlessTest.h"
 
 #include <filesystem>
@@ -62,6 +63,18 @@ TEST_F(ChartFile, IsNotWrittenWhereANameIsNotAsciiAndTheEarlierOneIsGone)
     EXPECT_FALSE(std::filesystem::exists(chartOf(file)));
     EXPECT_THAT(opened_, ElementsAre(chartOf(file)));
     EXPECT_THAT(alerts_, IsEmpty());
+}
+
+TEST_F(ChartFile, ThatCannotBeWrittenTakesTheEarlierOneAway)
+{
+    const Path file = edit({"1 Gain"});
+    test::write(chartOf(file), "of another mapping");
+    {
+        const test::FullDisk disk(100);
+        controller_.kvCreateChart();
+    }
+    EXPECT_FALSE(std::filesystem::exists(chartOf(file)));
+    EXPECT_THAT(opened_, ElementsAre(chartOf(file)));
 }
 
 TEST_F(ChartFile, ThatCannotBeWrittenIsOpenedAllTheSame)

@@ -267,7 +267,7 @@ TEST_F(Download, FailsWhenTheFileCannotBeWritten)
     start(http_, peer_.url());
     EXPECT_FALSE(wait());
     EXPECT_TRUE(fs::exists(file_ / "x"));
-    EXPECT_FALSE(fs::exists(files::partialName(file_)));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1); // no part stays
 }
 
 TEST_F(Download, DoesNotMixWithAnotherToTheSameFile)
@@ -287,20 +287,6 @@ TEST_F(Download, DoesNotMixWithAnotherToTheSameFile)
     EXPECT_TRUE(wait(2));
     EXPECT_EQ(test::read(file_), "first!");
     EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1);
-}
-
-TEST_F(Download, ClearsWhatKilledOnesLeft)
-{
-    const std::string part = files::partialName(file_).native();
-    for (const char* more : {"", "2", "22"})
-        test::write(part + more, "sha");
-    test::write(part + "3", "nobody's");
-    peer_.play(test::reply("shared"));
-    start(http_, peer_.url());
-    EXPECT_TRUE(wait());
-    EXPECT_EQ(test::read(file_), "shared");
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 2);
-    EXPECT_TRUE(fs::exists(part + "3"));
 }
 
 TEST_F(Download, LeavesNothingBehindWhenTheProgramEnds)

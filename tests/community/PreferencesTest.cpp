@@ -58,9 +58,10 @@ TEST_F(PreferencesFile, CanBeReadByItsOwnerOnly)
 TEST_F(PreferencesFile, IsNeverOpenToOthersWhileItIsWritten)
 {
     const mode_t mask = ::umask(0);
-    const fs::path part = home_.path() / "part";
-    const files::PartialFile file(home_.path() / "secret", part, fs::perms(0644));
-    EXPECT_EQ(modeOf(part), 0600u);
+    const fs::path folder = home_.path() / "secrets";
+    fs::create_directory(folder);
+    const files::PartialFile file(folder / "secret", fs::perms(0644));
+    EXPECT_EQ(modeOf(fs::directory_iterator(folder)->path()), 0600u);
     ::umask(mask);
 }
 

@@ -8,11 +8,19 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <iterator>
 #include <set>
 #include <string>
 #include <vector>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#if defined(__linux__)
+#include <sys/xattr.h>
+#endif
 
 namespace {
 
@@ -32,8 +40,28 @@ const char kHead[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 <plist version="1.0">
 )";
 
+/// While it lives, this process can open no file more.
+class NoMoreFiles {
+public:
+    NoMoreFiles()
+    {
+        ::getrlimit(RLIMIT_NOFILE, &former_);
+        const rlimit none = {0, former_.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &none);
+    }
+    NoMoreFiles(const NoMoreFiles&) = delete;
+    NoMoreFiles& operator=(const NoMoreFiles&) = delete;
+    ~NoMoreFiles() { ::setrlimit(RLIMIT_NOFILE, &former_); }
+
+private:
+    rlimit former_ = {};
+};
+
 class MappingStore : public testing::Test {
 protected:
+    // A user who may not write there still gets there.
+    MappingStore() { fs::permissions(folder_.path(), fs::perms(0755)); }
+
     /// Names in the folder of the file.
     std::set<std::string> names() const
     {
@@ -52,6 +80,7 @@ protected:
     const Path file_ = folder_ / "CSParameterOrder.plist";
     const Path original_ = folder_ / "CSParameterOrder.plist.original";
     const Path previous_ = folder_ / "CSParameterOrder.plist.prev";
+    const Path unreadable_ = folder_ / "CSParameterOrder.plist.unreadable";
 };
 
 TEST_F(MappingStore, BackupsStandBesideTheFile)
@@ -137,16 +166,95 @@ TEST_F(MappingStore, AFileWithoutAnOrderGetsACatalogueOfMinusOneAlone)
               (plist::Dictionary{{"Version", plist::Integer(1)}, {"KorvelCSUnique", plist::Array{"-1"}}}));
 }
 
-TEST_F(MappingStore, MarkingAFileThatCannotBeReadDeletesIt)
+TEST_F(MappingStore, MarkingMovesWhatIsNoDictionaryOutOfTheWay)
 {
     const plist::Value array(plist::Array{"1 A"});
     for (const std::string& bytes :
          {std::string("no property list"), std::string(), plist::write({array, plist::Form::xml}),
           std::string("<plist><dict><key>"), std::string("bplist00")}) {
         write(file_, bytes);
-        markFile(file_);
-        EXPECT_THAT(names(), IsEmpty()) << bytes;
+        EXPECT_FALSE(markFile(file_).has_value());
+        EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist.unreadable")) << bytes;
+        EXPECT_EQ(read(unreadable_), bytes) << "in place of the one before";
     }
+}
+
+TEST_F(MappingStore, WhatCouldNotBeReadJustNowIsLeftAloneAndLoadsAsAnEmptyOne)
+{
+    write(file_, "no property list");
+    const auto expectLeftAlone = [&] {
+        EXPECT_EQ(orderOf(readMapping(file_, std::nullopt).entries), Texts(8, "-1"));
+        EXPECT_FALSE(markFile(file_).has_value());
+        EXPECT_FALSE(saveMapping(file_, mappingOf({"1 A"}), 0));
+    };
+    {
+        const test::Forbidden forbidden(file_, fs::perms::none);
+        expectLeftAlone();
+    }
+    {
+        const NoMoreFiles none;
+        expectLeftAlone();
+    }
+    EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist"));
+    EXPECT_EQ(read(file_), "no property list");
+}
+
+TEST_F(MappingStore, AFileOfMoreThanSixtyFourMebibytesIsLeftAloneAndBackedUp)
+{
+    constexpr std::uintmax_t kMost = std::uintmax_t{64} << 20;
+    write(file_, "no property list");
+    fs::resize_file(file_, kMost + 1); // takes no room on disk
+    EXPECT_EQ(orderOf(readMapping(file_, std::nullopt).entries), Texts(8, "-1"));
+    EXPECT_FALSE(markFile(file_).has_value());
+    EXPECT_FALSE(saveMapping(file_, mappingOf({"1 A"}), 0));
+    EXPECT_EQ(fs::file_size(file_), kMost + 1);
+    EXPECT_EQ(fs::file_size(previous_), kMost + 1);
+    fs::resize_file(file_, kMost);
+    EXPECT_FALSE(markFile(file_).has_value());
+    EXPECT_EQ(fs::file_size(unreadable_), kMost);
+    EXPECT_FALSE(fs::exists(file_));
+}
+
+TEST_F(MappingStore, WhatIsNoFileIsLeftAlone)
+{
+    ASSERT_EQ(::mkfifo(file_.c_str(), 0600), 0);
+    markFile(file_);
+    save(file_, {"1 A"});
+    EXPECT_TRUE(fs::is_fifo(file_));
+    fs::remove(file_);
+    write(file_ / "inside", "kept");
+    markFile(file_);
+    save(file_, {"1 A"});
+    EXPECT_EQ(read(file_ / "inside"), "kept");
+    EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist"));
+}
+
+TEST_F(MappingStore, WhatCannotBeWrittenStaysAsItWas)
+{
+    test::writeDictionary(file_, test::orderFile({"1 A"}));
+    const std::string before = read(file_);
+    const auto expectKept = [&] {
+        EXPECT_FALSE(markFile(file_).has_value());
+        EXPECT_FALSE(saveMapping(file_, mappingOf({"2 B"}), 0));
+    };
+    {
+        const test::FullDisk disk(10);
+        expectKept();
+    }
+    {
+        const test::Forbidden readOnly(folder_.path(), fs::perms(0555));
+        expectKept();
+    }
+    EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist"));
+    EXPECT_EQ(read(file_), before);
+
+    write(file_, "no property list");
+    {
+        const test::Forbidden readOnly(folder_.path(), fs::perms(0555));
+        expectKept();
+    }
+    EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist"));
+    EXPECT_EQ(read(file_), "no property list");
 }
 
 TEST_F(MappingStore, AFileStaysWhoseMarkedContentCouldNotBeReadBack)
@@ -365,28 +473,42 @@ TEST_F(MappingStore, SavingTwiceWritesTheSameBytes)
     }
 }
 
-TEST_F(MappingStore, AFileThatCannotBeReadIsBackedUpThenDeleted)
+TEST_F(MappingStore, WhatIsNoDictionaryIsBackedUpThenMovedOutOfTheWay)
 {
     write(file_, "no property list");
-    save(file_, {"1 A"});
-    EXPECT_EQ(read(original_), "no property list");
-    EXPECT_EQ(read(previous_), "no property list");
+    write(unreadable_, "of another time");
+    EXPECT_FALSE(saveMapping(file_, mappingOf({"1 A"}), 0));
+    for (const Path& path : {original_, previous_, unreadable_})
+        EXPECT_EQ(read(path), "no property list") << path;
     EXPECT_FALSE(fs::exists(file_));
 }
 
 TEST_F(MappingStore, SavingAMissingFileMakesNone)
 {
-    save(file_, {"1 A"});
+    EXPECT_FALSE(saveMapping(file_, mappingOf({"1 A"}), 0));
     EXPECT_THAT(names(), IsEmpty());
 }
 
-TEST_F(MappingStore, SavingAMissingFileTakesThePreviousBackupAway)
+TEST_F(MappingStore, SavingAMissingFileLeavesItsBackups)
 {
     write(original_, "the original");
     write(previous_, "the one before");
     save(file_, {"1 A"});
     EXPECT_EQ(read(original_), "the original");
-    EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist.original"));
+    EXPECT_EQ(read(previous_), "the one before");
+    EXPECT_FALSE(fs::exists(file_));
+}
+
+TEST_F(MappingStore, ABackupThatCannotBeMadeStaysAsItWas)
+{
+    test::writeDictionary(file_, test::orderFile(test::numbered(300)));
+    write(previous_, "the one before");
+    {
+        const test::FullDisk disk(2000); // there is room for the mapping of eight
+        EXPECT_TRUE(saveMapping(file_, mappingOf({"1 A"}), 0));
+    }
+    EXPECT_EQ(read(previous_), "the one before");
+    EXPECT_FALSE(fs::exists(original_));
 }
 
 TEST_F(MappingStore, SavingKeepsThePermissionsOfTheFileInItAndInItsBackups)
@@ -401,16 +523,122 @@ TEST_F(MappingStore, SavingKeepsThePermissionsOfTheFileInItAndInItsBackups)
     }
 }
 
-TEST_F(MappingStore, SavingThroughALinkReplacesTheLinkAndLeavesItsTarget)
+#if defined(__linux__)
+TEST_F(MappingStore, MarkingSavingAndRecallKeepExtendedAttributes)
 {
-    test::writeDictionary(folder_ / "target", test::orderFile({"1 A"}));
-    const std::string before = read(folder_ / "target");
-    fs::create_symlink("target", file_);
+    test::writeDictionary(file_, test::orderFile({"1 A"}));
+    if (::setxattr(file_.c_str(), "user.origin", "here", 4, 0) != 0)
+        GTEST_SKIP() << "the file system knows none";
+    markFile(file_);
     save(file_, {"2 B"});
-    EXPECT_EQ(read(folder_ / "target"), before);
+    recallBackup(file_, "original");
+    for (const Path& path : {file_, original_, previous_}) {
+        char bytes[10];
+        EXPECT_EQ(::getxattr(path.c_str(), "user.origin", bytes, sizeof bytes), 4) << path;
+    }
+}
+#endif
+
+TEST_F(MappingStore, ALinkIsFollowedAndStays)
+{
+    const Path target = folder_ / "elsewhere/target";
+    test::writeDictionary(target, test::orderFile({"1 A"}));
+    fs::permissions(target, fs::perms(0640));
+    fs::create_symlink("elsewhere/target", folder_ / "between");
+    fs::create_symlink("between", file_);
+    EXPECT_TRUE(markFile(file_).has_value());
+    EXPECT_THAT(test::textsAt(target, test::kCatalogue), ElementsAre("-1", "1 A"));
+    const std::string marked = read(target);
+    EXPECT_TRUE(saveMapping(file_, mappingOf({"2 B"}), 0));
+    EXPECT_EQ(test::textsAt(target, test::kOrder).front(), "2 B");
+    EXPECT_TRUE(recallBackup(file_, "prev"));
+    EXPECT_EQ(read(target), marked);
+    EXPECT_EQ(fs::read_symlink(file_), "between");
+    EXPECT_EQ(fs::read_symlink(folder_ / "between"), "elsewhere/target");
+    for (const Path& backup : {original_, previous_}) {
+        EXPECT_FALSE(fs::is_symlink(backup));
+        EXPECT_EQ(read(backup), marked);
+        EXPECT_EQ(fs::status(backup).permissions(), fs::perms(0640));
+    }
+    EXPECT_EQ(fs::status(target).permissions(), fs::perms(0640));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_ / "elsewhere"), {}), 1);
+}
+
+TEST_F(MappingStore, ALinkToNoDictionaryIsMovedOutOfTheWayWithoutItsTarget)
+{
+    write(folder_ / "target", "no property list");
+    fs::create_symlink("target", file_);
+    EXPECT_FALSE(markFile(file_).has_value());
+    EXPECT_EQ(read(folder_ / "target"), "no property list");
+    EXPECT_EQ(read(unreadable_), "no property list");
     EXPECT_FALSE(fs::is_symlink(file_));
-    EXPECT_EQ(test::textsAt(file_, test::kOrder).front(), "2 B");
-    EXPECT_EQ(read(previous_), before);
+}
+
+TEST_F(MappingStore, LinksThatLeadNowhereAreLeftAlone)
+{
+    for (const char* target : {"missing", "CSParameterOrder.plist"}) {
+        fs::create_symlink(target, file_);
+        EXPECT_FALSE(markFile(file_).has_value());
+        EXPECT_FALSE(saveMapping(file_, mappingOf({"1 A"}), 0));
+        EXPECT_EQ(fs::read_symlink(file_), target);
+        EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist"));
+        fs::remove(file_);
+    }
+}
+
+TEST_F(MappingStore, RecallThroughALinkThatLeadsNowhereMakesItsTarget)
+{
+    write(previous_, "the one before");
+    fs::create_symlink("missing", file_);
+    EXPECT_TRUE(recallBackup(file_, "prev"));
+    EXPECT_EQ(read(folder_ / "missing"), "the one before");
+    EXPECT_TRUE(fs::is_symlink(file_));
+    fs::remove(file_);
+    fs::create_symlink("CSParameterOrder.plist", file_); // in a circle
+    EXPECT_TRUE(recallBackup(file_, "prev"));
+    EXPECT_TRUE(fs::is_symlink(file_));
+}
+
+TEST_F(MappingStore, ABackupThatIsALinkIsReplacedSoThatNoOtherFileIsChanged)
+{
+    test::writeDictionary(file_, test::orderFile({"1 A"}));
+    const std::string start = read(file_);
+    save(file_, {"2 B"});
+    const std::string first = read(file_);
+    fs::remove(previous_);
+    fs::create_symlink(original_, previous_);
+    save(file_, {"3 C"});
+    EXPECT_EQ(read(original_), start);
+    EXPECT_EQ(read(previous_), first);
+}
+
+TEST_F(MappingStore, TwoInstancesSavingInTurnNeverMeetAPartOfTheOther)
+{
+    test::writeDictionary(file_, test::orderFile({"1 A"}));
+    const std::string start = read(file_);
+    std::string before = start;
+    for (int turn = 1; turn <= 6; ++turn) {
+        platform::files::PartialFile ours(file_); // that this instance is just making
+        ASSERT_TRUE(ours.append("not whole yet"));
+        const std::string order = std::to_string(turn) + " Theirs";
+        const pid_t other = ::fork();
+        ASSERT_GE(other, 0);
+        if (other == 0)
+            ::_exit(saveMapping(file_, mappingOf({order}), 0) ? 0 : 1);
+        int status = 0;
+        ASSERT_EQ(::waitpid(other, &status, 0), other);
+        EXPECT_EQ(status, 0);
+        EXPECT_EQ(names().size(), 4U) << "the part of this one stays";
+        EXPECT_EQ(test::textsAt(file_, test::kOrder).front(), order);
+        EXPECT_EQ(read(previous_), before);
+        before = read(file_);
+        EXPECT_TRUE(saveMapping(file_, mappingOf({"7 Ours"}), 0));
+        EXPECT_EQ(read(previous_), before);
+        before = read(file_);
+    }
+    EXPECT_EQ(read(original_), start);
+    EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist", "CSParameterOrder.plist.original",
+                                              "CSParameterOrder.plist.prev"));
 }
 
 TEST_F(MappingStore, SavesBelowFoldersOfAnyName)
@@ -428,9 +656,10 @@ TEST_F(MappingStore, SavesBelowFoldersOfAnyName)
     }
 }
 
-TEST_F(MappingStore, NoWriteLeavesItsPartialFileBehind)
+TEST_F(MappingStore, EveryStepClearsWhatAKilledRunLeft)
 {
-    write(platform::files::partialName(file_), "of a killed run");
+    for (const char* ending : {"", ".original", ".prev"})
+        write(folder_ / ("~CSParameterOrder.plist" + std::string(ending) + ".12345-1"), "of a killed run");
     test::writeDictionary(file_, test::orderFile({"1 A"}));
     markFile(file_);
     save(file_, {"2 B"});
@@ -489,7 +718,7 @@ TEST_F(MappingStore, RecallBringsBackAMissingFile)
     EXPECT_EQ(read(file_), start);
 }
 
-TEST_F(MappingStore, RecallDeletesTheFileBeforeItCopiesTheBackup)
+TEST_F(MappingStore, ARecallThatFailsLeavesTheFile)
 {
     write(file_, "the file");
     write(previous_, "a backup that the disk has no room for");
@@ -497,7 +726,12 @@ TEST_F(MappingStore, RecallDeletesTheFileBeforeItCopiesTheBackup)
         const test::FullDisk disk(10);
         EXPECT_TRUE(recallBackup(file_, "prev"));
     }
-    EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist.prev"));
+    {
+        const test::Forbidden forbidden(previous_, fs::perms::none);
+        EXPECT_TRUE(recallBackup(file_, "prev"));
+    }
+    EXPECT_EQ(read(file_), "the file");
+    EXPECT_THAT(names(), UnorderedElementsAre("CSParameterOrder.plist", "CSParameterOrder.plist.prev"));
 }
 
 TEST_F(MappingStore, RecallBringsBackThePermissionsOfTheBackup)

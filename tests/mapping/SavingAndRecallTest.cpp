@@ -1,3 +1,4 @@
+#include "tests/support/Obstacles.h"
 #include "tests/support/WindowlessTest.h"
 
 namespace {
@@ -6,6 +7,7 @@ using test::Path;
 using test::read;
 using test::ShownAlert;
 using test::Texts;
+using test::write;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -40,6 +42,50 @@ TEST_F(SavingAndRecall, ASaveTellsOfSuccessEvenWhereTheFileIsGone)
     controller_.kvExportToPlist();
     EXPECT_THAT(alerts_, ElementsAre(savedTo(file)));
     EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+TEST_F(SavingAndRecall, WhatCouldNotBeWrittenIsToldAsAlwaysAndStaysUnsaved)
+{
+    const Path file = edit({"1 A", "2 B"});
+    selectParameter(2);
+    controller_.kvRotBtn1_Pressed();
+    {
+        const test::FullDisk disk(10);
+        controller_.kvExportToPlist();
+    }
+    EXPECT_THAT(alerts_, ElementsAre(savedTo(file)));
+    EXPECT_TRUE(controller_.hasUnsavedChanges());
+    EXPECT_EQ(controller_.changedPots(), 1U);
+
+    const std::string before = read(file);
+    write(file, "no property list");
+    controller_.kvExportToPlist();
+    EXPECT_TRUE(controller_.hasUnsavedChanges()) << "it is gone";
+    EXPECT_EQ(read(file.native() + ".unreadable"), "no property list");
+    controller_.kvExportToPlist();
+    EXPECT_TRUE(controller_.hasUnsavedChanges()) << "there is none";
+    EXPECT_THAT(alerts_, ElementsAre(savedTo(file), savedTo(file), savedTo(file)));
+
+    write(file, before);
+    controller_.kvExportToPlist();
+    EXPECT_FALSE(controller_.hasUnsavedChanges());
+}
+
+TEST_F(SavingAndRecall, ARecallThatFailsIsToldAsAlwaysAndKeepsTheFile)
+{
+    const Path file = edit({"1 A", "2 B"});
+    selectParameter(2);
+    controller_.kvRotBtn1_Pressed();
+    controller_.kvExportToPlist();
+    const std::string saved = read(file);
+    alerts_.clear();
+    {
+        const test::FullDisk disk(10);
+        controller_.kvRecallPreviousMapping();
+    }
+    EXPECT_THAT(alerts_, ElementsAre(recalled_));
+    EXPECT_EQ(read(file), saved);
+    EXPECT_EQ(pots().front(), "B");
 }
 
 TEST_F(SavingAndRecall, AModeThatWasSavedIsTheOneThePluginOpensIn)

@@ -20,6 +20,7 @@ public:
     Path home() const override { return user_.home(); }
     Path localApplicationSupport() const override { return user_.localApplicationSupport(); }
     Path userApplicationSupport() const override { return user_.userApplicationSupport(); }
+    Path drafts() const override { return user_.drafts(); }
     Path resources() const override { return resources_; }
 
 private:

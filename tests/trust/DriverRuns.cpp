@@ -3,6 +3,7 @@
 #include "tests/support/OrderFiles.h"
 
 #include <algorithm>
+#include <atomic>
 #include <sstream>
 #include <stdexcept>
 
@@ -48,6 +49,7 @@ std::vector<std::string> environment(const Path& watched, const Path& trace, con
         settings.push_back("KV_FAULT_TRACE=" + trace.native());
     settings.push_back("KV_FAULT_AT=" + std::to_string(fault.at));
     settings.push_back("KV_FAULT=" + std::to_string(fault.error));
+    settings.push_back("KV_FAULT_SIGNAL=" + std::to_string(fault.signal));
     if (fault.lasts)
         settings.push_back("KV_FAULT_LASTS=1");
     if (!fault.obstacle.empty())
@@ -57,8 +59,8 @@ std::vector<std::string> environment(const Path& watched, const Path& trace, con
     return settings;
 }
 
-/// Runs a program with its output in a file; the status of waitpid().
-int spawn(std::vector<std::string> arguments, std::vector<std::string> settings, const Path& output)
+/// Starts a program with its output in a file.
+pid_t spawn(std::vector<std::string> arguments, std::vector<std::string> settings, const Path& output)
 {
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
@@ -67,9 +69,17 @@ int spawn(std::vector<std::string> arguments, std::vector<std::string> settings,
     const int error = ::posix_spawn(&process, arguments.front().c_str(), &actions, nullptr, pointers(arguments).data(),
                                     pointers(settings).data());
     ::posix_spawn_file_actions_destroy(&actions);
-    int status = 0;
-    if (error != 0 || ::waitpid(process, &status, 0) != process)
+    if (error != 0)
         throw std::runtime_error("cannot run " + arguments.front());
+    return process;
+}
+
+/// The status of a process that has ended or stopped.
+int waitFor(pid_t process)
+{
+    int status = 0;
+    if (::waitpid(process, &status, WUNTRACED) != process)
+        throw std::runtime_error("cannot wait for a program");
     return status;
 }
 
@@ -79,8 +89,14 @@ const std::vector<Scenario>& scenarios()
 {
     static const std::vector<Scenario> all = {
         {"mark", {"mark"}, {"mark"}, {}},
+        {"mark_of_no_dictionary", {"mark"}, {"mark"}, {}, "no property list"},
         {"first_save", {"save", "2"}, {"save", "2"}, {{"mark"}}},
         {"later_save", {"save", "4"}, {"save", "4"}, {{"save", "2"}, {"save", "3"}}},
+        {"save_of_no_dictionary",
+         {"spoilt-save", "4"},
+         {"save", "4"},
+         {{"save", "2"}, {"save", "3"}},
+         "no property list"},
         {"recall_original", {"recall-original"}, {"recall-original"}, {{"save", "2"}, {"save", "3"}}},
         {"recall_previous", {"recall-prev"}, {"recall-prev"}, {{"save", "2"}, {"save", "3"}}},
         {"chart", {"chart"}, {"chart"}, {{"chart"}, {"save", "2"}}},
@@ -104,11 +120,13 @@ Folder::Folder() : folder_(root_ / "machine/Library/Application Support/Logic/Pl
 void Folder::prepare(const Scenario& scenario)
 {
     put({});
-    writeDictionary(folder_ / kFile, orderFile(numbered(40)));
+    write(folder_ / kFile, orderBytes(numbered(40)));
     for (const auto& operation : scenario.history) {
         if (!run(operation).goesOn())
             throw std::runtime_error("cannot prepare " + std::string(scenario.name));
     }
+    if (!scenario.spoilt.empty())
+        write(folder_ / kFile, scenario.spoilt);
     if (scenario.operation.front().starts_with("download"))
         write(folder_ / kDownloaded, "what was downloaded before");
 }
@@ -129,19 +147,27 @@ Files Folder::files() const
     return found;
 }
 
-DriverRun Folder::run(const std::vector<std::string>& operation, const Fault& fault) const
+DriverRun Folder::run(const std::vector<std::string>& operation, const Fault& fault,
+                      const std::function<void()>& meanwhile) const
 {
-    const Path trace = root_ / "trace";
-    const Path output = root_ / "output";
-    fs::remove(trace);
+    static std::atomic<int> runs = 0; // more than one at a time
+    const std::string number = std::to_string(++runs);
+    const Path trace = root_ / ("trace " + number);
+    const Path output = root_ / ("output " + number);
     std::vector<std::string> arguments = {KV_TRUST_DRIVER, (root_ / "machine").native(), kPlugin};
     arguments.insert(arguments.end(), operation.begin(), operation.end());
     // A scan comes to the plug-in's folder from above.
     const Path watched = operation.front() == "scan" ? root_.path() / "machine" : folder_;
-    const int status = spawn(arguments, environment(watched, trace, fault), output);
+    const pid_t process = spawn(arguments, environment(watched, trace, fault), output);
     DriverRun run;
-    run.isKilled = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
-    run.status = status;
+    run.status = waitFor(process);
+    run.wasStopped = WIFSTOPPED(run.status);
+    if (run.wasStopped) {
+        meanwhile();
+        ::kill(process, SIGCONT);
+        run.status = waitFor(process);
+    }
+    run.isKilled = WIFSIGNALED(run.status) && WTERMSIG(run.status) == fault.signal;
     run.output = linesOf(output);
     run.trace = linesOf(trace);
     return run;
@@ -155,7 +181,8 @@ bool isPartial(const std::string& name)
 bool isKept(const Files& files, const std::string& content)
 {
     return std::any_of(files.begin(), files.end(), [&](const auto& file) {
-        return (file.first == kFile || file.first == kOriginal || file.first == kPrevious) && file.second == content;
+        const bool isRead = file.first == kFile || file.first == kOriginal || file.first == kPrevious;
+        return (isRead || file.first == kUnreadable) && file.second == content;
     });
 }
 

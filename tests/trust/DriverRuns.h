@@ -5,6 +5,8 @@
 #include "tests/support/InMemory.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <csignal>
+#include <functional>
 #include <map>
 #include <ostream>
 #include <string>
@@ -15,6 +17,7 @@ namespace test {
 inline constexpr char kFile[] = "CSParameterOrder.plist";
 inline constexpr char kOriginal[] = "CSParameterOrder.plist.original";
 inline constexpr char kPrevious[] = "CSParameterOrder.plist.prev";
+inline constexpr char kUnreadable[] = "CSParameterOrder.plist.unreadable";
 inline constexpr char kChart[] = "CSParameterOrder.plist.html";
 inline constexpr char kDownloaded[] = "CSParameterOrder.plist.downloaded";
 
@@ -29,6 +32,8 @@ struct Scenario {
     std::vector<std::string> later;
     /// Operations that were done before, each by a run of its own.
     std::vector<std::vector<std::string>> history;
+    /// What the plug-in's file holds instead of what the history left there.
+    std::string spoilt = {};
 };
 
 inline void PrintTo(const Scenario& scenario, std::ostream* stream)
@@ -41,14 +46,16 @@ const std::vector<Scenario>& scenarios();
 
 struct Fault {
     long at = 0;   ///< number of the operation, 0 for none
-    int error = 0; ///< 0 kills
+    int error = 0; ///< 0 sends the signal
     bool lasts = false;
     /// What stands in the way for real, as trust_driver names it.
     std::string obstacle = {};
+    int signal = SIGKILL;
 };
 
 struct DriverRun {
     bool isKilled = false;
+    bool wasStopped = false;
     int status = 0;                  ///< 0 when it came to its end
     std::vector<std::string> output; ///< lines that the driver wrote
     std::vector<std::string> trace;  ///< "NUMBER OPERATION PATH", a line for each that was counted
@@ -66,7 +73,9 @@ public:
     void prepare(const Scenario& scenario);
     void put(const Files& files) const;
     Files files() const;
-    DriverRun run(const std::vector<std::string>& operation, const Fault& fault = {}) const;
+    /// Does one of trust_driver's operations. Where the fault stops it, `meanwhile` is done before it goes on.
+    DriverRun run(const std::vector<std::string>& operation, const Fault& fault = {},
+                  const std::function<void()>& meanwhile = {}) const;
 
 private:
     InMemory inMemory_;
@@ -76,7 +85,7 @@ private:
 
 /// Whether a name is that of a file in the making, which nobody reads.
 bool isPartial(const std::string& name);
-/// Whether a content stands in the file or in one of its backups.
+/// Whether a content stands in the file, in one of its backups or under the name of what is no dictionary.
 bool isKept(const Files& files, const std::string& content);
 
 } // namespace test

@@ -1,11 +1,12 @@
 // Preloaded into a program, counts what it does to the files below one folder. At the operation of a given number the
-// process ends as if the plug were pulled, or the operation fails as the system can let it fail. Counted is what can
-// fail in that way, or what changes something where the plug is pulled. Counting begins when the program calls
-// kvWatchFiles(1), so that a number names the same operation in every run.
+// process ends as if the plug were pulled, or is sent another signal, or the operation fails as the system can let it
+// fail. Counted is what can fail in that way, or what changes something where there is a signal. Counting begins when
+// the program calls kvWatchFiles(1), so that a number names the same operation in every run.
 //
 //   KV_FAULT_FOLDER  what is watched, an absolute path
 //   KV_FAULT_AT      the number, from 1; none only counts
-//   KV_FAULT         the number of an error; none pulls the plug
+//   KV_FAULT         the number of an error; none sends a signal
+//   KV_FAULT_SIGNAL  the number of that; none pulls the plug
 //   KV_FAULT_LASTS   when set, every later operation fails too
 //   KV_FAULT_TRACE   file that gets a line an operation
 
@@ -21,9 +22,11 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace {
@@ -38,7 +41,8 @@ struct Watch {
     std::string folder;
     long at = 0;
     long count = 0;
-    int error = 0; ///< 0 ends the process
+    int error = 0; ///< 0 sends the signal
+    int signal = SIGKILL;
     bool lasts = false;
     bool hasBegun = false;
     int trace = -1;
@@ -96,7 +100,8 @@ Verdict meet(Kind kind, const char* name, const char* what)
     if (watch.error == 0) {
         if (kind == Kind::write)
             return Verdict::half;
-        ::raise(SIGKILL);
+        ::raise(watch.signal);
+        return Verdict::proceed;
     }
     errno = watch.error;
     const bool isFirst = !std::exchange(watch.hasBegun, true);
@@ -159,7 +164,7 @@ mode_t modeOf(int flags, va_list arguments)
     return (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
 }
 
-/// What remains of a write that ends early; the process does not survive it when the plug is pulled.
+/// What remains of a write that ends early.
 template <typename Write>
 ssize_t writeAs(const char* name, int descriptor, std::size_t size, Write write)
 {
@@ -172,7 +177,7 @@ ssize_t writeAs(const char* name, int descriptor, std::size_t size, Write write)
     }
     const ssize_t written = write(size / 2);
     if (watch.error == 0)
-        ::raise(SIGKILL);
+        ::raise(watch.signal);
     return written;
 }
 
@@ -198,6 +203,7 @@ long kvWatchFiles(int on)
     watch.folder = settingOr("KV_FAULT_FOLDER", "");
     watch.at = std::atol(settingOr("KV_FAULT_AT", "0"));
     watch.error = std::atoi(settingOr("KV_FAULT", "0"));
+    watch.signal = std::atoi(settingOr("KV_FAULT_SIGNAL", "9"));
     watch.lasts = std::getenv("KV_FAULT_LASTS") != nullptr;
     if (const char* trace = std::getenv("KV_FAULT_TRACE"))
         watch.trace = ::open(trace, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
@@ -325,6 +331,36 @@ int fchmod(int descriptor, mode_t mode) noexcept
 {
     static const auto change = systems(&::fchmod, "fchmod");
     return mayGoOn(Kind::change, "fchmod", descriptor) ? change(descriptor, mode) : -1;
+}
+
+int fchown(int descriptor, uid_t owner, gid_t group) noexcept
+{
+    static const auto change = systems(&::fchown, "fchown");
+    return mayGoOn(Kind::change, "fchown", descriptor) ? change(descriptor, owner, group) : -1;
+}
+
+int fsetxattr(int descriptor, const char* name, const void* value, std::size_t size, int flags) noexcept
+{
+    static const auto change = systems(&::fsetxattr, "fsetxattr");
+    return mayGoOn(Kind::change, "fsetxattr", descriptor) ? change(descriptor, name, value, size, flags) : -1;
+}
+
+ssize_t fgetxattr(int descriptor, const char* name, void* value, std::size_t size) noexcept
+{
+    static const auto get = systems(&::fgetxattr, "fgetxattr");
+    return mayGoOn(Kind::look, "fgetxattr", descriptor) ? get(descriptor, name, value, size) : -1;
+}
+
+ssize_t flistxattr(int descriptor, char* names, std::size_t size) noexcept
+{
+    static const auto list = systems(&::flistxattr, "flistxattr");
+    return mayGoOn(Kind::look, "flistxattr", descriptor) ? list(descriptor, names, size) : -1;
+}
+
+int flock(int descriptor, int operation) noexcept
+{
+    static const auto lock = systems(&::flock, "flock");
+    return mayGoOn(Kind::look, "flock", descriptor) ? lock(descriptor, operation) : -1;
 }
 
 int chmod(const char* path, mode_t mode) noexcept

@@ -1,11 +1,16 @@
 // Does one thing to a plug-in's files with the program's own controller, watched by FileFaults when that is preloaded:
 //
-//   trust_driver ROOT PLUGIN scan | mark | save ROW | recall-original | recall-prev | chart | download | download-twice
+//   trust_driver ROOT PLUGIN scan | mark | save ROW | spoilt-save ROW | recall-original | recall-prev | chart |
+//                            download | download-twice | everything-everywhere
+//
+// A spoilt save comes upon a file that was a mapping when its plug-in was selected; "everything-everywhere" selects
+// every plug-in in turn, saves, recalls and draws a chart.
 //
 // KV_OBSTACLE puts something real in its way: "vanished", "read-only" or "forbidden" is what becomes of the plug-in's
 // folder, "limit:N" lets no file grow beyond N bytes. Afterwards the driver goes on as a user would and writes down
 // what was told; a process that reaches its end writes "goes on" last.
 
+#include "platform/TerminationSignals.h"
 #include "platform/files/Files.h"
 #include "tests/support/Obstacles.h"
 #include "tests/support/ScriptedPeer.h"
@@ -102,6 +107,33 @@ public:
             program_.controller.kvExportToPlist();
         });
     }
+    bool spoiltSave(std::int32_t row)
+    {
+        const Path file = fileOfPlugin();
+        const std::string spoilt = test::read(file);
+        test::write(file, test::orderBytes(test::numbered(40)));
+        return edit([&] {
+            program_.controller.arrayControllerPlistSelected()->setSelectionIndex(row);
+            program_.controller.clickControl(0);
+            test::write(file, spoilt);
+            begin();
+            program_.controller.kvExportToPlist();
+        });
+    }
+    bool everythingEverywhere()
+    {
+        const auto list = program_.controller.myArrayController();
+        for (std::int32_t row = 0; row < list->arrangedCount(); ++row) {
+            list->setSelectionIndex(row);
+            program_.controller.tablePluginSelected();
+            program_.controller.arrayControllerPlistSelected()->setSelectionIndex(2);
+            program_.controller.clickControl(0);
+            program_.controller.kvExportToPlist();
+            program_.controller.kvRecallPreviousMapping();
+            program_.controller.kvCreateChart();
+        }
+        return list->arrangedCount() > 0;
+    }
     bool recall(const std::string& suffix)
     {
         return edit([&] {
@@ -134,6 +166,8 @@ public:
     void goOn()
     {
         watchFiles(0);
+        if (program_.controller.hasUnsavedChanges())
+            std::cout << "unsaved\n";
         obstacle_.reset();
         program_.controller.addControlsPage();
         program_.controller.nextPageButtonPressed();
@@ -144,6 +178,8 @@ public:
             std::cout << "opened " << file.filename().native() << '\n';
         if (!failures().empty())
             std::cout << "logged Download failed!\n";
+        if (platform::terminationSignal() != 0)
+            std::cout << "signal " << platform::terminationSignal() << '\n';
         std::cout << program_.controller.lab_PageCurrentlyDisplayed()->stringValue.get() << "\ngoes on" << std::endl;
     }
 
@@ -153,12 +189,17 @@ private:
     /// From here on the operation itself runs.
     void begin()
     {
-        const auto list = program_.controller.myArrayController();
-        for (const platform::Record& row : list->content()) {
-            if (row.text("Plugin") == plugin_)
-                obstacle_.emplace(Path(row.text("fileLocation")).parent_path());
-        }
+        if (const Path file = fileOfPlugin(); !file.empty())
+            obstacle_.emplace(file.parent_path());
         watchFiles(1);
+    }
+    Path fileOfPlugin() const
+    {
+        for (const platform::Record& row : program_.controller.myArrayController()->content()) {
+            if (row.text("Plugin") == plugin_)
+                return row.text("fileLocation");
+        }
+        return {};
     }
     template <typename Action>
     bool edit(Action action)
@@ -198,6 +239,10 @@ bool run(Driver& driver, const std::string& operation, const char* row)
         return driver.mark();
     if (operation == "save")
         return driver.save(row ? std::atoi(row) : 1);
+    if (operation == "spoilt-save")
+        return driver.spoiltSave(row ? std::atoi(row) : 1);
+    if (operation == "everything-everywhere")
+        return driver.everythingEverywhere();
     if (operation == "recall-original")
         return driver.recall("original");
     if (operation == "recall-prev")
@@ -214,6 +259,7 @@ int main(int argc, char** argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv); // a request shows the busy pointer
     platform::files::failBeyondSizeLimits();
+    platform::catchTerminationSignals();
     if (argc < 4)
         return 2;
     test::liveBelow(argv[1]);

@@ -1,5 +1,6 @@
 #include "platform/files/Files.h"
 
+#include "platform/Utf8.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -11,6 +12,8 @@
 #include <set>
 #include <string>
 
+#include <fcntl.h>
+#include <grp.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -18,6 +21,7 @@
 #if defined(__linux__)
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/xattr.h>
 #endif
 
 namespace {
@@ -41,6 +45,29 @@ unsigned modeOf(const fs::path& path)
     struct stat status = {};
     EXPECT_EQ(::lstat(path.c_str(), &status), 0) << path;
     return status.st_mode & 07777;
+}
+
+/// The one file of a folder that is in the making.
+fs::path partIn(const fs::path& folder)
+{
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        if (entry.path().filename().native().front() == '~')
+            return entry.path();
+    }
+    return {};
+}
+
+/// Does something that must come out true in a process of its own.
+template <typename Deed>
+void inAnotherProcess(Deed deed)
+{
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0)
+        ::_exit(deed() ? 0 : 1);
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
 }
 
 /// While it lives, no file can grow beyond so many bytes: writes come out short, then fail.
@@ -90,18 +117,6 @@ TEST_F(FilesTest, ExistsSaysWhetherSomethingStandsThere)
                            Row{"pipe", true}, Row{"missing", false}, Row{"CSParameterOrder.plist/below", false}})
         EXPECT_EQ(files::exists(folder_ / row.name), row.exists) << row.name;
     EXPECT_FALSE(files::exists(""));
-}
-
-TEST_F(FilesTest, PermissionsAreThoseOfARegularFile)
-{
-    for (const unsigned mode : {0644u, 0600u, 0755u, 0444u, 0u, 0777u}) {
-        test::write(file_, "x");
-        ASSERT_EQ(::chmod(file_.c_str(), static_cast<mode_t>(mode)), 0);
-        EXPECT_EQ(files::permissions(file_), std::optional(static_cast<fs::perms>(mode)));
-        fs::remove(file_);
-    }
-    EXPECT_EQ(files::permissions(file_), std::nullopt);
-    EXPECT_EQ(files::permissions(folder_.path()), std::nullopt);
 }
 
 // Reading
@@ -231,6 +246,23 @@ TEST_F(FilesTest, WriteReplacesALinkAndLeavesItsTarget)
     EXPECT_EQ(test::read(folder_ / "target"), "kept");
 }
 
+TEST_F(FilesTest, AWayThroughLinksLeadsToTheirLastTarget)
+{
+    fs::create_directory(folder_ / "inner");
+    test::write(folder_ / "inner/file", "x");
+    fs::create_symlink("../second", folder_ / "inner/first");
+    fs::create_symlink("inner/file", folder_ / "second");
+    fs::create_symlink(folder_ / "inner/none", folder_ / "dangling");
+    fs::create_symlink("loop", folder_ / "loop");
+    ASSERT_TRUE(files::followed(folder_ / "inner/first"));
+    EXPECT_TRUE(fs::equivalent(*files::followed(folder_ / "inner/first"), folder_ / "inner/file"));
+    EXPECT_FALSE(fs::is_symlink(*files::followed(folder_ / "inner/first")));
+    EXPECT_EQ(files::followed(folder_ / "dangling"), folder_ / "inner/none");
+    EXPECT_EQ(files::followed(folder_ / "inner/file"), folder_ / "inner/file");
+    EXPECT_EQ(files::followed(folder_ / "missing"), folder_ / "missing");
+    EXPECT_EQ(files::followed(folder_ / "loop"), std::nullopt);
+}
+
 TEST_F(FilesTest, WriteSetsThePermissionBitsGiven)
 {
     const mode_t mask = ::umask(027);
@@ -241,17 +273,106 @@ TEST_F(FilesTest, WriteSetsThePermissionBitsGiven)
     ::umask(mask);
 }
 
-TEST_F(FilesTest, WriteFollowsTheProcessMaskWithoutPermissionBits)
+TEST_F(FilesTest, ANewFileFollowsTheProcessMask)
 {
     for (const unsigned mask : {022u, 077u, 002u}) {
         const mode_t former = ::umask(static_cast<mode_t>(mask));
-        test::write(file_, "old");
-        ::chmod(file_.c_str(), 0755);
         EXPECT_TRUE(files::writeAtomically(file_, "x"));
         ::umask(former);
         EXPECT_EQ(modeOf(file_), 0666u & ~mask);
+        fs::remove(file_);
     }
 }
+
+TEST_F(FilesTest, WriteKeepsThePermissionBitsOfTheFile)
+{
+    const mode_t mask = ::umask(077);
+    for (const unsigned mode : {0644u, 0600u, 0777u, 0440u}) {
+        test::write(file_, "old");
+        ::chmod(file_.c_str(), static_cast<mode_t>(mode));
+        EXPECT_TRUE(files::writeAtomically(file_, "new"));
+        EXPECT_EQ(modeOf(file_), mode);
+        fs::remove(file_);
+    }
+    ::umask(mask);
+}
+
+TEST_F(FilesTest, WhatReplacesAFileIsNeverOpenToOthersBeforeItIsWhole)
+{
+    test::write(file_, "old");
+    ::chmod(file_.c_str(), 0644);
+    const int former = ::open(file_.c_str(), O_RDONLY);
+    files::PartialFile file(file_, fs::perms(0600));
+    file.takeAfter(former);
+    ::close(former);
+    file.append("new");
+    EXPECT_EQ(modeOf(partIn(folder_.path())), 0600u);
+    EXPECT_TRUE(file.finish());
+    EXPECT_EQ(modeOf(file_), 0644u);
+}
+
+TEST_F(FilesTest, WriteAndCopyKeepTheOwnerWherePermitted)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root may give files away";
+    test::write(file_, "old");
+    ASSERT_EQ(::chown(file_.c_str(), 65534, 12345), 0);
+    ::chmod(file_.c_str(), 0640);
+    EXPECT_TRUE(files::writeAtomically(file_, "new"));
+    EXPECT_TRUE(files::copy(file_, folder_ / "copy"));
+    for (const char* name : {"CSParameterOrder.plist", "copy"}) {
+        struct stat status = {};
+        ASSERT_EQ(::stat((folder_ / name).c_str(), &status), 0);
+        EXPECT_EQ(status.st_uid, 65534u) << name;
+        EXPECT_EQ(status.st_gid, 12345u) << name;
+        EXPECT_EQ(modeOf(folder_ / name), 0640u) << name;
+    }
+}
+
+TEST_F(FilesTest, AGroupThatCannotBeKeptIsNotPutInPlaceByAnotherWithItsRights)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can make a file of somebody else's";
+    struct Row {
+        unsigned before, after;
+    };
+    for (const Row& row : {Row{0664, 0644}, Row{0644, 0644}, Row{0660, 0600}, Row{0775, 0755}}) {
+        test::write(file_, "old");
+        ASSERT_EQ(::chown(file_.c_str(), 65534, 12345), 0);
+        ::chmod(file_.c_str(), static_cast<mode_t>(row.before));
+        ::chmod(folder_.path().c_str(), 0777);
+        inAnotherProcess([&] {
+            const gid_t group = 65534;
+            return ::setgroups(0, &group) == 0 && ::setgid(group) == 0 && ::setuid(65534) == 0 &&
+                   files::writeAtomically(file_, "new");
+        });
+        EXPECT_EQ(test::read(file_), "new");
+        EXPECT_EQ(modeOf(file_), row.after);
+        fs::remove(file_);
+    }
+}
+
+#if defined(__linux__)
+TEST_F(FilesTest, WriteAndCopyKeepExtendedAttributes)
+{
+    test::write(file_, "old");
+    const std::string value("a\0b", 3);
+    if (::setxattr(file_.c_str(), "user.origin", value.data(), value.size(), 0) != 0)
+        GTEST_SKIP() << "the file system knows none";
+    ::setxattr(file_.c_str(), "user.empty", "", 0, 0);
+    ::setxattr(file_.c_str(), "user.long", std::string(1000, 'x').data(), 1000, 0);
+    ::chmod(file_.c_str(), 0440);
+    EXPECT_TRUE(files::writeAtomically(file_, "new"));
+    EXPECT_TRUE(files::copy(file_, folder_ / "copy"));
+    for (const char* name : {"CSParameterOrder.plist", "copy"}) {
+        char bytes[2000];
+        EXPECT_EQ(::getxattr((folder_ / name).c_str(), "user.origin", bytes, sizeof bytes), 3) << name;
+        EXPECT_EQ(std::string(bytes, 3), value) << name;
+        EXPECT_EQ(::getxattr((folder_ / name).c_str(), "user.empty", bytes, sizeof bytes), 0) << name;
+        EXPECT_EQ(::getxattr((folder_ / name).c_str(), "user.long", bytes, sizeof bytes), 1000) << name;
+    }
+}
+#endif
 
 TEST_F(FilesTest, WritesInTheCurrentFolderToo)
 {
@@ -262,23 +383,77 @@ TEST_F(FilesTest, WritesInTheCurrentFolderToo)
     EXPECT_THAT(namesIn(folder_.path()), UnorderedElementsAre("plain name"));
 }
 
-TEST_F(FilesTest, WriteClearsWhatAKilledRunLeft)
+TEST_F(FilesTest, WriteClearsWhatEndedProgramsLeft)
 {
-    test::write(files::partialName(file_), "half of a much longer, never finish");
-    ::chmod(files::partialName(file_).c_str(), 0400);
+    // Of this process's number, of one that lives, and of one that has never been.
+    for (const std::string& process : {std::to_string(::getpid()), std::string("1"), std::string("99999999")}) {
+        test::write(folder_ / ("~CSParameterOrder.plist." + process + "-1"), "half of a much longer, never finish");
+        ::chmod((folder_ / ("~CSParameterOrder.plist." + process + "-1")).c_str(), 0400);
+    }
     EXPECT_TRUE(files::writeAtomically(file_, "new"));
     EXPECT_EQ(test::read(file_), "new");
     EXPECT_THAT(namesIn(folder_.path()), UnorderedElementsAre("CSParameterOrder.plist"));
 }
 
-TEST_F(FilesTest, WriteIsNotLedAstrayByALinkInPlaceOfItsPartialFile)
+TEST_F(FilesTest, WriteClearsNothingElse)
 {
-    test::write(folder_ / "elsewhere", "not ours");
-    fs::create_symlink("elsewhere", files::partialName(file_));
+    const std::set<std::string> names = {
+        "~CSParameterOrder.plist",        "~CSParameterOrder.plist.",          "~CSParameterOrder.plist.12",
+        "~CSParameterOrder.plist.12-",    "~CSParameterOrder.plist.-12",       "~CSParameterOrder.plist.12-3x",
+        "~CSParameterOrder.plist.12-3-4", "~CSParameterOrder.plist.prev.12-3", "~Other.12-3",
+        "CSParameterOrder.plist.12-3",    "~CSParameterOrder.plist.backup-1"};
+    for (const std::string& name : names)
+        test::write(folder_ / name, name);
+    fs::create_directory(folder_ / "~CSParameterOrder.plist.1-1");
+    fs::create_symlink("~Other.12-3", folder_ / "~CSParameterOrder.plist.2-1");
+    ASSERT_EQ(::mkfifo((folder_ / "~CSParameterOrder.plist.3-1").c_str(), 0600), 0);
+    const std::set<std::string> before = namesIn(folder_.path());
     EXPECT_TRUE(files::writeAtomically(file_, "new"));
-    EXPECT_EQ(test::read(folder_ / "elsewhere"), "not ours");
+    EXPECT_TRUE(files::remove(file_));
+    EXPECT_EQ(namesIn(folder_.path()), before);
+    for (const std::string& name : names)
+        EXPECT_EQ(test::read(folder_ / name), name);
+}
+
+TEST_F(FilesTest, NeitherThisNorAnotherProcessClearsWhatIsStillBeingMade)
+{
+    test::write(file_, "old");
+    files::PartialFile first(file_);
+    files::PartialFile second(file_);
+    ASSERT_TRUE(first.isOpen() && second.isOpen());
+    EXPECT_TRUE(first.append("first"));
+    EXPECT_TRUE(second.append("second"));
+    inAnotherProcess([&] { return files::writeAtomically(file_, "third"); });
+    EXPECT_EQ(test::read(file_), "third");
+    EXPECT_TRUE(first.finish());
+    EXPECT_EQ(test::read(file_), "first");
+    EXPECT_TRUE(second.finish());
+    EXPECT_EQ(test::read(file_), "second");
+    EXPECT_THAT(namesIn(folder_.path()), UnorderedElementsAre("CSParameterOrder.plist"));
+}
+
+TEST_F(FilesTest, APartIsCreatedAndNeverOneThatStandsThere)
+{
+    // What stands under the next names cannot be cleared.
+    test::write(folder_ / "elsewhere", "not ours");
+    files::PartialFile(file_).append("x");
+    std::set<std::string> links;
+    {
+        const files::PartialFile last(file_);
+        const std::string name = partIn(folder_.path()).filename().native();
+        const std::size_t dash = name.rfind('-') + 1;
+        for (int next = 1; next <= 3; ++next) {
+            const std::string link = name.substr(0, dash) + std::to_string(std::stoi(name.substr(dash)) + next);
+            fs::create_symlink("elsewhere", folder_ / link);
+            links.insert(link);
+        }
+    }
+    EXPECT_TRUE(files::writeAtomically(file_, "new"));
+    EXPECT_EQ(test::read(file_), "new");
     EXPECT_FALSE(fs::is_symlink(file_));
-    EXPECT_THAT(namesIn(folder_.path()), UnorderedElementsAre("CSParameterOrder.plist", "elsewhere"));
+    EXPECT_EQ(test::read(folder_ / "elsewhere"), "not ours");
+    links.insert({"CSParameterOrder.plist", "elsewhere"});
+    EXPECT_EQ(namesIn(folder_.path()), links);
 }
 
 TEST_F(FilesTest, AKilledWriteIsClearedByTheNext)
@@ -299,7 +474,8 @@ TEST_F(FilesTest, AKilledWriteIsClearedByTheNext)
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     ASSERT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(test::read(file_), "old");
-    EXPECT_TRUE(fs::exists(files::partialName(file_)));
+    EXPECT_EQ(namesIn(folder_.path()).size(), 2u);
+    EXPECT_EQ(modeOf(partIn(folder_.path())), 0600u) << "until it is whole";
     EXPECT_TRUE(files::writeAtomically(file_, "new"));
     EXPECT_EQ(test::read(file_), "new");
     EXPECT_THAT(namesIn(folder_.path()), UnorderedElementsAre("CSParameterOrder.plist"));
@@ -343,15 +519,6 @@ TEST_F(FilesTest, AWriteOverAFolderFails)
     EXPECT_THAT(namesIn(folder_.path()), UnorderedElementsAre("CSParameterOrder.plist"));
 }
 
-TEST_F(FilesTest, AWriteFailsWhereAFolderHasItsPartialName)
-{
-    test::write(file_, "old");
-    fs::create_directory(files::partialName(file_));
-    EXPECT_FALSE(files::writeAtomically(file_, "new"));
-    EXPECT_EQ(test::read(file_), "old");
-    EXPECT_TRUE(fs::is_directory(files::partialName(file_)));
-}
-
 TEST_F(FilesTest, AWriteOfANameTooLongForItsFileSystemFails)
 {
     EXPECT_FALSE(files::writeAtomically(folder_ / std::string(300, 'n'), "new"));
@@ -362,19 +529,11 @@ TEST_F(FilesTest, AWriteInAReadOnlyFolderLeavesTheOldContent)
 {
     test::write(file_, "old");
     ::chmod(folder_.path().c_str(), 0555);
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        if (::getuid() == 0 && ::setuid(65534) != 0)
-            ::_exit(2);
-        const bool written = files::writeAtomically(file_, "new");
-        const bool removed = files::remove(file_);
-        ::_exit(written || removed ? 1 : 0);
-    }
-    int status = 0;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    inAnotherProcess([&] {
+        return (::getuid() != 0 || ::setuid(65534) == 0) && !files::writeAtomically(file_, "new") &&
+               !files::remove(file_) && !files::rename(file_, folder_ / "other");
+    });
     ::chmod(folder_.path().c_str(), 0700);
-    EXPECT_EQ(status, 0);
     EXPECT_EQ(test::read(file_), "old");
     EXPECT_THAT(namesIn(folder_.path()), UnorderedElementsAre("CSParameterOrder.plist"));
 }
@@ -411,6 +570,22 @@ TEST_F(FilesTest, AWriteToAFullDiskLeavesTheOldContent)
 }
 #endif
 
+// Renaming
+
+TEST_F(FilesTest, RenamesAFileOrALinkOverWhatStandsThere)
+{
+    test::write(file_, "new");
+    test::write(folder_ / "other", "old");
+    EXPECT_TRUE(files::rename(file_, folder_ / "other"));
+    EXPECT_EQ(test::read(folder_ / "other"), "new");
+    fs::create_symlink("other", file_);
+    EXPECT_TRUE(files::rename(file_, folder_ / "link"));
+    EXPECT_TRUE(fs::is_symlink(folder_ / "link"));
+    EXPECT_THAT(namesIn(folder_.path()), UnorderedElementsAre("link", "other"));
+    EXPECT_FALSE(files::rename(file_, folder_ / "other"));
+    EXPECT_EQ(test::read(folder_ / "other"), "new");
+}
+
 // Copying
 
 TEST_F(FilesTest, CopiesContentAndPermissionBits)
@@ -445,6 +620,16 @@ TEST_F(FilesTest, CopyOfALinkIsAFileWithItsTargetsContent)
     EXPECT_TRUE(files::copy(file_, folder_ / "copy"));
     EXPECT_FALSE(fs::is_symlink(folder_ / "copy"));
     EXPECT_EQ(test::read(folder_ / "copy"), "content");
+}
+
+TEST_F(FilesTest, CopyReplacesALinkAndLeavesItsTarget)
+{
+    test::write(file_, "new");
+    test::write(folder_ / "target", "kept");
+    fs::create_symlink("target", folder_ / "copy");
+    EXPECT_TRUE(files::copy(file_, folder_ / "copy"));
+    EXPECT_FALSE(fs::is_symlink(folder_ / "copy"));
+    EXPECT_EQ(test::read(folder_ / "target"), "kept");
 }
 
 TEST_F(FilesTest, ACopyOfWhatIsNoFileFailsAndLeavesTheTargetAlone)
@@ -485,19 +670,6 @@ TEST_F(FilesTest, MissingIsOnlyWhatIsCertainlyNotThere)
 
 // Names
 
-TEST_F(FilesTest, APartialNameIsInTheSameFolderNoLongerAndAlwaysTheSame)
-{
-    for (const char* path : {"/a/b/CSParameterOrder.plist", "/a b/c#d.plist", "/a/caf\xE9\xFF", "name", "./x", "/x"}) {
-        const fs::path partial = files::partialName(path);
-        EXPECT_EQ(partial.parent_path(), fs::path(path).parent_path()) << path;
-        EXPECT_EQ(partial.native().size(), fs::path(path).native().size()) << path;
-        EXPECT_NE(partial, fs::path(path));
-        EXPECT_EQ(partial, files::partialName(path)) << path;
-    }
-    EXPECT_NE(files::partialName("/a/CSParameterOrder.plist"), files::partialName("/a/CSParameterOrder.plist.prev"));
-    EXPECT_NE(files::partialName("/a/x"), files::partialName("/b/x"));
-}
-
 TEST_F(FilesTest, EveryNameTheFileSystemAllowsCanBeUsed)
 {
     const std::string names[] = {" ",
@@ -511,7 +683,7 @@ TEST_F(FilesTest, EveryNameTheFileSystemAllowsCanBeUsed)
                                  "-rf",
                                  ".hidden",
                                  "CSParameterOrder.plist.original",
-                                 std::string(200, 'n')};
+                                 std::string(250, 'n')};
     for (const std::string& name : names) {
         EXPECT_TRUE(files::writeAtomically(folder_ / name, name)) << name;
         EXPECT_TRUE(files::exists(folder_ / name)) << name;
@@ -521,6 +693,26 @@ TEST_F(FilesTest, EveryNameTheFileSystemAllowsCanBeUsed)
         EXPECT_TRUE(files::remove(folder_ / name)) << name;
         EXPECT_THAT(namesIn(folder_.path()), UnorderedElementsAre(name + ".prev"));
         EXPECT_TRUE(files::remove(folder_ / (name + ".prev"))) << name;
+    }
+}
+
+TEST_F(FilesTest, TheLongestNamesCanBeReplaced)
+{
+    std::string accents;
+    while (accents.size() < 250)
+        accents += "\xC3\xA9";
+    for (const std::string& name : {std::string(255, 'n'), "x" + accents, "xy" + accents}) {
+        test::write(folder_ / name, "old");
+        files::PartialFile file(folder_ / name);
+        ASSERT_TRUE(file.isOpen());
+        std::string part;
+        for (const std::string& each : namesIn(folder_.path()))
+            part = each != name ? each : part;
+        EXPECT_TRUE(platform::isUtf8(part)) << part;
+        EXPECT_TRUE(file.append("new") && file.finish());
+        EXPECT_EQ(test::read(folder_ / name), "new");
+        EXPECT_THAT(namesIn(folder_.path()), UnorderedElementsAre(name));
+        fs::remove(folder_ / name);
     }
 }
 

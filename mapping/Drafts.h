@@ -1,0 +1,72 @@
+#pragma once
+// Unsaved edits, kept in a folder of their own until they are saved, taken back or discarded. While a plug-in is edited
+// one draft of it is written again and again; once it is left, that draft stays as it is and further edits get another.
+// What a second running instance of the program keeps is its own until it has ended.
+
+#include <cstdint>
+#include <ctime>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace mapping {
+
+/// A mapping with what is shown of it.
+struct Draft {
+    std::string plugin;             ///< path of the plug-in's parameter-order file
+    std::vector<std::string> order; ///< an element a slot, those behind the counted pages too
+    std::int32_t totalPages = 1;
+    std::int32_t curPage = 1; ///< from 1
+    std::int32_t mode = 0;
+    std::time_t madeAt = 0; ///< of the latest edit in it
+
+    bool operator==(const Draft&) const = default;
+};
+
+/// A draft as it lies in the folder.
+struct KeptDraft {
+    std::filesystem::path file;
+    Draft draft;
+};
+
+class Drafts {
+public:
+    /// The folder is made when there is something to keep.
+    explicit Drafts(std::filesystem::path folder);
+    Drafts(const Drafts&) = delete;
+    Drafts& operator=(const Drafts&) = delete;
+    ~Drafts();
+
+    /// Writes the draft being edited, readable by nobody else; false when it could not be written, and then the one
+    /// written before is still there.
+    bool keep(const Draft& draft);
+    /// What is being edited needs no draft: it is saved, or as the file has it.
+    void drop();
+    /// What is edited next gets a draft of its own; the one written so far stays.
+    void leave() { current_.clear(); }
+
+    /// What was left of the plug-in, the newest first. A file that cannot be understood is set aside as ".damaged".
+    std::vector<KeptDraft> leftOf(std::string_view plugin) const;
+    /// Whether anything was left of the plug-in. Reads no file.
+    bool isLeftOf(std::string_view plugin) const;
+    /// Deletes a draft that was brought back or discarded.
+    void discard(const std::filesystem::path& file);
+    /// What was left of the plug-in counts no more, since another mapping of it was saved; the newest stays, out
+    /// of the program's sight, in a file whose name ends in "superseded".
+    void supersede(std::string_view plugin);
+
+private:
+    bool isOthers(std::string_view name) const;
+    std::vector<std::filesystem::path> filesOf(std::string_view plugin) const;
+    bool makeFolder();
+
+    std::filesystem::path folder_;
+    std::string instance_;          ///< who writes; part of the names of its files
+    int lock_ = -1;                 ///< held as long as this instance lives
+    int written_ = 0;               ///< how many drafts this instance has begun
+    std::filesystem::path current_; ///< empty until something is kept
+};
+
+} // namespace mapping
