@@ -324,6 +324,7 @@ TEST_F(KeyboardTest, TheMenuBarHoldsEveryOperationWithAShortcutOfItsOwn)
                                       "newPageButtonPressed",
                                       "deletePageButtonPressed",
                                       "clearAllPagesButtonPressed",
+                                      "startFromScratch",
                                       "kvLoginToCloudAccount",
                                       "kvCommunityLibrary",
                                       "kvCommunityLibraryDownload",
