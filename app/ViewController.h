@@ -135,6 +135,8 @@ public:
     void newPageButtonPressed(Sender sender = nullptr);
     void deletePageButtonPressed(Sender sender = nullptr);
     void clearAllPagesButtonPressed(Sender sender = nullptr);
+    /// Leaves one empty page and nothing behind it.
+    void startFromScratch(Sender sender = nullptr);
     void kvMovePage_First(Sender sender = nullptr);
     void kvMovePage_Last(Sender sender = nullptr);
     void kvMovePage_Prev(Sender sender = nullptr);
@@ -219,8 +221,8 @@ private:
     void lookForDraft();
     void discardLeftDraft();
     void goThrough(const mapping::EditingChange& change, bool forward);
-    /// The subtitle and the help line of the mode.
-    void showMode();
+    /// The subtitle and the help line of the mode, which names the plug-in.
+    void showMode(const std::string& plugin);
     /// What the mapping and its mode are now is what the file holds.
     void noteSaved();
     std::shared_ptr<TextField> knobLabel(std::int32_t number) const;

@@ -1,6 +1,7 @@
 #include "app/ViewControllerOperation.h"
 #include "mapping/EditingState.h"
 #include "mapping/ParameterOrder.h"
+#include "plugins/PluginScan.h"
 
 #include <memory>
 #include <utility>
@@ -120,8 +121,9 @@ void ViewController::goThrough(const mapping::EditingChange& change, bool forwar
     populateKnobLabels(numbers.curPage);
     if (change.before.mode != change.after.mode) {
         kvPluginMode()->selectCell(numbers.mode != mapping::kModeInsertEffect ? 0 : 1);
-        if (isPluginBeingEdited())
-            showMode();
+        // After a rescan no row is selected, but the mapping still has its file.
+        const auto row = plugins::rowForFile(labPluginPlistLocation()->stringValue.get());
+        showMode(row ? std::string(row->text(plugins::kPlugin)) : std::string());
     }
 }
 

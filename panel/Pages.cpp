@@ -2,6 +2,8 @@
 
 #include "mapping/ParameterOrder.h"
 
+#include <algorithm>
+
 namespace panel {
 
 using mapping::kPotsPerPage;
@@ -42,6 +44,20 @@ void clearFirstPage(Entries& entries)
 {
     for (std::size_t position = 0; position < kPotsPerPage; ++position)
         setContent(entries.at(position), {mapping::kEmptyNumber, mapping::kEmptyName});
+}
+
+void keepOneEmptyPage(Entries& entries)
+{
+    clearFirstPage(entries);
+    entries.erase(entries.begin() + kPotsPerPage, entries.end());
+}
+
+std::size_t parametersBehind(const Entries& entries, std::int32_t pages)
+{
+    const auto first = std::min(entries.size(), static_cast<std::size_t>(firstSlotOf(pages + 1)));
+    const auto begin = entries.begin() + static_cast<std::ptrdiff_t>(first);
+    return static_cast<std::size_t>(
+        std::count_if(begin, entries.end(), [](const auto& entry) { return !mapping::isEmptyEntry(entry); }));
 }
 
 SlotContent contentOf(const platform::Record& entry)

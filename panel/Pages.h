@@ -3,6 +3,7 @@
 
 #include "platform/controls/Record.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -32,6 +33,12 @@ void removePage(Entries& entries, std::int32_t page);
 /// Empties the first page's slots. The entries behind it stay, on purpose: a save still writes them, and a page added
 /// later lies behind them.
 void clearFirstPage(Entries& entries);
+
+/// Leaves the first page's slots, empty, and nothing behind them.
+void keepOneEmptyPage(Entries& entries);
+
+/// How many parameters stand behind so many pages.
+std::size_t parametersBehind(const Entries& entries, std::int32_t pages);
 
 /// What a slot holds of a parameter.
 struct SlotContent {

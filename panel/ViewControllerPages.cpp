@@ -105,6 +105,16 @@ void ViewController::clearAllPages()
     populateKnobLabels(curPage);
 }
 
+void ViewController::startFromScratch(Sender)
+{
+    if (!isMappingLoaded())
+        return;
+    const Operation edit(*this, "Start From Scratch");
+    panel::keepOneEmptyPage(plistBuild);
+    totalPages = 1;
+    populateKnobLabels(1);
+}
+
 void ViewController::movePageAndPageTo(std::int32_t from, std::int32_t to)
 {
     if (!isMappingLoaded())

@@ -4,7 +4,8 @@
 // and what follows a `#` stays here, as in every address.
 //
 // Both follow redirects as browsers do, ten at most and to http and https only. A blocking request ends after 60
-// seconds in all, a download after 60 seconds without progress. Nothing is sent twice.
+// seconds in all, a download after 60 seconds without progress. Four downloads run at once, the others wait for their
+// turn, and their time is not counted. Nothing is sent twice.
 
 #include "platform/controls/Property.h"
 
@@ -33,7 +34,7 @@ struct DownloadHandlers {
 struct DownloadProgress {
     int running = 0;
     std::int64_t received = 0;
-    std::int64_t expected = 0; ///< 0 while it is not known
+    std::int64_t expected = 0; ///< 0 while it is not known, as while others wait
 
     bool operator==(const DownloadProgress&) const = default;
 };
@@ -43,7 +44,7 @@ public:
     virtual ~Http() = default;
 
     /// Sends a POST and blocks: nothing else of the program runs until the reply is there. Without a content type none
-    /// is sent. Returns the body, whatever the status; none when the transfer failed or the body exceeds 16 MiB.
+    /// is sent. Returns the body, whatever the status; none when the transfer failed or the body exceeds 32 MiB.
     virtual std::optional<std::string> post(const std::string& address, const std::string& contentType,
                                             std::string_view body) = 0;
 

@@ -62,12 +62,11 @@ void ViewController::changePlugInModeAndReadPlist(std::int32_t mode, std::int32_
     }
     populateKnobLabels(1);
     arrayControllerPlistSelected()->setSelectionIndex(0);
-    showMode();
+    showMode(myArrayController()->selectionText(plugins::kPlugin));
 }
 
-void ViewController::showMode()
+void ViewController::showMode(const std::string& plugin)
 {
-    const std::string plugin = myArrayController()->selectionText(plugins::kPlugin);
     // The help lines differ in their preposition; both are meant.
     if (mapping::plugin_Mode != mapping::kModeInsertEffect) {
         mainTitle_Sub()->stringValue.set("Logic Pro Instrument Mapper");

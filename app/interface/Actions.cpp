@@ -125,6 +125,9 @@ std::span<const Action> Action::all()
          .menu = Menu::page, .keys = "Ctrl+Shift+D", .needs = Needs::mapping, .call = &VC::clearAllPagesButtonPressed,
          .row = ButtonRow::removePage, .caption = QT_TR_NOOP("Clear All"),
          .toolTip = QT_TR_NOOP("Empty the first page and make it the only one")},
+        {.name = "startFromScratch", .text = QT_TR_NOOP("Start From Scratch"), .symbol = "start-over",
+         .menu = Menu::page, .keys = "Ctrl+Shift+N", .needs = Needs::mapping, .call = &VC::startFromScratch,
+         .row = ButtonRow::leftovers, .toolTip = QT_TR_NOOP("Leave one empty page and nothing behind it")},
 
         {.name = "kvLoginToCloudAccount", .text = QT_TR_NOOP("Account"), .symbol = "account",
          .menu = Menu::community, .keys = "Ctrl+L", .call = &VC::kvLoginToCloudAccount,
@@ -153,7 +156,7 @@ std::span<const Action> Action::all()
          .call = &VC::kvCommunityUploadBtn,
          .toolTip = QT_TR_NOOP("Send the mapping as last saved, with these comments")},
         {.name = "kvCommunityLoadSelectedDownload", .text = QT_TR_NOOP("Load"), .symbol = "load",
-         .call = &VC::kvCommunityLoadSelectedDownload,
+         .needs = Needs::mapping, .call = &VC::kvCommunityLoadSelectedDownload,
          .toolTip = QT_TR_NOOP("Fetch the selected mapping and load it into the editor")},
     };
     // clang-format on

@@ -39,7 +39,19 @@ enum class Needs {
 };
 
 /// Rows of buttons in the main window; a row has them in the table's order.
-enum class ButtonRow { none, scan, history, mapping, help, showPage, movePage, newPage, removePage, community };
+enum class ButtonRow {
+    none,
+    scan,
+    history,
+    mapping,
+    help,
+    leftovers,
+    showPage,
+    movePage,
+    newPage,
+    removePage,
+    community
+};
 
 struct Action {
     Q_DECLARE_TR_FUNCTIONS(interface::Action)

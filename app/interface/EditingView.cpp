@@ -36,6 +36,24 @@ constexpr int kBackupPauseMs = 250;
 /// No cell shows more.
 constexpr std::size_t kMostPotsTold = 40;
 
+/// Puts a line under a tool tip, or none, and has a screen reader tell it.
+void describe(QAbstractButton* button, const QString& toolTip, const QString& more)
+{
+    button->setToolTip(more.isEmpty() ? toolTip : toolTip + QLatin1Char('\n') + more);
+    button->setAccessibleDescription(more);
+}
+
+/// What stands behind the last page: "1 parameter beyond page 2".
+QString leftoverText(std::size_t parameters, std::size_t entries, std::int32_t pages)
+{
+    const QLocale locale;
+    if (parameters == 1)
+        return QObject::tr("1 parameter beyond page %1").arg(locale.toString(pages));
+    const QString text = parameters > 0 ? QObject::tr("%1 parameters beyond page %2") //
+                                        : QObject::tr("%1 empty pots beyond page %2");
+    return text.arg(locale.toString(parameters > 0 ? parameters : entries), locale.toString(pages));
+}
+
 QString potsOf(const platform::Record& parameter, const mapping::MappedPots& pots)
 {
     if (mapping::isEmptyEntry(parameter))
@@ -63,8 +81,15 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
       modeSwitch_(loaded.find<QWidget>("kvPluginMode")),
       undo_(loaded.find<QAction>("undo")),
       redo_(loaded.find<QAction>("redo")),
-      modeItems_{loaded.find<QAction>("modeInsertEffect"), loaded.find<QAction>("modeInstrument")}
+      modeItems_{loaded.find<QAction>("modeInsertEffect"), loaded.find<QAction>("modeInstrument")},
+      leftoverHint_(loaded.find<QLabel>("leftoverHint"))
 {
+    for (const auto& [kept, name] :
+         {std::pair{&clearAll_, "clearAllPagesButtonPressed"}, std::pair{&newPage_, "newPageButtonPressed"},
+          std::pair{&save_, "kvExportToPlist"}}) {
+        auto* button = loaded.find<QAbstractButton>(name);
+        *kept = {button, button->toolTip()};
+    }
     for (const Action& action : Action::all()) {
         if (action.needs != Needs::nothing)
             needing_.emplace_back(loaded.find<QAction>(action.name), action.needs);
@@ -130,7 +155,7 @@ void EditingView::refresh()
 {
     const bool hasMapping = controller_.isMappingLoaded();
     panel_->setShownPage(mapping::curPage, hasMapping ? mapping::totalPages : 0);
-    overview_->refresh(hasMapping ? mapping::totalPages : 0, mapping::curPage);
+    showLeftovers();
     if (std::exchange(historyRevision_, controller_.historyRevision()) != controller_.historyRevision())
         search_->giveUpUndo();
     if (unmappedOnly_->isChecked())
@@ -220,11 +245,40 @@ void EditingView::showHints()
     else if (offered->arrangedCount() == 1)
         hint = tr("Every parameter stands on a pot.");
     parameters_->setHint(hint);
-    shared_->setHint(
-        controller_.arrayController_downloadList()->content().empty()
-            ? tr("There are no shared mappings to show for this plug-in.\n\nLog in with \u201cAccount\u201d, "
-                 "save yours and press \u201cShare\u201d.")
-            : QString());
+    if (!controller_.arrayController_downloadList()->content().empty())
+        hint.clear();
+    else if (controller_.myArrayController()->selection())
+        hint = tr("Nothing to show: nothing is shared for this plug-in yet, or the community server did not answer.");
+    else
+        hint = tr("Choose a plug-in in the main window to see what others shared for it.");
+    shared_->setHint(hint);
+}
+
+void EditingView::showLeftovers()
+{
+    const std::int32_t pages = controller_.isMappingLoaded() ? mapping::totalPages : 0;
+    const std::size_t all = pages > 0 ? mapping::plistBuild.size() : 0;
+    const std::size_t left = all - std::min(all, static_cast<std::size_t>(pages) * mapping::kPotsPerPage);
+    const std::size_t leftPages = (left + mapping::kPotsPerPage - 1) / mapping::kPotsPerPage;
+    overview_->refresh(pages, mapping::curPage, static_cast<int>(leftPages));
+    QString hint, save, newPage;
+    if (left > 0) {
+        const std::size_t parameters = panel::parametersBehind(mapping::plistBuild, pages);
+        const QString leftovers = leftoverText(parameters, left, pages);
+        hint = parameters == 1 ? tr("%1 stays in the file until its page is deleted").arg(leftovers)
+                               : tr("%1 stay in the file until their pages are deleted").arg(leftovers);
+        save = tr("Writes what is left behind, too: %1").arg(leftovers);
+        newPage = tr("Brings back page %1 as it was left behind; the empty one is added behind all that is left")
+                      .arg(QLocale().toString(pages + 1));
+    }
+    leftoverHint_->setText(hint);
+    leftoverHint_->parentWidget()->setVisible(left > 0);
+    describe(save_.button, save_.toolTip, save);
+    describe(newPage_.button, newPage_.toolTip, newPage);
+    describe(clearAll_.button, clearAll_.toolTip,
+             all > mapping::kPotsPerPage
+                 ? tr("What stands beyond page 1 stays in the file; \u201cStart From Scratch\u201d leaves nothing")
+                 : QString());
 }
 
 void EditingView::describeBackup(const RecallButton& recall)

@@ -48,6 +48,10 @@ private:
         const char* suffix;
         QString toolTip; ///< without the backup
     };
+    struct LeavingButton {
+        QAbstractButton* button;
+        QString toolTip; ///< without what it does with what is left over
+    };
 
     void showOnlyUnmapped(bool only);
     void refresh();
@@ -56,6 +60,7 @@ private:
     void showHistory();
     void showMapped();
     void showHints();
+    void showLeftovers();
     void describeBackup(const RecallButton& recall);
 
     ViewController& controller_;
@@ -75,6 +80,10 @@ private:
     QAction* redo_;
     QAction* modeItems_[2]; ///< by mode
     std::vector<RecallButton> recalls_;
+    QLabel* leftoverHint_;
+    LeavingButton clearAll_;
+    LeavingButton newPage_;
+    LeavingButton save_;
     std::uint64_t historyRevision_ = 0;
     QTimer backupsChanged_;
     std::vector<platform::Connection> connections_;

@@ -218,6 +218,18 @@ QLayout* makeStatusRow()
     return layout;
 }
 
+/// Tells what stands behind the last page, and takes it away; hidden while nothing does.
+QWidget* makeLeftoverRow()
+{
+    auto* leftovers = new QWidget;
+    auto* layout = new QHBoxLayout(leftovers);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(makeLabel("leftoverHint"), 1);
+    addGroup(layout, ButtonRow::leftovers);
+    leftovers->hide();
+    return leftovers;
+}
+
 QWidget* makeLowerView()
 {
     auto* lower = new QWidget;
@@ -227,6 +239,7 @@ QWidget* makeLowerView()
     panel->setObjectName(QStringLiteral("frontPanel"));
     layout->addWidget(panel, 1);
     layout->addWidget(new PageOverview(lower));
+    layout->addWidget(makeLeftoverRow());
     layout->addLayout(makePageControls());
     return lower;
 }

@@ -1,5 +1,6 @@
 #include "platform/qt/Bindings.h"
 
+#include "platform/qt/LongText.h"
 #include "platform/qt/Text.h"
 
 #include <QAbstractButton>
@@ -51,19 +52,6 @@ std::string typedText(const QPlainTextEdit* edit)
             c = QLatin1Char('\n');
     }
     return fromQt(text);
-}
-
-/// Whether a text has a word so long that looking for places to break it would take seconds.
-bool hasEndlessWord(std::string_view text)
-{
-    constexpr std::size_t kEndless = 5000;
-    std::size_t length = 0;
-    for (const char c : text) {
-        length = c == ' ' || c == '\n' ? 0 : length + 1;
-        if (length > kEndless)
-            return true;
-    }
-    return false;
 }
 
 class WindowBinding final : public Binding {
@@ -120,10 +108,8 @@ void bind(const std::shared_ptr<TextField>& field, QPlainTextEdit* edit)
     auto* binding = new Binding(edit, field);
     follow<std::string>(binding, field->stringValue, [edit](const std::string& text) {
         const QSignalBlocker quiet(edit); // the edit may read other line ends; what was set is what counts
-        if (typedText(edit) != text) {
-            edit->setLineWrapMode(hasEndlessWord(text) ? QPlainTextEdit::NoWrap : QPlainTextEdit::WidgetWidth);
-            edit->setPlainText(toQt(text));
-        }
+        if (typedText(edit) != text)
+            showText(*edit, toQt(text));
     });
     QObject::connect(edit, &QPlainTextEdit::textChanged, binding,
                      [control = field.get(), edit] { control->stringValue.set(typedText(edit)); });

@@ -13,6 +13,8 @@ namespace {
 /// A download has stalled when nothing has moved for more looks at it. None is taken while the event loop does not run,
 /// as during a blocking request, which is no fault of the server's.
 constexpr int kLooks = 30;
+/// More at once share the same line, and each holds a socket and a file.
+constexpr std::size_t kMostRunning = 4;
 
 } // namespace
 
@@ -56,21 +58,39 @@ CurlDownloads::~CurlDownloads()
 void CurlDownloads::start(const std::string& address, const std::filesystem::path& destination,
                           DownloadHandlers handlers)
 {
-    running_.push_back(std::make_unique<Download>(address, sizeLimit_, destination, std::move(handlers),
-                                                  [this] { Q_EMIT progressed(); }));
-    Download& download = *running_.back();
-    if (!download.file.isOpen())
-        return end(download, CURLE_WRITE_ERROR);
-    if (!watch_.isActive())
+    waiting_.push_back({address, destination, std::move(handlers)});
+    fillPlaces();
+}
+
+void CurlDownloads::fillPlaces()
+{
+    while (!waiting_.empty() && running_.size() < kMostRunning) {
+        Waiting next = std::move(waiting_.front());
+        waiting_.pop_front();
+        begin(std::move(next));
+    }
+    if (running_.empty())
+        watch_.stop();
+    else if (!watch_.isActive())
         watch_.start();
-    goOn(download, CURLE_OK);
     Q_EMIT progressed();
+}
+
+void CurlDownloads::begin(Waiting next)
+{
+    running_.push_back(std::make_unique<Download>(std::move(next.address), sizeLimit_, next.destination,
+                                                  std::move(next.handlers), [this] { Q_EMIT progressed(); }));
+    Download& download = *running_.back();
+    if (download.file.isOpen())
+        goOn(download, CURLE_OK);
+    else
+        end(download, CURLE_WRITE_ERROR);
 }
 
 DownloadProgress CurlDownloads::progress() const
 {
     DownloadProgress sum{static_cast<int>(running_.size()), 0, 0};
-    bool areAllKnown = true;
+    bool areAllKnown = waiting_.empty();
     for (const auto& download : running_) {
         sum.received += download->transfer.received();
         sum.expected += download->transfer.expected();
@@ -128,6 +148,7 @@ void CurlDownloads::drive(curl_socket_t socket, int events)
         curl_multi_remove_handle(multi_.get(), handle);
         goOn(**download, result);
     }
+    fillPlaces();
 }
 
 void CurlDownloads::goOn(Download& download, CURLcode result)
@@ -148,6 +169,7 @@ void CurlDownloads::endStalled()
         curl_multi_remove_handle(multi_.get(), download.transfer.handle());
         end(download, CURLE_OPERATION_TIMEDOUT);
     }
+    fillPlaces();
 }
 
 void CurlDownloads::end(Download& download, CURLcode result)
@@ -160,9 +182,6 @@ void CurlDownloads::end(Download& download, CURLcode result)
         complete([failed = std::move(download.handlers.failed),
                   error = DownloadError{curl_easy_strerror(result), download.transfer.address()}] { failed(error); });
     std::erase_if(running_, [&](const auto& each) { return each.get() == &download; });
-    if (running_.empty())
-        watch_.stop();
-    Q_EMIT progressed();
 }
 
 void CurlDownloads::complete(std::function<void()> tell)

@@ -1,6 +1,7 @@
 #pragma once
 // Downloads into files, driven by the event loop: libcurl says which sockets and which time it waits for, notifiers and
-// a timer report them. No thread. A completion is handed out when the gate is open, one after the other.
+// a timer report them. No thread. Four run at once, the others wait in the order in which they came. A completion is
+// handed out when the gate is open, one after the other.
 
 #include "platform/Http.h"
 #include "platform/files/Files.h"
@@ -29,7 +30,7 @@ class CurlDownloads final : public QObject {
 
 public:
     CurlDownloads(CompletionGate& gate, std::chrono::milliseconds stallLimit, std::size_t sizeLimit);
-    /// Ends what runs; nobody is told and nothing is left behind.
+    /// Ends what runs and forgets what waits; nobody is told and nothing is left behind.
     ~CurlDownloads() override;
 
     void start(const std::string& address, const std::filesystem::path& destination, DownloadHandlers handlers);
@@ -40,6 +41,11 @@ Q_SIGNALS:
 
 private:
     struct Download;
+    struct Waiting {
+        std::string address;
+        std::filesystem::path destination;
+        DownloadHandlers handlers;
+    };
     struct Notifiers {
         QSocketNotifier* readable;
         QSocketNotifier* writable;
@@ -48,6 +54,9 @@ private:
     static int watchSocket(CURL* handle, curl_socket_t socket, int what, void* self, void* ours);
     static int setTimer(CURLM* multi, long milliseconds, void* self);
     void drive(curl_socket_t socket, int events);
+    /// Lets those that wait take the places that are free. After anything that may have ended a download.
+    void fillPlaces();
+    void begin(Waiting next);
     void goOn(Download& download, CURLcode result);
     void endStalled();
     void end(Download& download, CURLcode result);
@@ -61,6 +70,7 @@ private:
     QTimer timer_; ///< libcurl's
     QTimer watch_; ///< for stalled ones
     std::vector<std::unique_ptr<Download>> running_;
+    std::deque<Waiting> waiting_;
     std::deque<std::function<void()>> completed_;
     MultiHandle multi_;
 };

@@ -18,7 +18,7 @@ class CurlDownloads;
 struct HttpLimits {
     std::chrono::milliseconds total = std::chrono::seconds(60); ///< of a blocking request
     std::chrono::milliseconds stall = std::chrono::seconds(60); ///< of a download
-    std::size_t reply = std::size_t{16} << 20;
+    std::size_t reply = std::size_t{32} << 20;
     std::size_t file = std::size_t{64} << 20;
 };
 

@@ -2,6 +2,7 @@
 
 #include "platform/files/FileUrl.h"
 #include "platform/qt/CompletionGate.h"
+#include "platform/qt/LongText.h"
 #include "platform/qt/Text.h"
 
 #include <QApplication>
@@ -10,12 +11,14 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QUrl>
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace platform::qt {
@@ -32,31 +35,65 @@ QMessageBox::Icon iconFor(Alert::Style style)
     return QMessageBox::Warning;
 }
 
-/// A text that is higher than the screen, such as a server's error page, would take the buttons with it, and a line
-/// that cannot be broken would be cut.
-void letLongTextScroll(QMessageBox& box)
+constexpr int kWidth = 520;
+
+/// Puts something else where a text stands.
+void replace(const QMessageBox& box, QLabel* text, QWidget* by)
 {
-    constexpr int kWidth = 520;
-    auto* grid = qobject_cast<QGridLayout*>(box.layout());
-    auto* text = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
+    auto* grid = static_cast<QGridLayout*>(box.layout());
+    int row = 0, column = 0, rows = 0, columns = 0;
+    grid->getItemPosition(grid->indexOf(text), &row, &column, &rows, &columns);
+    grid->removeWidget(text);
+    grid->addWidget(by, row, column, rows, columns);
+}
+
+/// The field with a text that would take a label minutes to lay out. The label keeps the text, which is the box's.
+void showInField(const QMessageBox& box, QLabel* text)
+{
+    auto* field = new QPlainTextEdit;
+    field->setAccessibleName(QObject::tr("Text of the message"));
+    field->setReadOnly(true);
+    field->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    field->setTabChangesFocus(true);
+    field->setMinimumSize(kWidth, std::min(320, box.screen()->availableGeometry().height() / 3));
+    showText(*field, text->text());
+    replace(box, text, field);
+    text->hide();
+}
+
+/// A text that is higher than the screen would take the buttons with it, and a line that cannot be broken would be cut.
+void letScroll(const QMessageBox& box, QLabel* text)
+{
     const int highest = box.screen()->availableGeometry().height() / 2;
-    const int place = grid && text ? grid->indexOf(text) : -1;
-    if (place < 0)
-        return;
     const int height = text->heightForWidth(kWidth);
     const int width = text->minimumSizeHint().width();
     if (height <= highest && width <= kWidth)
         return;
-    int row = 0, column = 0, rows = 0, columns = 0;
-    grid->getItemPosition(place, &row, &column, &rows, &columns);
     auto* scroll = new QScrollArea;
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
     const int bar = scroll->horizontalScrollBar()->sizeHint().height();
     scroll->setMinimumSize(kWidth, std::min(highest, height + bar));
-    grid->removeWidget(text);
+    replace(box, text, scroll);
     scroll->setWidget(text);
-    grid->addWidget(scroll, row, column, rows, columns);
+}
+
+/// Keeps the alert on the screen, whatever a server has to say.
+void makeRoomForLongTexts(QMessageBox& box)
+{
+    for (const char* name : {"qt_msgbox_label", "qt_msgbox_informativelabel"}) {
+        auto* text = box.findChild<QLabel*>(QLatin1String(name));
+        if (!text)
+            continue;
+        if (isLong(text->text()) || hasSlowWord(text->text())) {
+            showInField(box, text);
+#if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)
+            box.setOption(QMessageBox::Option::DontUseNativeDialog); // the system's own has no field
+#endif
+        } else if (text->wordWrap()) {
+            letScroll(box, text);
+        }
+    }
 }
 
 const char* environmentOr(const char* name, const char* otherwise)
@@ -88,7 +125,7 @@ int MessageBoxAlerts::runModal(const Alert& alert)
     for (QLabel* label : box.findChildren<QLabel*>())
         label->setTextFormat(Qt::PlainText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse); // a reply may hold what is needed later
-    letLongTextScroll(box);
+    makeRoomForLongTexts(box);
     box.exec();
     const auto pressed = buttons.indexOf(box.clickedButton()); // none when the program is to end
     return kFirstButton + static_cast<int>(pressed < 0 ? buttons.size() - 1 : pressed);

@@ -201,7 +201,7 @@ TEST_F(EditingViewTest, EmptyListsSayWhatToDoNext)
     launch();
     EXPECT_THAT(hint("pluginTableView"), HasSubstr("No plug-ins were found."));
     EXPECT_EQ(hint("tablePlistOfSelectedPlugin"), "");
-    EXPECT_THAT(hint("cwinPlistAvailable"), HasSubstr("There are no shared mappings to show for this plug-in."));
+    EXPECT_EQ(hint("cwinPlistAvailable"), "Choose a plug-in in the main window to see what others shared for it.");
     writeDictionary(builtIn("Synth"), orderFile(numbered(10)));
     writeDictionary(builtIn("Nothing"), orderFile({}));
     click("btnRunCheck");
@@ -209,6 +209,13 @@ TEST_F(EditingViewTest, EmptyListsSayWhatToDoNext)
     EXPECT_EQ(hint("tablePlistOfSelectedPlugin"), "Choose a plug-in at the left to see its parameters.");
     select("Synth");
     EXPECT_EQ(hint("tablePlistOfSelectedPlugin"), "");
+    const char* const nothing =
+        "Nothing to show: nothing is shared for this plug-in yet, or the community server did not answer.";
+    EXPECT_EQ(hint("cwinPlistAvailable"), nothing);
+    controller().arrayController_downloadList()->setContent({{{"userComments", "a"}}});
+    EXPECT_EQ(hint("cwinPlistAvailable"), "");
+    controller().arrayController_downloadList()->setContent({});
+    EXPECT_EQ(hint("cwinPlistAvailable"), nothing);
     typeInto("parameterSearch", "zzz");
     EXPECT_THAT(hint("tablePlistOfSelectedPlugin"), HasSubstr("No parameter found for \u201czzz\u201d."));
     EXPECT_EQ(find<>("tablePlistOfSelectedPlugin")->accessibleDescription().toStdString(),
@@ -364,6 +371,82 @@ TEST_F(EditingViewTest, APotDroppedOnAnotherExchangesTheTwo)
     click("undoButton");
     EXPECT_EQ(potLabel(2), "Knob 10");
     EXPECT_EQ(potLabel(7), "Knob 15");
+}
+
+TEST_F(EditingViewTest, ClearAllTellsWhatItLeaves)
+{
+    load(300);
+    const auto hintRow = [this] { return find<>("leftoverHint")->isVisible(); };
+    auto* strip = find<QAbstractItemView>("pageOverview");
+    EXPECT_FALSE(hintRow());
+    EXPECT_EQ(text("leftoverHint"), "");
+    EXPECT_THAT(toolTip("clearAllPagesButtonPressed"), HasSubstr("What stands beyond page 1 stays in the file"));
+    click("clearAllPagesButtonPressed");
+    EXPECT_TRUE(hintRow());
+    EXPECT_EQ(text("leftoverHint"), "292 parameters beyond page 1 stay in the file until their pages are deleted");
+    EXPECT_EQ(toolTip("clearAllPagesButtonPressed"),
+              "Empty the first page and make it the only one (Ctrl+Shift+D)\nWhat stands beyond page 1 stays in the "
+              "file; \u201cStart From Scratch\u201d leaves nothing");
+    EXPECT_EQ(toolTip("newPageButtonPressed"),
+              "Add an empty page at the end (Ctrl+N)\nBrings back page 2 as it was left behind; the empty one is added "
+              "behind all that is left");
+    EXPECT_EQ(toolTip("kvExportToPlist"),
+              "Write the mapping into the plug-in's file and keep backups (Ctrl+S)\nWrites what is left behind, too: "
+              "292 parameters beyond page 1");
+    EXPECT_EQ(find<>("kvExportToPlist")->accessibleDescription(),
+              QStringLiteral("Writes what is left behind, too: 292 parameters beyond page 1"));
+    EXPECT_EQ(strip->model()->rowCount(), 38);
+    const QModelIndex left = strip->model()->index(1, 0);
+    EXPECT_FALSE(left.flags().testFlag(Qt::ItemIsEnabled));
+    QTest::mouseClick(strip->viewport(), Qt::LeftButton, Qt::NoModifier, strip->visualRect(left).center());
+    EXPECT_EQ(text("lab_PageCurrentlyDisplayed"), "Page 1 of 1");
+    click("newPageButtonPressed");
+    EXPECT_EQ(text("leftoverHint"), "284 parameters beyond page 2 stay in the file until their pages are deleted");
+    EXPECT_TRUE(strip->model()->index(1, 0).flags().testFlag(Qt::ItemIsEnabled));
+    EXPECT_EQ(strip->model()->rowCount(), 39);
+}
+
+TEST_F(EditingViewTest, WhatIsLeftIsToldInTheNumberItHas)
+{
+    load(9);
+    click("clearAllPagesButtonPressed");
+    EXPECT_EQ(text("leftoverHint"), "1 parameter beyond page 1 stays in the file until its page is deleted");
+    EXPECT_THAT(toolTip("kvExportToPlist"), HasSubstr("too: 1 parameter beyond page 1"));
+    click("newPageButtonPressed");
+    EXPECT_EQ(text("leftoverHint"), "8 empty pots beyond page 2 stay in the file until their pages are deleted");
+    click("btnRunCheck"); // the mapping stays
+    EXPECT_NE(text("leftoverHint"), "");
+    select("Synth");
+    EXPECT_EQ(text("leftoverHint"), "");
+    EXPECT_FALSE(find<>("leftoverHint")->isVisible());
+}
+
+TEST_F(EditingViewTest, StartingFromScratchTakesAwayWhatIsLeftAndCanBeUndone)
+{
+    launch();
+    EXPECT_FALSE(itemIsEnabled("startFromScratch"));
+    load(24);
+    EXPECT_TRUE(itemIsEnabled("startFromScratch"));
+    EXPECT_FALSE(find<>("startFromScratch")->isVisible());
+    click("clearAllPagesButtonPressed");
+    click("startFromScratch");
+    EXPECT_EQ(text("leftoverHint"), "");
+    EXPECT_EQ(find<QAbstractItemView>("pageOverview")->model()->rowCount(), 1);
+    EXPECT_THAT(toolTip("clearAllPagesButtonPressed"), testing::Not(HasSubstr("stays in the file")));
+    EXPECT_EQ(itemText("undo"), "Undo Start From Scratch");
+    click("undoButton");
+    EXPECT_EQ(text("leftoverHint"), "16 parameters beyond page 1 stay in the file until their pages are deleted");
+    click("undoButton");
+    EXPECT_EQ(text("leftoverHint"), "");
+    EXPECT_EQ(potLabel(1), "Knob 1");
+}
+
+TEST_F(EditingViewTest, SharedMappingsAreLoadedOnceAPluginIs)
+{
+    launch();
+    EXPECT_FALSE(isEnabled("kvCommunityLoadSelectedDownload"));
+    load();
+    EXPECT_TRUE(isEnabled("kvCommunityLoadSelectedDownload"));
 }
 
 TEST_F(EditingViewTest, AClickInTheStripShowsThatPage)

@@ -19,6 +19,7 @@
 #include <QTest>
 #include <QWindow>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -544,12 +545,24 @@ TEST_F(FrontPanelTest, PotsAreDroppedOnOtherPots)
     EXPECT_EQ(dropped.value(1), QVariantList({8, 1}));
 }
 
+TEST_F(FrontPanelTest, APotDroppedOnItselfIsPressedOnce)
+{
+    QSignalSpy exchanged(panel_.get(), &FrontPanel::potDropped);
+    QSignalSpy clicked(pot(4), &QPushButton::clicked);
+    EXPECT_TRUE(Dragged(kPotDrag, "4").dropOn(*pot(4)));
+    EXPECT_EQ(clicked.size(), 1);
+    EXPECT_TRUE(Dragged(kPotDrag, "4").dropOn(*label(4)));
+    EXPECT_EQ(clicked.size(), 2);
+    EXPECT_FALSE(pot(4)->isDown());
+    EXPECT_TRUE(exchanged.isEmpty());
+}
+
 TEST_F(FrontPanelTest, WhatDoesNotBelongOnAPotIsRefused)
 {
     QSignalSpy parameters(panel_.get(), &FrontPanel::parameterDropped);
     QSignalSpy pots(panel_.get(), &FrontPanel::potDropped);
     const std::pair<const char*, const char*> others[] = {
-        {kPotDrag, "4"}, {kPotDrag, "0"}, {kPotDrag, "9"}, {kPotDrag, "x"}, {"text/plain", "Cutoff"}};
+        {kPotDrag, "0"}, {kPotDrag, "9"}, {kPotDrag, "x"}, {"text/plain", "Cutoff"}};
     for (const auto& [type, content] : others)
         EXPECT_FALSE(Dragged(type, content).dropOn(*pot(4))) << type << " " << content;
     pot(4)->setEnabled(false);
@@ -603,6 +616,31 @@ TEST_F(FrontPanelTest, APotPulledAwayIsDraggedAndNotPressed)
     QTest::mouseRelease(pot(3), Qt::LeftButton, {}, middle);
     EXPECT_EQ(clicked.size(), 0);
     QTest::mouseClick(pot(3), Qt::LeftButton);
+    EXPECT_EQ(clicked.size(), 1);
+}
+
+TEST_F(FrontPanelTest, APressMaySlideByTheDragDistanceAndOverTheEdge)
+{
+    QSignalSpy clicked(pot(3), &QPushButton::clicked);
+    const QPoint atEdge = pot(3)->rect().center() + QPoint(std::min(pot(3)->width(), pot(3)->height()) / 2 - 2, 0);
+    const QPoint slid = atEdge + QPoint(QApplication::startDragDistance(), 0);
+    const auto send = [&](QEvent::Type type, QPoint at) {
+        const bool isMove = type == QEvent::MouseMove;
+        QMouseEvent event(type, at, pot(3)->mapToGlobal(at), isMove ? Qt::NoButton : Qt::LeftButton,
+                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(pot(3), &event);
+    };
+    send(QEvent::MouseButtonPress, atEdge);
+    send(QEvent::MouseMove, slid);
+    EXPECT_TRUE(pot(3)->isDown());
+    send(QEvent::MouseButtonRelease, slid);
+    EXPECT_EQ(clicked.size(), 1);
+    EXPECT_TRUE(pot(3)->findChildren<QDrag*>().isEmpty());
+    // Beyond that nothing is pressed outside the circle, and a press that begins there is none.
+    send(QEvent::MouseButtonPress, atEdge);
+    send(QEvent::MouseButtonRelease, slid + QPoint(1, 0));
+    send(QEvent::MouseButtonPress, slid);
+    send(QEvent::MouseButtonRelease, slid);
     EXPECT_EQ(clicked.size(), 1);
 }
 

@@ -392,6 +392,7 @@ TEST_F(KeyboardTest, TheMenuBarHoldsEveryOperationWithAShortcutOfItsOwn)
                                       "newPageButtonPressed",
                                       "deletePageButtonPressed",
                                       "clearAllPagesButtonPressed",
+                                      "startFromScratch",
                                       "kvLoginToCloudAccount",
                                       "kvCommunityLibrary",
                                       "kvCommunityLibraryDownload",

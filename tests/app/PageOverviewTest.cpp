@@ -205,6 +205,32 @@ TEST_F(PageOverviewTest, SaysWhatATileHolds)
     EXPECT_TRUE(list->child(3)->state().selected);
 }
 
+TEST_F(PageOverviewTest, PagesLeftOverAreDimmedAndCannotBeChosen)
+{
+    for (const auto& palette : {test::lightPalette(), test::darkPalette()}) {
+        open(palette);
+        refresh(5, 1);
+        const QImage page = pictureOfTile(3);
+        overview_->refresh(2, 1, 3);
+        settle();
+        EXPECT_GT(comparePictures(pictureOfTile(3), page).share, 0.03);
+    }
+    EXPECT_EQ(spoken(2), "Page 2 of 2, 5 of 8 pots mapped");
+    EXPECT_EQ(spoken(3), "Page 3, left behind the last page, 6 of 8 pots mapped");
+    EXPECT_TRUE(page(3).data(Qt::ToolTipRole).toString().startsWith(QLatin1String("Left behind the last page")));
+    EXPECT_TRUE(page(3).data(Qt::ToolTipRole).toString().endsWith(QLatin1String("8  Knob 3.8")));
+    QSignalSpy chosen(overview_.get(), &PageOverview::pageChosen);
+    click(4);
+    overview_->setFocus();
+    QTest::keyClick(overview_.get(), Qt::Key_End);
+    ASSERT_EQ(chosen.size(), 1);
+    EXPECT_EQ(chosen.takeFirst().at(0).toInt(), 2);
+    QTest::keyClick(overview_.get(), Qt::Key_Right);
+    EXPECT_TRUE(chosen.isEmpty());
+    refresh(5, 5);
+    EXPECT_EQ(overview_->currentIndex(), page(5));
+}
+
 TEST_F(PageOverviewTest, AToolTipStaysReadableWithEndlessNames)
 {
     overview_->setSource([](int, int) { return QString(100000, QLatin1Char('W')); });

@@ -10,8 +10,12 @@
 #include <gtest/gtest.h>
 
 #include <future>
+#include <iterator>
 #include <memory>
 #include <optional>
+#include <set>
+#include <string>
+#include <vector>
 
 namespace platform::qt {
 
@@ -287,6 +291,100 @@ TEST_F(Download, DoesNotMixWithAnotherToTheSameFile)
     EXPECT_TRUE(wait(2));
     EXPECT_EQ(test::read(file_), "first!");
     EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1);
+}
+
+class ManyDownloads : public Download {
+protected:
+    /// Six, to files of their own.
+    void startSix(CurlHttp& http)
+    {
+        for (int number = 1; number <= 6; ++number)
+            http.download(
+                peer_.url() + std::to_string(number), folder_ / std::to_string(number),
+                {[this, number] { order_.push_back(number); }, [this](const DownloadError& error) { error_ = error; }});
+    }
+    bool waitForSix()
+    {
+        return test::waitUntil([&] { return order_.size() == 6 || error_; }) && !error_;
+    }
+    std::ptrdiff_t files() const { return std::distance(fs::directory_iterator(folder_), {}); }
+
+    std::vector<int> order_;
+};
+
+TEST_F(ManyDownloads, RunFourAtOnceAndTheOthersInTheirTurn)
+{
+    for (int i = 0; i < 4; ++i)
+        peer_.play([](Connection& connection) {
+            connection.send("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\na");
+            connection.wait(400ms);
+            connection.send("b");
+        });
+    peer_.play(test::reply("five"));
+    peer_.play(test::reply("six"));
+    startSix(http_);
+    EXPECT_TRUE(test::waitUntil([&] { return http_.downloadProgress.get().received == 4; }));
+    test::runFor(100);
+    EXPECT_EQ(peer_.requests().size(), 4U);
+    EXPECT_EQ(files(), 4);
+    EXPECT_EQ(http_.downloadProgress.get(), (DownloadProgress{4, 4, 0})) << "where it ends is not known yet";
+    EXPECT_TRUE(waitForSix());
+    const auto lines = peer_.requestLines();
+    EXPECT_EQ(std::set(lines.begin() + 4, lines.end()), (std::set<std::string>{"GET /5", "GET /6"}));
+    EXPECT_EQ(std::set(order_.begin(), order_.begin() + 2).count(6), 0U);
+    EXPECT_EQ(files(), 6);
+    EXPECT_EQ(http_.downloadProgress.get(), DownloadProgress());
+}
+
+TEST_F(ManyDownloads, AreNotTimedWhileTheyWait)
+{
+    for (int i = 0; i < 4; ++i)
+        peer_.play([](Connection& connection) {
+            connection.send("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n");
+            for (int sent = 0; sent < 10; ++sent) {
+                connection.wait(100ms);
+                connection.send("x");
+            }
+        });
+    peer_.play(test::reply("five"));
+    peer_.play(test::reply("six"));
+    startSix(impatient_);
+    EXPECT_TRUE(waitForSix());
+    EXPECT_EQ(files(), 6);
+}
+
+TEST_F(ManyDownloads, ThatFailAtOnceOrStallMakeRoomForTheNext)
+{
+    for (int i = 0; i < 4; ++i)
+        peer_.play([](Connection& connection) { connection.wait(20s); });
+    int failed = 0;
+    const auto fail = [&](const DownloadError&) { ++failed; };
+    for (int i = 0; i < 4; ++i)
+        impatient_.download(peer_.url(), folder_ / "stalls", {{}, fail});
+    for (int i = 0; i < 50; ++i)
+        impatient_.download("no address", folder_ / "nonsense", {{}, fail});
+    impatient_.download(peer_.url(), folder_ / "nowhere/file", {{}, fail});
+    peer_.play(test::reply("shared"));
+    start(impatient_, peer_.url());
+    EXPECT_TRUE(wait());
+    EXPECT_EQ(failed, 55);
+    EXPECT_EQ(files(), 1);
+}
+
+TEST_F(ManyDownloads, AreForgottenWhenTheProgramEnds)
+{
+    for (int i = 0; i < 4; ++i)
+        peer_.play([](Connection& connection) { connection.wait(20s); });
+    {
+        CurlHttp http(gate_);
+        startSix(http);
+        EXPECT_TRUE(test::waitUntil([&] { return peer_.requests().size() == 4; }));
+    }
+    test::runFor(50);
+    EXPECT_TRUE(fs::is_empty(folder_));
+    EXPECT_EQ(peer_.requests().size(), 4U);
+    EXPECT_TRUE(order_.empty());
+    EXPECT_FALSE(error_);
 }
 
 TEST_F(Download, LeavesNothingBehindWhenTheProgramEnds)

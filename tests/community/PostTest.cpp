@@ -197,7 +197,7 @@ TEST_F(Post, FailsWhenNobodyListens)
 
 TEST_F(Post, TakesSixteenMebibytesAndNoMore)
 {
-    const std::string most(std::size_t{16} << 20, 'x');
+    const std::string most(std::size_t{32} << 20, 'x');
     peer_.play(test::reply(most));
     EXPECT_EQ(post("most"), most);
     peer_.play(test::reply(most + "x"));

@@ -440,11 +440,12 @@ TEST_F(SharingWithoutPlugin, ListsForAnEmptyName)
 TEST_F(SharingWithoutPlugin, LoadDoesNothing)
 {
     click("kv_btn_cloudLibraryDownload"); // the peer hangs up
-    click("kvCommunityLoadSelectedDownload");
+    EXPECT_FALSE(isEnabled("kvCommunityLoadSelectedDownload"));
+    controller().kvCommunityLoadSelectedDownload();
     EXPECT_EQ(alerts_.shown(), std::vector{kNothingSelected});
     peer_.play(test::reply(kTwoEntries));
     click("kv_btn_cloudLibraryDownload");
-    click("kvCommunityLoadSelectedDownload");
+    controller().kvCommunityLoadSelectedDownload();
     test::runFor(50);
     EXPECT_EQ(alerts_.shown().size(), 1u);
     EXPECT_EQ(peer_.requests().size(), 3u);

@@ -45,6 +45,7 @@ const Edit kEdits[] = {
     {"Add Page", [](ViewController& c) { c.newPageButtonPressed(); }},
     {"Delete Page", [](ViewController& c) { c.deletePageButtonPressed(); }},
     {"Clear All Pages", [](ViewController& c) { c.clearAllPagesButtonPressed(); }},
+    {"Start From Scratch", [](ViewController& c) { c.startFromScratch(); }},
     {"Move Page", [](ViewController& c) { c.kvMovePage_First(); }},
     {"Move Page", [](ViewController& c) { c.kvMovePage_Last(); }},
     {"Change Mode",
@@ -237,13 +238,18 @@ TEST_F(HistoryTest, OutlivesARescanInWhichNothingIsSelected)
     controller_.kvPluginMode_Changed(controller_.kvPluginMode());
     controller_.clickControl(0);
     controller_.btnRunCheck();
-    const std::string help = controller_.labelHelperDisplay()->stringValue.get();
+    EXPECT_EQ(controller_.labelHelperDisplay()->stringValue.get(), "Please Select a Plugin");
     controller_.undo();
+    EXPECT_EQ(controller_.labelHelperDisplay()->stringValue.get(), "Please Select a Plugin");
     controller_.undo();
     EXPECT_EQ(mapping::plugin_Mode, 0);
     EXPECT_EQ(controller_.kvPluginMode()->selectedTag.get(), 0);
-    EXPECT_EQ(controller_.labelHelperDisplay()->stringValue.get(), help);
+    EXPECT_EQ(controller_.mainTitle_Sub()->stringValue.get(), "Logic Pro Insert/Effect Mapper");
+    EXPECT_EQ(controller_.labelHelperDisplay()->stringValue.get(), "Editing EQ One in Insert/Effect Mode");
     EXPECT_EQ(order(), test::numbered(24));
+    controller_.redo();
+    EXPECT_EQ(controller_.mainTitle_Sub()->stringValue.get(), "Logic Pro Instrument Mapper");
+    EXPECT_EQ(controller_.labelHelperDisplay()->stringValue.get(), "Editing EQ One using Instrument Mode");
 }
 
 TEST_F(HistoryTest, ARescanIsNoEditThatUndoWouldTakeBack)

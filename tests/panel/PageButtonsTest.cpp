@@ -121,6 +121,19 @@ TEST_F(PageButtons, APageAddedAfterAClearShowsTheFormerPageTwo)
                 ElementsAre("Knob 9", "Knob 10", "Knob 11", "Knob 12", "Knob 13", "Knob 14", "Knob 15", "Knob 16"));
 }
 
+TEST_F(PageButtons, StartingFromScratchLeavesOneEmptyPageAndNothingBehindIt)
+{
+    const test::Path file = edit(numbered(24));
+    controller_.clearAllPagesButtonPressed();
+    controller_.newPageButtonPressed();
+    controller_.startFromScratch();
+    EXPECT_EQ(order(), Texts(8, "-1"));
+    EXPECT_THAT(readOuts(), ElementsAre("Page 1 of 1", "1 Page"));
+    EXPECT_EQ(pots(), Texts(8, "-"));
+    controller_.kvExportToPlist();
+    EXPECT_EQ(test::textsAt(file, test::kOrder), Texts(8, "-1"));
+}
+
 TEST_F(PageButtons, ASaveAfterAClearStillWritesTheLaterEntries)
 {
     const test::Path file = edit(numbered(24));

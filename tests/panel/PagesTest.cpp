@@ -64,6 +64,16 @@ TEST(Pages, AnAppendedPageCarriesItsNumberAndGoesOnCounting)
         EXPECT_EQ(entries[position], emptyEntry(3, static_cast<std::int32_t>(position)));
 }
 
+TEST(Pages, ParametersBehindThemAreCountedWithoutEmptySlots)
+{
+    auto entries = mappingOf(numbered(20)); // three pages, the last four slots are empty
+    EXPECT_EQ(panel::parametersBehind(entries, 0), 20U);
+    EXPECT_EQ(panel::parametersBehind(entries, 1), 12U);
+    EXPECT_EQ(panel::parametersBehind(entries, 2), 4U);
+    EXPECT_EQ(panel::parametersBehind(entries, 3), 0U);
+    EXPECT_EQ(panel::parametersBehind(entries, 4), 0U);
+}
+
 TEST(SlotContent, IsNumberAndNameAndLeavesTheSlotsPlace)
 {
     Record slot = entry("1", "A", 1, 3);

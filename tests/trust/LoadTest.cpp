@@ -174,14 +174,14 @@ protected:
     test::ScriptedPeer peer_;
 };
 
-TEST_F(LongListing, OfSixteenMebibytesIsShownAndALongerOneIsNone)
+TEST_F(LongListing, OfThirtyTwoMebibytesIsShownAndALongerOneIsNone)
 {
     home_.addPlugin("Maker", "A One", {"0 Cutoff"});
     test::setBaseUrl(peer_.url());
     peer_.play(test::reply("no"));
     launch();
     select("A One");
-    constexpr std::size_t kLongest = std::size_t{16} << 20;
+    constexpr std::size_t kLongest = std::size_t{32} << 20;
     int entries = 0;
     const std::string longest = listingOf(kLongest, entries);
     ASSERT_EQ(longest.size(), kLongest);

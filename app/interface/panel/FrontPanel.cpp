@@ -251,7 +251,7 @@ int FrontPanel::targetOf(const QDropEvent& event) const
     const QPoint position = event.position().toPoint();
     for (std::size_t i = 0; i < pots_.size(); ++i) {
         const bool isOver = layout_.pots[i].united(layout_.fields[i]).contains(position);
-        if (isOver && pots_[i]->isEnabled() && pots_[i]->number() != from)
+        if (isOver && pots_[i]->isEnabled())
             return pots_[i]->number();
     }
     return kNoPot;
@@ -300,10 +300,13 @@ void FrontPanel::dropEvent(QDropEvent* event)
         return;
     }
     event->acceptProposedAction();
-    if (const int from = potIn(event->mimeData()); from != kNoPot)
-        Q_EMIT potDropped(from, onto);
-    else
+    const int from = potIn(event->mimeData());
+    if (from == kNoPot)
         Q_EMIT parameterDropped(onto);
+    else if (from == onto)
+        pots_[static_cast<std::size_t>(onto - 1)]->click(); // pulled and brought back, it was pressed after all
+    else
+        Q_EMIT potDropped(from, onto);
 }
 
 } // namespace interface

@@ -25,31 +25,43 @@ void PageModel::setSource(std::function<QString(int page, int pot)> name)
     endResetModel();
 }
 
-void PageModel::refresh(int pages, int shownPage)
+void PageModel::refresh(int pages, int shownPage, int leftOver)
 {
-    const int before = pages_;
+    const int before = rowCount();
+    const int now = pages + leftOver;
+    const auto take = [&] {
+        pages_ = pages;
+        leftOver_ = leftOver;
+    };
     shown_ = shownPage;
-    if (pages > before) {
-        beginInsertRows({}, before, pages - 1);
-        pages_ = pages;
+    if (now > before) {
+        beginInsertRows({}, before, now - 1);
+        take();
         endInsertRows();
-    } else if (pages < before) {
-        beginRemoveRows({}, pages, before - 1);
-        pages_ = pages;
+    } else if (now < before) {
+        beginRemoveRows({}, now, before - 1);
+        take();
         endRemoveRows();
+    } else {
+        take();
     }
-    if (pages > 0 && before > 0)
-        Q_EMIT dataChanged(index(0), index(std::min(pages, before) - 1));
+    if (now > 0 && before > 0)
+        Q_EMIT dataChanged(index(0), index(std::min(now, before) - 1));
 }
 
 int PageModel::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : pages_;
+    return parent.isValid() ? 0 : pages_ + leftOver_;
+}
+
+Qt::ItemFlags PageModel::flags(const QModelIndex& index) const
+{
+    return index.row() < pages_ ? QAbstractListModel::flags(index) : Qt::NoItemFlags;
 }
 
 QVariant PageModel::data(const QModelIndex& index, int role) const
 {
-    if (!index.isValid() || index.row() >= pages_)
+    if (!index.isValid() || index.row() >= rowCount())
         return {};
     const int page = index.row() + 1;
     switch (role) {
@@ -58,6 +70,7 @@ QVariant PageModel::data(const QModelIndex& index, int role) const
     case Qt::ToolTipRole: return namesText(page);
     case MappedPots: return mappedPots(page);
     case IsShown: return page == shown_;
+    case IsLeftOver: return page > pages_;
     default: return {};
     }
 }
@@ -80,14 +93,19 @@ unsigned PageModel::mappedPots(int page) const
 
 QString PageModel::spokenText(int page) const
 {
+    const int mapped = std::popcount(mappedPots(page));
+    if (page > pages_)
+        return tr("Page %1, left behind the last page, %2 of 8 pots mapped").arg(page).arg(mapped);
     const QString text = tr("Page %1 of %2, %3 of 8 pots mapped");
     const QString shown = tr("Page %1 of %2, %3 of 8 pots mapped, shown");
-    return (page == shown_ ? shown : text).arg(page).arg(pages_).arg(std::popcount(mappedPots(page)));
+    return (page == shown_ ? shown : text).arg(page).arg(pages_).arg(mapped);
 }
 
 QString PageModel::namesText(int page) const
 {
     QStringList lines;
+    if (page > pages_)
+        lines << tr("Left behind the last page; \u201cNew Page\u201d brings the first such page back");
     for (int pot = 1; pot <= kPots; ++pot)
         lines << QString::number(pot) + QStringLiteral("  ") + shortened(nameAt(page, pot));
     return lines.join(QLatin1Char('\n'));

@@ -18,16 +18,21 @@ public:
         MappedPots = Qt::UserRole,
         /// Whether the panel shows this page.
         IsShown,
+        /// Whether it lies behind the last page, where it is kept but can be neither shown nor edited.
+        IsLeftOver,
     };
     static constexpr int kPots = mapping::kPotsPerPage;
 
     using QAbstractListModel::QAbstractListModel;
 
     void setSource(std::function<QString(int page, int pot)> name);
-    /// Rows are pages; names may have changed everywhere.
-    void refresh(int pages, int shownPage);
+    /// Rows are pages, then those left over behind them; names may have changed everywhere.
+    void refresh(int pages, int shownPage, int leftOver);
+    /// Without those left over.
+    int pages() const { return pages_; }
 
     int rowCount(const QModelIndex& parent = {}) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
     QVariant data(const QModelIndex& index, int role) const override;
 
 private:
@@ -38,6 +43,7 @@ private:
 
     std::function<QString(int page, int pot)> name_;
     int pages_ = 0;
+    int leftOver_ = 0;
     int shown_ = 0;
 };
 

@@ -20,6 +20,7 @@ constexpr int kCell = 7;
 constexpr int kCellGap = 4;
 constexpr int kTilePadding = 8;
 constexpr int kTileGap = 3;
+constexpr double kDimmed = 0.45; ///< a page that is left over
 
 QSize tileSize(const QFontMetrics& metrics)
 {
@@ -55,6 +56,8 @@ public:
             QRectF(option.rect).adjusted(kTileGap + 0.5, kTileGap + 0.5, -kTileGap - 0.5, -kTileGap - 0.5);
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
+        if (index.data(PageModel::IsLeftOver).toBool())
+            painter->setOpacity(kDimmed);
         drawTile(*painter, tile, option, isShown, colours);
         drawNumber(*painter, tile, option, index, isShown, colours);
         const double cells = PageModel::kPots * kCell + (PageModel::kPots - 1) * kCellGap;
@@ -136,12 +139,12 @@ void PageOverview::setSource(Source name)
     model_->setSource(std::move(name));
 }
 
-void PageOverview::refresh(int pages, int shownPage)
+void PageOverview::refresh(int pages, int shownPage, int leftOver)
 {
     const QScopedValueRollback guard(isRefreshing_, true);
     const bool hadPages = model_->rowCount() > 0;
-    const bool isOtherCount = model_->rowCount() != pages;
-    model_->refresh(pages, shownPage);
+    const bool isOtherCount = model_->rowCount() != pages + leftOver;
+    model_->refresh(pages, shownPage, leftOver);
     if (hadPages != (pages > 0) || accessibleDescription().isEmpty() != (pages > 0))
         setAccessibleDescription(pages > 0 ? QString() : tr("Choose a plug-in to see its pages here."));
     const QModelIndex shown = model_->index(shownPage - 1);
@@ -196,7 +199,7 @@ QModelIndex PageOverview::moveCursor(CursorAction action, Qt::KeyboardModifiers)
 {
     // By where the tiles lie; the list view itself goes the wrong way where they run from the right.
     const int towardsLeft = isRightToLeft() ? 1 : -1;
-    const int last = model_->rowCount() - 1;
+    const int last = model_->pages() - 1;
     const auto clamped = [this, last](int row) { return model_->index(std::clamp(row, 0, std::max(last, 0))); };
     switch (action) {
     case MoveLeft: return clamped(currentIndex().row() + towardsLeft);

@@ -20,8 +20,9 @@ public:
     explicit PageOverview(QWidget* parent = nullptr);
 
     void setSource(Source name);
-    /// Shows so many pages as they are now, one of them marked and in sight. 0 pages: a hint instead.
-    void refresh(int pages, int shownPage);
+    /// Shows so many pages as they are now, one of them marked and in sight, and dimmed those left over behind them.
+    /// 0 pages: a hint instead.
+    void refresh(int pages, int shownPage, int leftOver = 0);
 
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
     QSize sizeHint() const override;

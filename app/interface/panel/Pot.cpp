@@ -38,9 +38,16 @@ void Pot::setDropTarget(bool isTarget)
 
 bool Pot::hitButton(const QPoint& position) const
 {
+    if (isDown() && !isFar(position)) // a hand that slips over the edge still presses
+        return true;
     const QPointF off = QPointF(position) - QRectF(rect()).center();
     const double radius = std::min(width(), height()) / 2.0;
     return QPointF::dotProduct(off, off) <= radius * radius;
+}
+
+bool Pot::isFar(const QPoint& position) const
+{
+    return (position - pressedAt_).manhattanLength() > QApplication::startDragDistance();
 }
 
 bool Pot::event(QEvent* event)
@@ -106,8 +113,7 @@ void Pot::mouseMoveEvent(QMouseEvent* event)
 {
     if (isPulled_)
         return;
-    const bool isFar = (event->pos() - pressedAt_).manhattanLength() >= QApplication::startDragDistance();
-    if (!isFar || !(event->buttons() & Qt::LeftButton) || !hitButton(pressedAt_)) {
+    if (!isFar(event->pos()) || !(event->buttons() & Qt::LeftButton) || !hitButton(pressedAt_)) {
         QPushButton::mouseMoveEvent(event);
         return;
     }

@@ -1,6 +1,6 @@
 #pragma once
 // One pot of the front panel: a push button that looks like a knob. It is pressed inside the circle only, and pulled
-// away with the mouse it is dragged instead of pressed.
+// further than the system's drag distance it is dragged instead of pressed.
 
 #include <QPushButton>
 
@@ -37,6 +37,8 @@ protected:
 
 private:
     void setHovered(bool isHovered);
+    /// Further from where the mouse was pressed than a press may slide.
+    bool isFar(const QPoint& position) const;
     PotLook look() const;
 
     int number_;

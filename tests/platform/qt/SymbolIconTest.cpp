@@ -42,6 +42,7 @@ constexpr const char* kSymbols[] = {"account",
                                     "scan",
                                     "search",
                                     "share",
+                                    "start-over",
                                     "undo",
                                     "unmapped",
                                     "upload"};

@@ -1,0 +1,25 @@
+#pragma once
+// Texts of any length and kind in a `QPlainTextEdit`, shown at once. Qt lays out a block as a whole, which takes
+// minutes for a word of a megabyte, and keeps a record of each, which takes seconds for a million lines. So a long text
+// is shown in blocks of about a thousand characters: lines share a block, and a line that has no end is broken.
+
+class QPlainTextEdit;
+class QString;
+
+namespace platform::qt {
+
+/// Has more than 4,000 characters.
+bool isLong(const QString& text);
+
+/// Has a word in which a label would look for places to break it for seconds: of more than 1,000 letters outside Latin.
+bool hasSlowWord(const QString& text);
+
+/// The text with its lines in few blocks: what breaks a line is a line separator within a block, and a paragraph
+/// separator between two. A block is no longer than some 3,000 characters, or 130,000 where it ends with a long line
+/// of Latin letters; other lines that are longer gain breaks.
+QString inBlocks(const QString& text);
+
+/// Shows a text in a field; one that is long, and that nobody can edit there, in blocks.
+void showText(QPlainTextEdit& field, const QString& text);
+
+} // namespace platform::qt

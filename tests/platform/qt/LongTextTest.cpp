@@ -1,0 +1,271 @@
+#include "platform/qt/LongText.h"
+
+#include "platform/qt/CompletionGate.h"
+#include "platform/qt/SystemEffects.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QApplication>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QRegularExpression>
+#include <QScreen>
+#include <QTest>
+#include <QTextBlock>
+#include <QTextOption>
+#include <QTimer>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace platform::qt {
+
+namespace {
+
+constexpr qsizetype kMega = 1'000'000;
+
+QString repeated(const QString& text, qsizetype size = kMega)
+{
+    return text.repeated(size / text.size());
+}
+
+struct Kind {
+    const char* name;
+    QString text;
+};
+
+std::vector<Kind> kinds()
+{
+    return {{"one word", repeated(QStringLiteral("x"))},
+            {"blanks", repeated(QStringLiteral(" "))},
+            {"one line of words", repeated(QStringLiteral("the quick, brown. fox-jumps/over "))},
+            {"line breaks", repeated(QStringLiteral("\n"))},
+            {"short lines", repeated(QStringLiteral("line\n"))},
+            {"carriage returns", repeated(QStringLiteral("\r"))},
+            {"both", repeated(QStringLiteral("\r\n"))},
+            {"separators", repeated(QStringLiteral("\u2028\u2029\ufdd0\ufdd1"))},
+            {"control characters", repeated(QStringLiteral("\x01\x02\x1b\x7f\f\v"))},
+            {"null characters", QString(kMega, QChar(0))},
+            {"markup", repeated(QStringLiteral("<b>x</b>&amp;<br>"))},
+            {"right to left", repeated(QStringLiteral("שלוםمرحبا"))},
+            {"both ways", repeated(QStringLiteral("a\u05d0\u202e"))},
+            {"accents", repeated(QStringLiteral("e\u0301\u0302"))},
+            {"nothing but accents", repeated(QStringLiteral("\u0301"))},
+            {"emoji", repeated(QStringLiteral("😀👩\u200d👩\u200d👧"))}};
+}
+
+/// Without what breaks lines.
+QString inOneLine(QString text)
+{
+    return text.remove(QRegularExpression(QStringLiteral("[\r\n\u2028\u2029\ufdd0\ufdd1]")));
+}
+
+// What makes a field slow is the length of its blocks and their number.
+
+TEST(LongText, OfAnyKindIsWholeInFewBlocksThatAreShort)
+{
+    for (const auto& [name, text] : kinds()) {
+        SCOPED_TRACE(name);
+        QPlainTextEdit field;
+        field.setReadOnly(true);
+        showText(field, text);
+        EXPECT_EQ(inOneLine(field.toPlainText()), inOneLine(text));
+        EXPECT_LE(field.blockCount(), kMega / 1000 + 1);
+        for (QTextBlock block = field.document()->begin(); block.isValid(); block = block.next())
+            ASSERT_LE(block.length(), 3201) << block.blockNumber();
+    }
+}
+
+TEST(LongText, KeepsItsLines)
+{
+    QString text;
+    for (int line = 0; line < 2000; ++line)
+        text += QStringLiteral("line %1%2")
+                    .arg(QString::number(line), line % 2 ? QStringLiteral("\n") : QStringLiteral("\r\n"));
+    QPlainTextEdit field;
+    field.setReadOnly(true);
+    showText(field, text);
+    EXPECT_EQ(field.toPlainText(), QString(text).replace(QLatin1String("\r\n"), QLatin1String("\n")));
+}
+
+TEST(LongText, IsBrokenBetweenWordsAndWhereNothingBelongsTogether)
+{
+    const auto pieces = [](const QString& text) { return inBlocks(text).split(QChar::ParagraphSeparator); };
+    for (const QString& piece : pieces(repeated(QStringLiteral("nineteen letters it "), 20'000)))
+        EXPECT_TRUE(piece.startsWith(QLatin1String("nineteen")) || piece.startsWith(QLatin1String("letters")) ||
+                    piece.startsWith(QLatin1String("it")))
+            << qPrintable(piece.left(20));
+    for (const QString& piece : pieces(QLatin1Char('a') + repeated(QStringLiteral("😀"), 20'000)))
+        EXPECT_FALSE(piece.front().isLowSurrogate());
+    for (const QString& piece : pieces(QLatin1Char('a') + repeated(QStringLiteral("e\u0301\u0302"), 20'000)))
+        EXPECT_FALSE(piece.front().isMark());
+    for (const QString& piece : pieces(QStringLiteral("abcd") + repeated(QStringLiteral("👩\u200d👧x"), 20'000)))
+        EXPECT_NE(piece.front(), QChar(0x200d));
+}
+
+TEST(LongText, BeginsBehindFourThousandCharacters)
+{
+    EXPECT_FALSE(isLong(QString(4000, QLatin1Char('x'))));
+    EXPECT_TRUE(isLong(QString(4001, QLatin1Char('x'))));
+    EXPECT_FALSE(isLong(QStringLiteral("😀").repeated(4000)));
+    EXPECT_TRUE(isLong(QStringLiteral("😀").repeated(4001)));
+}
+
+TEST(LongText, AWordThatIsSlowToBreakIsOneOfManyLettersThatAreNotLatin)
+{
+    EXPECT_FALSE(hasSlowWord(QString(4000, QLatin1Char('x'))));
+    EXPECT_FALSE(hasSlowWord(QStringLiteral("שלום ").repeated(800)));
+    EXPECT_FALSE(hasSlowWord(QString(1000, QChar(0x5d0))));
+    EXPECT_TRUE(hasSlowWord(QString(1001, QChar(0x5d0))));
+    EXPECT_TRUE(hasSlowWord(QStringLiteral("a ") + QStringLiteral("😀").repeated(501)));
+}
+
+TEST(LongText, StaysAsItIsWhereItCanBeEditedOrIsShort)
+{
+    const QString text(50'000, QLatin1Char('x'));
+    QPlainTextEdit field;
+    showText(field, text);
+    EXPECT_EQ(field.toPlainText(), text);
+    field.setReadOnly(true);
+    showText(field, text.left(4000));
+    EXPECT_EQ(field.blockCount(), 1);
+    const QString line = QStringLiteral("a word of Latin letters ").repeated(5000);
+    showText(field, QStringLiteral("one\ntwo\n") + line + QStringLiteral("\nthree"));
+    EXPECT_EQ(field.toPlainText(), QStringLiteral("one\ntwo\n") + line + QStringLiteral("\nthree"));
+}
+
+TEST(LongText, IsWrappedBetweenWordsUnlessOneIsEndless)
+{
+    QPlainTextEdit field;
+    field.setReadOnly(true);
+    showText(field, QString(100'000, QLatin1Char('x')));
+    EXPECT_EQ(field.wordWrapMode(), QTextOption::WrapAnywhere);
+    // What stands there is gone before it would be laid out between its words, which it has not.
+    QObject::connect(&field, &QPlainTextEdit::textChanged, [&] {
+        if (field.wordWrapMode() != QTextOption::WrapAnywhere) {
+            EXPECT_LE(field.toPlainText().size(), 5);
+        }
+    });
+    showText(field, QStringLiteral("short"));
+    EXPECT_EQ(field.wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
+}
+
+class AlertTest : public testing::Test {
+protected:
+    /// Shows an alert, does something while it is open, and presses its first button if it still is then; what it
+    /// returned.
+    int show(const std::string& message, const std::string& informative,
+             const std::function<void(QMessageBox&)>& whileOpen)
+    {
+        QTimer::singleShot(20, qApp, [&] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_TRUE(box && box->isVisible());
+            whileOpen(*box);
+            if (box->isVisible())
+                box->buttons().front()->click();
+        });
+        return alerts_.runModal({message, informative, {"First", "Last"}, Alert::Style::warning});
+    }
+    static QPlainTextEdit* fieldOf(const QMessageBox& box)
+    {
+        const auto fields = box.findChildren<QPlainTextEdit*>();
+        return fields.size() == 1 ? fields.front() : nullptr;
+    }
+    static void expectOnScreen(const QMessageBox& box)
+    {
+        EXPECT_TRUE(box.screen()->availableGeometry().size().expandedTo(box.size()) == box.screen()->availableSize())
+            << box.width() << "x" << box.height();
+    }
+
+    CompletionGate gate_;
+    MessageBoxAlerts alerts_{gate_};
+};
+
+TEST_F(AlertTest, ALongTextOfAnyKindIsWholeInAFieldOnTheScreen)
+{
+    for (const auto& [name, text] : kinds()) {
+        SCOPED_TRACE(name);
+        show("Reply", text.toStdString(), [&, &whole = text](const QMessageBox& box) {
+            const auto* field = fieldOf(box);
+            ASSERT_TRUE(field);
+            EXPECT_TRUE(field->isVisible() && field->isReadOnly());
+            EXPECT_EQ(inOneLine(field->toPlainText()), inOneLine(whole));
+            EXPECT_EQ(box.informativeText(), whole);
+            EXPECT_FALSE(box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))->isVisible());
+            expectOnScreen(box);
+        });
+    }
+}
+
+TEST_F(AlertTest, ALongMessageIsShownSoToo)
+{
+    const std::string text(1'000'000, 'x');
+    show(text, text, [&](const QMessageBox& box) {
+        EXPECT_EQ(box.findChildren<QPlainTextEdit*>().size(), 2);
+        EXPECT_EQ(box.text().toStdString(), text);
+        expectOnScreen(box);
+    });
+}
+
+TEST_F(AlertTest, UpToFourThousandCharactersAreALabelOnTheScreen)
+{
+    for (const auto& [name, text] : kinds()) {
+        SCOPED_TRACE(name);
+        show("Reply", text.left(4000).toStdString(), [&](const QMessageBox& box) {
+            EXPECT_EQ(fieldOf(box) != nullptr, hasSlowWord(box.informativeText()));
+            const auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
+            EXPECT_EQ(label->isVisible(), !fieldOf(box));
+            expectOnScreen(box);
+        });
+    }
+}
+
+TEST_F(AlertTest, ReturnAndEscapeWorkInTheField)
+{
+    const std::string text(100'000, 'x');
+    const auto pressing = [&](Qt::Key key) {
+        return show("Reply", text, [key](const QMessageBox& box) {
+            auto* field = fieldOf(box);
+            ASSERT_TRUE(field);
+            field->setFocus();
+            QTest::keyClick(field, key);
+            EXPECT_FALSE(box.isVisible());
+        });
+    };
+    EXPECT_EQ(pressing(Qt::Key_Return), Alerts::kFirstButton);
+    EXPECT_EQ(pressing(Qt::Key_Enter), Alerts::kFirstButton);
+    EXPECT_EQ(pressing(Qt::Key_Escape), Alerts::kFirstButton + 1);
+}
+
+TEST_F(AlertTest, TheFirstButtonHasTheFocusAndTabGoesToTheField)
+{
+    show("Reply", std::string(100'000, 'x'), [](QMessageBox& box) {
+        EXPECT_EQ(box.focusWidget(), box.defaultButton());
+        auto* field = fieldOf(box);
+        for (int i = 0; i < 3 && box.focusWidget() != field; ++i)
+            QTest::keyClick(box.focusWidget(), Qt::Key_Tab);
+        EXPECT_EQ(box.focusWidget(), field);
+        QTest::keyClick(field, Qt::Key_Tab);
+        EXPECT_NE(box.focusWidget(), field);
+    });
+}
+
+TEST_F(AlertTest, AScreenReaderCanReadTheField)
+{
+    const QString text = repeated(QStringLiteral("word "), 100'000);
+    show("Reply", text.toStdString(), [&](const QMessageBox& box) {
+        QAccessibleInterface* field = QAccessible::queryAccessibleInterface(fieldOf(box));
+        ASSERT_TRUE(field && field->textInterface());
+        EXPECT_FALSE(field->text(QAccessible::Name).isEmpty());
+        EXPECT_EQ(inOneLine(field->textInterface()->text(0, field->textInterface()->characterCount())), text);
+        EXPECT_TRUE(field->state().readOnly);
+    });
+}
+
+} // namespace
+
+} // namespace platform::qt
