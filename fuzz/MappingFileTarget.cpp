@@ -38,7 +38,7 @@ public:
     files::Path with(std::string_view bytes) const
     {
         const files::Path file = path_ / "CSParameterOrder.plist";
-        for (const char* suffix : {"original", "prev"})
+        for (const char* suffix : {"original", "prev", "unreadable"})
             files::remove(mapping::backupPath(file, suffix));
         require(files::writeAtomically(file, bytes), "a file can be written");
         return file;
@@ -101,7 +101,8 @@ void mappingFile(std::string_view bytes)
     checkLoaded(before);
     mapping::markFile(file);
     if (!document || !document->root.asDictionary()) {
-        require(files::isMissing(file), "what is no dictionary is deleted");
+        require(files::isMissing(file), "what is no dictionary is gone");
+        require(files::read(mapping::backupPath(file, "unreadable")) == bytes, "but not lost");
         return;
     }
     require(files::exists(file), "what is a dictionary stays");

@@ -43,6 +43,19 @@ TEST_F(SystemCalls, AScanOpensEveryFolderOnceAndLooksAtNoFile)
     EXPECT_LE(count(run), 4 * kFolders);
 }
 
+TEST_F(SystemCalls, AScanFindsEverythingWhicheverCallIsInterrupted)
+{
+    folder_.put({{kFile, ""}});
+    long at = 1;
+    for (;; ++at) {
+        const DriverRun run = folder_.run({"scan"}, {at, EINTR, false, {}, 0});
+        if (static_cast<long>(run.trace.size()) < at)
+            break;
+        EXPECT_TRUE(run.goesOn() && run.wrote("found 1")) << run.trace[static_cast<std::size_t>(at - 1)];
+    }
+    EXPECT_GT(at, 3);
+}
+
 TEST_F(SystemCalls, ASaveFlushesAndRenamesEachFileThatItWrites)
 {
     Folder folder;

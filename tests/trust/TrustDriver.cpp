@@ -91,6 +91,7 @@ public:
     {
         begin();
         program_.controller.btnRunCheck();
+        std::cout << "found " << program_.controller.myArrayController()->arrangedCount() << '\n';
         return true;
     }
     bool mark()

@@ -83,6 +83,11 @@ class Folder:
             return None
         return content if isinstance(content, dict) else None
 
+    def set_aside(self):
+        """What is no dictionary goes to another name, in place of an earlier one."""
+        if FILE in self.files:
+            self.files[FILE + ".unreadable"] = self.files.pop(FILE)
+
     def compare(self):
         stamps = self.look()
         if stamps.keys() != self.files.keys():
@@ -254,8 +259,8 @@ class Model:
         content = folder.dictionary(FILE)
         if content is not None and isinstance(content.get(CATALOGUE), list) and content[CATALOGUE]:
             return
-        folder.files.pop(FILE, None)
         if content is None:
+            folder.set_aside()
             return
         catalogue = ["-1"]
         for element in content.get(ORDER, []):
@@ -328,11 +333,11 @@ class Model:
         old = files.get(FILE)
         if old is not None and FILE + ".original" not in files:
             files[FILE + ".original"] = old
-        files.pop(FILE + ".prev", None)
         if old is not None:
             files[FILE + ".prev"] = old
-        files.pop(FILE, None)
-        if content is not None:
+        if content is None:
+            self.folders[self.edited].set_aside()
+        else:
             content[ORDER] = [joined(e) for e in self.mapping]
             content[MODE] = [str(self.mode)]
             files[FILE] = content
