@@ -16,6 +16,8 @@ void ViewController::btnRunCheck(Sender)
     checkFilesAndType((folders.localApplicationSupport() / "Logic/Plug-In Settings").native(), "Logic");
     checkFilesAndType((folders.home() / "Library/Audio/Presets").native(), "3rd Party");
     labKOScreen_Title()->stringValue.set("Please Select a plugin");
+    drafts_.look();
+    draftsChanged.emit();
 }
 
 void ViewController::checkFilesAndType(const std::string& root, const std::string&)

@@ -33,13 +33,13 @@ enum class Mark { none, check, choice };
 
 /// What an action can do nothing without.
 enum class Needs {
-    nothing, ///< or what only its own operation knows, which enables it: undo, redo, share
+    nothing, ///< or what only its own operation knows, which enables it: undo, redo, drafts, share
     mapping, ///< one is loaded
     plugin,  ///< and its plug-in is the selected row
 };
 
 /// Rows of buttons in the main window; a row has them in the table's order.
-enum class ButtonRow { none, scan, history, mapping, help, showPage, movePage, newPage, removePage, community };
+enum class ButtonRow { none, scan, history, mapping, help, draft, showPage, movePage, newPage, removePage, community };
 
 struct Action {
     Q_DECLARE_TR_FUNCTIONS(interface::Action)

@@ -111,7 +111,7 @@ bool isOfEndedProcess(std::string_view number)
     return isNumber && ::kill(process, 0) != 0 && errno == ESRCH;
 }
 
-void clearLeftParts(const Path& destination)
+void clearLeftPartsOf(const Path& destination)
 {
     const std::string prefix = partPrefix(destination);
     std::error_code failure;
@@ -187,10 +187,22 @@ bool rename(const Path& from, const Path& to)
     return retried([&] { return ::rename(from.c_str(), to.c_str()); }) == 0;
 }
 
+void clearLeftParts(const Path& folder)
+{
+    std::error_code failure;
+    std::filesystem::directory_iterator entry(folder, failure);
+    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
+        const std::string name = entry->path().filename().native();
+        const std::size_t numbers = name.rfind('.') + 1;
+        if (name.starts_with('~') && numbers > 0 && isOfEndedProcess(std::string_view(name).substr(numbers)))
+            files::remove(entry->path());
+    }
+}
+
 PartialFile::PartialFile(const Path& destination, std::optional<std::filesystem::perms> mode)
     : destination_(followed(destination)), mode_(mode)
 {
-    clearLeftParts(destination_);
+    clearLeftPartsOf(destination_);
     static std::atomic<unsigned> made = 0;
     // One that an ended process with our number left cannot be told from one of ours, and stays.
     do {

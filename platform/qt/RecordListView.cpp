@@ -33,6 +33,12 @@ public:
         return line;
     }
 
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->decorationPosition = QStyleOptionViewItem::Right; // texts stay in line
+    }
+
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
     {
         return QStyledItemDelegate::sizeHint(option, index) + QSize(0, kAirBetweenRows);

@@ -45,6 +45,7 @@ protected:
         ::setenv("KV_LOCAL_LIBRARY", (home_ / "Library").c_str(), 1);
         ::setenv("XDG_CONFIG_HOME", (home_ / "config").c_str(), 1);
         ::setenv("XDG_DATA_HOME", (home_ / "data").c_str(), 1);
+        ::setenv("XDG_STATE_HOME", (home_ / "state").c_str(), 1);
         ::setenv("XDG_RUNTIME_DIR", home_.path().c_str(), 1);
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
         ::dup2(::open((home_ / "log").c_str(), O_WRONLY | O_CREAT, 0666), STDERR_FILENO);
