@@ -66,6 +66,8 @@ RecordListView::RecordListView(std::vector<RecordColumn> columns, std::string to
         header()->setSectionResizeMode(roomiestColumn_, QHeaderView::Stretch);
     }
     setItemDelegate(new OneLineDelegate(this));
+    const int symbol = fontMetrics().height() - 2; // a row is no higher with one
+    setIconSize({symbol, symbol});
     setRootIsDecorated(false);
     setItemsExpandable(false);
     setUniformRowHeights(true);
