@@ -26,9 +26,11 @@
 
 #include <any>
 #include <cstdint>
+#include <ctime>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 class ViewController final : public platform::ViewControllerBase, public Outlets {
@@ -83,18 +85,20 @@ public:
 
     // Drafts. Unsaved edits outlast the choice of another plug-in and the end of the program.
 
-    /// Keeps unsaved edits as a draft; removes it when there are none. Called soon after an edit, and at the end.
-    void keepDraft();
+    /// Keeps unsaved edits as a draft; removes it when there are none. Called soon after an edit, and at the end. False
+    /// when that failed: worth trying again later.
+    bool keepDraft();
     /// Makes the newest draft left of the plug-in the mapping being edited. Ignored without one.
     void bringBackDraft(Sender = nullptr);
+    /// Deletes it.
     void discardDraft(Sender = nullptr);
     /// The newest draft that was left of the plug-in loaded; none once it was used or the mapping saved.
     const std::optional<mapping::KeptDraft>& leftDraft() const { return leftDraft_; }
     /// How many pots of it differ from the file; 0 when only its mode or its pages do, none without a draft.
     std::optional<std::size_t> potsInLeftDraft() const;
     /// Whether a draft was left of the plug-in with this file.
-    bool isDraftLeftOf(const std::string& path) const { return drafts_.isLeftOf(path); }
-    /// A draft was left, brought back or discarded.
+    bool isDraftLeftOf(std::string_view path) const { return drafts_.isLeftOf(path); }
+    /// Other drafts are left than before, of whichever plug-in.
     platform::Signal<> draftsChanged;
 
     // History. Every edit of the mapping is one step with a name; loading another plug-in begins anew. Memory only.
@@ -212,15 +216,22 @@ public:
 
 private:
     class Operation;
+    /// What a step of the history does with drafts: those it makes are undone with it.
+    enum class DraftStep { none, leavesEdits, bringsBack };
 
     /// The list offered for assignment; while a rescan, which is no edit, has emptied it, the one offered before.
     platform::SharedRecords offeredParameters() const;
     void finishEdit(const std::string& name, const mapping::EditingSnapshot& before, const std::string& pathBefore);
     /// What is edited is about to be replaced; it stays as a draft.
     void leaveEdits();
+    /// Finds the newest draft that was left of the plug-in loaded.
     void lookForDraft();
-    void discardLeftDraft();
-    void goThrough(const mapping::EditingChange& change, bool forward);
+    /// A draft was left, or what is edited now was one: then it is the draft being edited, and nothing left.
+    void settleDrafts();
+    std::size_t potsThatDiffer(const mapping::Draft& draft) const;
+    void goThrough(const mapping::EditingChange& change, bool forward, DraftStep draftStep);
+    /// By its file: after a rescan no row is selected, but the mapping still has its plug-in.
+    std::string loadedPlugin() const;
     /// The subtitle and the help line of the mode, which names the plug-in.
     void showMode(const std::string& plugin);
     /// What the mapping and its mode are now is what the file holds.
@@ -245,6 +256,10 @@ private:
     std::optional<mapping::KeptDraft> leftDraft_;
     /// Revision of the history and page of what the draft being edited holds.
     std::optional<std::pair<std::uint64_t, std::int32_t>> keptEdit_;
+    /// When what is edited was edited last, and the history's revision then.
+    std::time_t editedAt_ = 0;
+    std::uint64_t datedRevision_ = 0;
+    DraftStep draftStep_ = DraftStep::none; ///< the one being made
     mapping::MappedPots mappedPots_;
     std::uint64_t mappedRevision_ = 0;
     int operationDepth_ = 0;

@@ -1,7 +1,6 @@
 #include "app/ViewControllerOperation.h"
 #include "mapping/EditingState.h"
 #include "mapping/ParameterOrder.h"
-#include "plugins/PluginScan.h"
 
 #include <memory>
 #include <utility>
@@ -87,6 +86,7 @@ platform::SharedRecords ViewController::offeredParameters() const
 void ViewController::finishEdit(const std::string& name, const mapping::EditingSnapshot& before,
                                 const std::string& pathBefore)
 {
+    const DraftStep draftStep = std::exchange(draftStep_, DraftStep::none);
     if (labPluginPlistLocation()->stringValue.get() != pathBefore) {
         history_->forgetAll(); // another plug-in
         ++historyRevision_;
@@ -98,13 +98,18 @@ void ViewController::finishEdit(const std::string& name, const mapping::EditingS
         return;
     ++historyRevision_;
     history_->remember(
-        platform_.localization.localizedString(name), [this, change] { goThrough(*change, true); },
-        [this, change] { goThrough(*change, false); });
+        platform_.localization.localizedString(name),
+        [this, change, draftStep] { goThrough(*change, true, draftStep); },
+        [this, change, draftStep] { goThrough(*change, false, draftStep); });
 }
 
-void ViewController::goThrough(const mapping::EditingChange& change, bool forward)
+void ViewController::goThrough(const mapping::EditingChange& change, bool forward, DraftStep draftStep)
 {
     const Operation operation(*this);
+    // What was brought back and is taken back again is what was left, as before.
+    if (draftStep == DraftStep::bringsBack || (forward && draftStep == DraftStep::leavesEdits))
+        leaveEdits();
+    draftStep_ = DraftStep::none;
     ++historyRevision_;
     const auto go = forward ? mapping::makeAgain : mapping::takeBack;
     const mapping::EditingNumbers& numbers = forward ? change.after : change.before;
@@ -121,10 +126,10 @@ void ViewController::goThrough(const mapping::EditingChange& change, bool forwar
     populateKnobLabels(numbers.curPage);
     if (change.before.mode != change.after.mode) {
         kvPluginMode()->selectCell(numbers.mode != mapping::kModeInsertEffect ? 0 : 1);
-        // After a rescan no row is selected, but the mapping still has its file.
-        const auto row = plugins::rowForFile(labPluginPlistLocation()->stringValue.get());
-        showMode(row ? std::string(row->text(plugins::kPlugin)) : std::string());
+        showMode(loadedPlugin());
     }
+    if (draftStep != DraftStep::none)
+        settleDrafts();
 }
 
 void ViewController::noteSaved()

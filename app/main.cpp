@@ -28,5 +28,7 @@ int main(int argc, char* argv[])
     controller.viewDidLoad();
     loaded.mainWindow()->show();
     delegate.applicationDidFinishLaunching();
-    return application.run();
+    const int status = application.run();
+    controller.keepDraft(); // whatever ended the program
+    return status;
 }

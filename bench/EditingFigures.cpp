@@ -73,6 +73,16 @@ struct Editing {
         });
     }
 
+    /// Keeping a draft after an edit.
+    double keepDraft()
+    {
+        press();
+        return millisecondsOf([&] {
+            if (!window->controller().keepDraft() || !window->controller().hasUnsavedChanges())
+                throw std::runtime_error("no draft was written");
+        });
+    }
+
     /// What a screen that shows sixty of them a second leaves for one.
     double frame() { return 16; }
 
@@ -108,6 +118,7 @@ void addEditingFigures()
                beside(&Editing::press, &Editing::repaint)});
     add(Figure{"search keystroke, 10,000 parameters", "a frame", 0.5, 25,
                beside(&Editing::keystroke, &Editing::frame)});
+    add(Figure{"draft of 10,000 parameters", "a frame", 1, 20, beside(&Editing::keepDraft, &Editing::frame)});
     addWork("load", &Editing::load);
     addWork("pot press", &Editing::press);
     addWork("search keystroke", &Editing::keystroke);

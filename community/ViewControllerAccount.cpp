@@ -73,5 +73,6 @@ void ViewController::readPrefsFile()
 
 std::string ViewController::sendRequest(const std::string& address)
 {
+    keepDraft(); // the server may take its time
     return community::replyText(platform_.http.post(address, {}, {}));
 }

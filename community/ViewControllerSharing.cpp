@@ -59,6 +59,7 @@ std::string ViewController::uploadFileToServerAndComments(const std::string& pat
 {
     const std::string address =
         community::uploadAddress(community::baseUrl(), community::loggedInAs, selectedPlugin(), comments);
+    keepDraft(); // the server may take its time
     const std::string body = community::uploadBody(platform::files::read(path).value_or(std::string()));
     return community::replyText(platform_.http.post(address, community::uploadContentType(), body));
 }

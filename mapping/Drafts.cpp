@@ -6,10 +6,13 @@
 #include "platform/plist/PropertyList.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
+#include <optional>
 #include <utility>
 
 #include <fcntl.h>
@@ -26,6 +29,7 @@ using Path = std::filesystem::path;
 namespace {
 
 constexpr char kEnding[] = ".draft";
+constexpr std::size_t kLargestFile = std::size_t{256} << 20; // more than the largest mapping that is read
 constexpr auto kOwnerOnly = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
 
 constexpr char kPlugin[] = "Plugin";
@@ -105,15 +109,22 @@ Path with(const Path& file, const char* ending)
     return Path(file) += ending;
 }
 
-/// Opens the file that a running instance keeps locked; -1 where it cannot be had.
-int openLock(const Path& file, int flags)
+/// Opens a draft and locks it; -1 when that cannot be done, and then `isLocked` says whether somebody else has.
+int lockOf(const Path& file, bool& isLocked)
 {
-    const int lock = ::open(file.c_str(), flags | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (lock >= 0 && ::flock(lock, LOCK_EX | LOCK_NB) != 0) {
-        ::close(lock);
-        return -1;
-    }
-    return lock;
+    const int lock = ::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+    isLocked = false;
+    if (lock < 0 || ::flock(lock, LOCK_EX | LOCK_NB) == 0)
+        return lock;
+    isLocked = errno == EWOULDBLOCK;
+    ::close(lock);
+    return -1;
+}
+
+/// What a draft's name begins with; empty where it is another file's.
+std::string_view prefixIn(std::string_view name)
+{
+    return name.ends_with(kEnding) ? name.substr(0, name.find('-') + 1) : std::string_view();
 }
 
 } // namespace
@@ -126,65 +137,67 @@ Drafts::Drafts(Path folder)
 
 Drafts::~Drafts()
 {
-    if (lock_ < 0)
-        return;
-    files::remove(folder_ / (instance_ + ".lock"));
-    ::close(lock_);
+    release();
 }
 
-bool Drafts::makeFolder()
+void Drafts::release()
 {
     if (lock_ >= 0)
-        return true;
-    files::createDirectories(folder_);
-    ::chmod(folder_.c_str(), 0700);
-    lock_ = openLock(folder_ / (instance_ + ".lock"), O_RDWR | O_CREAT);
-    return lock_ >= 0;
+        ::close(std::exchange(lock_, -1));
 }
 
 bool Drafts::keep(const Draft& draft)
 {
-    makeFolder(); // without a lock of its own a draft is still better than none
+    if (!files::exists(folder_)) {
+        files::createDirectories(folder_);
+        ::chmod(folder_.c_str(), 0700);
+    }
+    if (!std::exchange(isCleared_, true))
+        files::clearLeftParts(folder_);
     const std::string prefix = prefixOf(draft.plugin);
     if (!current_.filename().native().starts_with(prefix))
         current_ = folder_ / (prefix + instance_ + "-" + std::to_string(++written_) + kEnding);
     // Not flushed to the drive, which would hold up the program: it has to outlast the program, not the power.
-    return files::writeAtomically(current_, bytesOf(draft), kOwnerOnly, files::Flush::none);
+    if (!files::writeAtomically(current_, bytesOf(draft), kOwnerOnly, files::Flush::none))
+        return false;
+    release();
+    bool isLocked = false;
+    lock_ = lockOf(current_, isLocked); // without it a draft is still better than none
+    return true;
 }
 
 void Drafts::drop()
 {
     if (!current_.empty())
-        files::remove(std::exchange(current_, {}));
+        files::remove(current_);
+    leave();
 }
 
-bool Drafts::isOthers(std::string_view name) const
+void Drafts::leave()
 {
-    const std::size_t from = name.find('-') + 1;
-    const std::string instance(name.substr(from, name.rfind('-') - from));
-    if (instance == instance_)
-        return false;
-    const Path lock = folder_ / (instance + ".lock");
-    if (files::isMissing(lock))
-        return false;
-    const int free = openLock(lock, O_RDWR);
-    if (free < 0)
-        return true;
-    files::remove(lock); // its owner was killed
-    ::close(free);
-    return false;
+    current_.clear();
+    release();
 }
 
-std::vector<Path> Drafts::filesOf(std::string_view plugin) const
+bool Drafts::isOthers(const Path& file) const
 {
-    const std::string prefix = prefixOf(plugin);
+    bool isLocked = false;
+    if (const int lock = lockOf(file, isLocked); lock >= 0)
+        ::close(lock);
+    return isLocked;
+}
+
+std::vector<Path> Drafts::filesLeft(std::string_view prefix) const
+{
     std::vector<Path> found;
     std::error_code failure;
     std::filesystem::directory_iterator entry(folder_, failure);
     for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        const std::string name = entry->path().filename().native();
-        if (name.starts_with(prefix) && name.ends_with(kEnding) && entry->path() != current_ && !isOthers(name))
-            found.push_back(entry->path());
+        const Path& file = entry->path();
+        const std::string name = file.filename().native();
+        const std::string_view its = prefixIn(name);
+        if (!its.empty() && its.starts_with(prefix) && file != current_ && !isOthers(file))
+            found.push_back(file);
     }
     return found;
 }
@@ -192,8 +205,8 @@ std::vector<Path> Drafts::filesOf(std::string_view plugin) const
 std::vector<KeptDraft> Drafts::leftOf(std::string_view plugin) const
 {
     std::vector<KeptDraft> left;
-    for (const Path& file : filesOf(plugin)) {
-        const auto bytes = files::read(file);
+    for (const Path& file : filesLeft(prefixOf(plugin))) {
+        const auto bytes = files::read(file, kLargestFile);
         if (!bytes)
             continue; // perhaps the next time
         auto draft = draftIn(*bytes);
@@ -208,21 +221,21 @@ std::vector<KeptDraft> Drafts::leftOf(std::string_view plugin) const
     return left;
 }
 
-bool Drafts::isLeftOf(std::string_view plugin) const
-{
-    return !filesOf(plugin).empty();
-}
-
 void Drafts::discard(const Path& file)
 {
     files::remove(file);
 }
 
-void Drafts::supersede(std::string_view plugin)
+void Drafts::look()
 {
-    const auto left = leftOf(plugin);
-    for (auto draft = left.rbegin(); draft != left.rend(); ++draft) // the newest comes last and stays
-        files::rename(draft->file, folder_ / (prefixOf(plugin) + "superseded"));
+    left_.clear();
+    for (const Path& file : filesLeft({}))
+        left_.emplace(prefixIn(file.filename().native()));
+}
+
+bool Drafts::isLeftOf(std::string_view plugin) const
+{
+    return left_.contains(prefixOf(plugin));
 }
 
 } // namespace mapping

@@ -1,12 +1,13 @@
 #pragma once
 // Unsaved edits, kept in a folder of their own until they are saved, taken back or discarded. While a plug-in is edited
 // one draft of it is written again and again; once it is left, that draft stays as it is and further edits get another.
-// What a second running instance of the program keeps is its own until it has ended.
+// The draft that a second running instance of the program is writing is not seen until it is left, too.
 
 #include <cstdint>
 #include <ctime>
 #include <filesystem>
-#include <optional>
+#include <functional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -45,28 +46,30 @@ public:
     /// What is being edited needs no draft: it is saved, or as the file has it.
     void drop();
     /// What is edited next gets a draft of its own; the one written so far stays.
-    void leave() { current_.clear(); }
+    void leave();
 
     /// What was left of the plug-in, the newest first. A file that cannot be understood is set aside as ".damaged".
     std::vector<KeptDraft> leftOf(std::string_view plugin) const;
-    /// Whether anything was left of the plug-in. Reads no file.
-    bool isLeftOf(std::string_view plugin) const;
-    /// Deletes a draft that was brought back or discarded.
+    /// Deletes a draft that was left.
     void discard(const std::filesystem::path& file);
-    /// What was left of the plug-in counts no more, since another mapping of it was saved; the newest stays, out
-    /// of the program's sight, in a file whose name ends in "superseded".
-    void supersede(std::string_view plugin);
+
+    /// Finds out which plug-ins drafts were left of, without reading them.
+    void look();
+    /// Whether one was left of the plug-in when the folder was looked at.
+    bool isLeftOf(std::string_view plugin) const;
 
 private:
-    bool isOthers(std::string_view name) const;
-    std::vector<std::filesystem::path> filesOf(std::string_view plugin) const;
-    bool makeFolder();
+    std::vector<std::filesystem::path> filesLeft(std::string_view prefix) const;
+    bool isOthers(const std::filesystem::path& file) const;
+    void release();
 
     std::filesystem::path folder_;
-    std::string instance_;          ///< who writes; part of the names of its files
-    int lock_ = -1;                 ///< held as long as this instance lives
-    int written_ = 0;               ///< how many drafts this instance has begun
-    std::filesystem::path current_; ///< empty until something is kept
+    std::string instance_;                    ///< who writes; part of the names of its files
+    bool isCleared_ = false;                  ///< of what ended programs had not finished
+    int written_ = 0;                         ///< how many drafts this instance has begun
+    std::filesystem::path current_;           ///< empty until something is kept
+    int lock_ = -1;                           ///< on the current one; tells other instances that it is being edited
+    std::set<std::string, std::less<>> left_; ///< what the names of the drafts begin with
 };
 
 } // namespace mapping

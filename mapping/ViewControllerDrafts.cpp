@@ -5,18 +5,10 @@
 
 #include <ctime>
 #include <utility>
+#include <vector>
 
 namespace {
 
-/// The draft of what is edited now, made just now.
-mapping::Draft draftOf(std::string plugin)
-{
-    return {std::move(plugin),    mapping::orderOf(mapping::plistBuild),
-            mapping::totalPages,  mapping::curPage,
-            mapping::plugin_Mode, std::time(nullptr)};
-}
-
-/// Whether bringing the draft back would change anything that a save writes or a step of the history keeps.
 bool isWhatIsEdited(const mapping::Draft& draft)
 {
     return draft.mode == mapping::plugin_Mode && draft.totalPages == mapping::totalPages &&
@@ -25,20 +17,28 @@ bool isWhatIsEdited(const mapping::Draft& draft)
 
 } // namespace
 
-void ViewController::keepDraft()
+bool ViewController::keepDraft()
 {
     if (!isMappingLoaded())
-        return;
+        return true;
     if (!hasUnsavedChanges()) {
         drafts_.drop();
-    } else if (const std::pair edit(historyRevision_, mapping::curPage); edit != keptEdit_) {
-        if (drafts_.keep(draftOf(labPluginPlistLocation()->stringValue.get())))
-            keptEdit_ = edit;
-        else
-            return;
+        keptEdit_.reset();
+        return true;
     }
-    if (leftDraft_ && isWhatIsEdited(leftDraft_->draft))
-        discardLeftDraft(); // it was brought back, or the edits were made again
+    if (std::exchange(datedRevision_, historyRevision_) != historyRevision_)
+        editedAt_ = std::time(nullptr);
+    const std::pair edit(historyRevision_, mapping::curPage);
+    if (edit == keptEdit_)
+        return true;
+    const std::string path = labPluginPlistLocation()->stringValue.get();
+    if (!drafts_.keep({path, mapping::orderOf(mapping::plistBuild), mapping::totalPages, mapping::curPage,
+                       mapping::plugin_Mode, editedAt_})) {
+        platform_.log.write("Unsaved edits could not be kept: " + path);
+        return false;
+    }
+    keptEdit_ = edit;
+    return true;
 }
 
 void ViewController::leaveEdits()
@@ -46,55 +46,74 @@ void ViewController::leaveEdits()
     keepDraft();
     drafts_.leave();
     keptEdit_.reset();
+    draftStep_ = DraftStep::leavesEdits;
 }
 
 void ViewController::lookForDraft()
 {
-    const std::string plugin = labPluginPlistLocation()->stringValue.get();
     leftDraft_.reset();
-    for (mapping::KeptDraft& left : drafts_.leftOf(plugin)) {
-        if (!isWhatIsEdited(left.draft)) {
+    for (mapping::KeptDraft& left : drafts_.leftOf(labPluginPlistLocation()->stringValue.get())) {
+        if (left.draft.mode != savedMode_ || potsThatDiffer(left.draft) > 0) {
             leftDraft_ = std::move(left);
             break;
         }
-        drafts_.discard(left.file); // as the file has it
+        drafts_.discard(left.file); // it was saved before the program was killed
     }
+    drafts_.look();
     draftsChanged.emit();
 }
 
-void ViewController::discardLeftDraft()
+void ViewController::settleDrafts()
 {
-    drafts_.discard(leftDraft_->file);
+    std::vector<mapping::KeptDraft> same;
+    for (mapping::KeptDraft& left : drafts_.leftOf(labPluginPlistLocation()->stringValue.get())) {
+        if (isWhatIsEdited(left.draft))
+            same.push_back(std::move(left));
+    }
+    if (!same.empty()) {
+        editedAt_ = same.front().draft.madeAt;
+        datedRevision_ = historyRevision_;
+    }
+    if (keepDraft()) {
+        for (const mapping::KeptDraft& left : same)
+            drafts_.discard(left.file);
+    }
     lookForDraft();
+}
+
+std::size_t ViewController::potsThatDiffer(const mapping::Draft& draft) const
+{
+    return mapping::differingSlots(savedEntries_, mapping::mappingOf(draft.order));
 }
 
 std::optional<std::size_t> ViewController::potsInLeftDraft() const
 {
-    if (!leftDraft_)
-        return std::nullopt;
-    return mapping::differingSlots(savedEntries_, mapping::mappingOf(leftDraft_->draft.order));
+    return leftDraft_ ? std::optional(potsThatDiffer(leftDraft_->draft)) : std::nullopt;
 }
 
 void ViewController::bringBackDraft(Sender)
 {
-    if (!leftDraft_ || !isPluginBeingEdited())
+    if (!leftDraft_ || !isMappingLoaded())
         return;
+    const mapping::Draft draft = leftDraft_->draft;
     {
         const Operation edit(*this, "Bring Back Draft");
-        const mapping::Draft draft = leftDraft_->draft;
         leaveEdits(); // what was edited meanwhile is a draft of its own
+        draftStep_ = DraftStep::bringsBack;
         mapping::plistBuild = mapping::mappingOf(draft.order);
         mapping::totalPages = draft.totalPages;
         mapping::plugin_Mode = draft.mode;
         kvPluginMode()->selectCell(draft.mode != mapping::kModeInsertEffect ? 0 : 1);
         populateKnobLabels(draft.curPage);
-        showMode();
+        showMode(loadedPlugin());
     }
-    keepDraft();
+    settleDrafts();
 }
 
 void ViewController::discardDraft(Sender)
 {
-    if (leftDraft_)
-        discardLeftDraft();
+    if (!leftDraft_)
+        return;
+    drafts_.discard(leftDraft_->file);
+    lookForDraft();
 }

@@ -47,11 +47,13 @@ void ViewController::exportToPlist()
     if (!isMappingLoaded())
         return;
     const std::string path = labPluginPlistLocation()->stringValue.get();
+    keepDraft(); // a slow disk may take its time
     if (mapping::saveMapping(path, mapping::plistBuild, mapping::plugin_Mode)) {
         const Operation operation(*this);
         noteSaved();
         drafts_.drop();
-        drafts_.supersede(path);
+        for (const mapping::KeptDraft& left : drafts_.leftOf(path))
+            drafts_.discard(left.file);
         lookForDraft();
     }
     alertUserAndSub("New Mapping has been saved",
@@ -75,6 +77,7 @@ void ViewController::recallOriginalMapping(const std::string& suffix)
     if (!isPluginBeingEdited())
         return;
     const std::string path = labPluginPlistLocation()->stringValue.get();
+    keepDraft();
     if (!mapping::recallBackup(path, suffix)) {
         alertUserAndSub("Recall file does not exist",
                         "Please Note: Original, and Previous backup files will only exist once a mapping has been "

@@ -16,6 +16,8 @@ void ViewController::btnRunCheck(Sender)
     checkFilesAndType((folders.localApplicationSupport() / "Logic/Plug-In Settings").native(), "Logic");
     checkFilesAndType((folders.home() / "Library/Audio/Presets").native(), "3rd Party");
     labKOScreen_Title()->stringValue.set("Please Select a plugin");
+    drafts_.look();
+    draftsChanged.emit();
 }
 
 void ViewController::checkFilesAndType(const std::string& root, const std::string&)
@@ -63,6 +65,12 @@ void ViewController::changePlugInModeAndReadPlist(std::int32_t mode, std::int32_
     populateKnobLabels(1);
     arrayControllerPlistSelected()->setSelectionIndex(0);
     showMode(myArrayController()->selectionText(plugins::kPlugin));
+}
+
+std::string ViewController::loadedPlugin() const
+{
+    const auto row = plugins::rowForFile(labPluginPlistLocation()->stringValue.get());
+    return row ? std::string(row->text(plugins::kPlugin)) : std::string();
 }
 
 void ViewController::showMode(const std::string& plugin)

@@ -33,7 +33,7 @@ enum class Mark { none, check, choice };
 
 /// What an action can do nothing without.
 enum class Needs {
-    nothing, ///< or what only its own operation knows, which enables it: undo, redo, share
+    nothing, ///< or what only its own operation knows, which enables it: undo, redo, drafts, share
     mapping, ///< one is loaded
     plugin,  ///< and its plug-in is the selected row
 };
@@ -45,6 +45,7 @@ enum class ButtonRow {
     history,
     mapping,
     help,
+    draft,
     leftovers,
     showPage,
     movePage,

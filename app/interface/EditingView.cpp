@@ -2,6 +2,7 @@
 
 #include "app/ViewController.h"
 #include "app/interface/Actions.h"
+#include "app/interface/DraftBar.h"
 #include "app/interface/Interface.h"
 #include "app/interface/SearchField.h"
 #include "app/interface/panel/FrontPanel.h"
@@ -11,6 +12,7 @@
 #include "panel/Pages.h"
 #include "platform/qt/RecordListView.h"
 #include "platform/qt/RecordSort.h"
+#include "platform/qt/SymbolIcon.h"
 #include "platform/qt/Text.h"
 #include "plugins/PluginScan.h"
 
@@ -23,6 +25,7 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace interface {
@@ -33,6 +36,10 @@ namespace {
 
 /// After an edit the backups are compared again when no other edit has followed for so long.
 constexpr int kBackupPauseMs = 250;
+/// An edit is kept as a draft when so much time has passed, whatever follows meanwhile, and tried again when that
+/// failed.
+constexpr int kDraftPauseMs = 1000;
+constexpr int kDraftRetryMs = 10'000;
 /// No cell shows more.
 constexpr std::size_t kMostPotsTold = 40;
 
@@ -82,7 +89,9 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
       undo_(loaded.find<QAction>("undo")),
       redo_(loaded.find<QAction>("redo")),
       modeItems_{loaded.find<QAction>("modeInsertEffect"), loaded.find<QAction>("modeInstrument")},
-      leftoverHint_(loaded.find<QLabel>("leftoverHint"))
+      leftoverHint_(loaded.find<QLabel>("leftoverHint")),
+      draftBar_(loaded.find<DraftBar>("draftBar")),
+      draftItems_{loaded.find<QAction>("bringBackDraft"), loaded.find<QAction>("discardDraft")}
 {
     for (const auto& [kept, name] :
          {std::pair{&clearAll_, "clearAllPagesButtonPressed"}, std::pair{&newPage_, "newPageButtonPressed"},
@@ -105,6 +114,17 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
     }
     parameters_->records().setTextMaker(
         [&controller](const platform::Record& parameter) { return potsOf(parameter, controller.mappedPots()); });
+    plugins_->records().setMark(qt::symbolIcon(QStringLiteral("unsaved")), [this](const platform::Record& plugin) {
+        const std::string_view path = plugin.text(plugins::kFileLocation);
+        QStringList words;
+        if (!unsavedPath_.empty() && path == unsavedPath_)
+            words += tr("unsaved edits");
+        if (controller_.isDraftLeftOf(path))
+            words += tr("draft of unsaved edits");
+        return words.join(QStringLiteral(", "));
+    });
+    keepsDraft_.setSingleShot(true);
+    connect(&keepsDraft_, &QTimer::timeout, this, &EditingView::keepDraft);
     backupsChanged_.setSingleShot(true);
     connect(&backupsChanged_, &QTimer::timeout, this, [this] {
         for (const RecallButton& recall : recalls_)
@@ -114,9 +134,14 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
     showOnlyUnmapped(false);
 
     connections_.push_back(controller_.editingChanged.connect([this] { refresh(); }));
+    connections_.push_back(controller_.draftsChanged.connect([this] {
+        showDraft();
+        plugins_->records().refreshMarks();
+    }));
     for (const auto& rows : {controller_.myArrayController(), controller_.arrayControllerPlistSelected(),
                              controller_.arrayController_downloadList()})
         connections_.push_back(rows->arrangedChanged.connect([this] { showHints(); }));
+    showDraft();
     refresh();
 }
 
@@ -165,7 +190,45 @@ void EditingView::refresh()
     showHistory();
     showMapped();
     showHints();
+    markPlugins();
     backupsChanged_.start(kBackupPauseMs);
+    if (!keepsDraft_.isActive())
+        keepsDraft_.start(kDraftPauseMs);
+}
+
+void EditingView::keepDraft()
+{
+    if (!controller_.keepDraft())
+        keepsDraft_.start(kDraftRetryMs);
+}
+
+void EditingView::markPlugins()
+{
+    const bool isUnsaved = window_->isWindowModified();
+    std::string path = isUnsaved ? controller_.labPluginPlistLocation()->stringValue.get() : std::string();
+    if (path != std::exchange(unsavedPath_, path))
+        plugins_->records().refreshMarks();
+}
+
+void EditingView::showDraft()
+{
+    const auto& left = controller_.leftDraft();
+    for (QAction* item : draftItems_)
+        item->setEnabled(left.has_value());
+    if (!left) {
+        draftBar_->hide();
+        return;
+    }
+    const std::size_t pots = *controller_.potsInLeftDraft();
+    const QDateTime madeAt = QDateTime::fromSecsSinceEpoch(left->draft.madeAt);
+    const bool isThisYear = madeAt.date().year() == QDate::currentDate().year();
+    const QString date = QLocale().toString(madeAt, isThisYear ? tr("d MMMM, HH:mm") : tr("d MMMM yyyy, HH:mm"));
+    if (pots == 0)
+        draftBar_->tell(tr("Unsaved mode from %1").arg(date));
+    else if (pots == 1)
+        draftBar_->tell(tr("1 unsaved pot from %1").arg(date));
+    else
+        draftBar_->tell(tr("%1 unsaved pots from %2").arg(QLocale().toString(pots), date));
 }
 
 void EditingView::enableWhatCanBeDone()

@@ -1,7 +1,7 @@
 #pragma once
 // Shows in the main window what there is to know of the edit beside the fixed labels: what can be done now, what is
 // unsaved, what undo would take back, where parameters are mapped, all pages at a glance, and what to do next where a
-// list is empty. Follows the controller; changes nothing.
+// list is empty. Follows the controller; changes nothing, but lets it keep a draft soon after each edit.
 
 #include "platform/controls/Signal.h"
 
@@ -10,6 +10,7 @@
 #include <QTimer>
 
 #include <cstdint>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -25,6 +26,7 @@ class RecordListView;
 
 namespace interface {
 
+class DraftBar;
 class FrontPanel;
 class Interface;
 class PageOverview;
@@ -61,6 +63,9 @@ private:
     void showMapped();
     void showHints();
     void showLeftovers();
+    void showDraft();
+    void markPlugins();
+    void keepDraft();
     void describeBackup(const RecallButton& recall);
 
     ViewController& controller_;
@@ -86,6 +91,10 @@ private:
     LeavingButton save_;
     std::uint64_t historyRevision_ = 0;
     QTimer backupsChanged_;
+    DraftBar* draftBar_;
+    QAction* draftItems_[2];
+    std::string unsavedPath_; ///< of the plug-in with unsaved edits
+    QTimer keepsDraft_;
     std::vector<platform::Connection> connections_;
 };
 

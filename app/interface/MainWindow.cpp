@@ -1,6 +1,7 @@
 #include "app/interface/MainWindow.h"
 
 #include "app/interface/Actions.h"
+#include "app/interface/DraftBar.h"
 #include "app/interface/DragData.h"
 #include "app/interface/Fonts.h"
 #include "app/interface/Menus.h"
@@ -269,6 +270,7 @@ MainWindow::MainWindow()
     layout->setContentsMargins(10, 8, 10, 8);
     layout->setSpacing(8);
     layout->addLayout(makeHeader());
+    layout->addWidget(new DraftBar);
     layout->addWidget(makeViews(), 1);
     layout->addLayout(makeStatusRow());
     setCentralWidget(content);

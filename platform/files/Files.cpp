@@ -107,31 +107,35 @@ std::string partPrefix(const Path& destination)
     return "~" + name + ".";
 }
 
-bool isPart(std::string_view name, std::string_view prefix)
+/// What follows the prefix in a part's name.
+bool arePartNumbers(std::string_view text)
 {
-    if (!name.starts_with(prefix))
-        return false;
-    name.remove_prefix(prefix.size());
-    const std::size_t dash = name.find('-');
-    return dash != name.npos && isNumber(name.substr(0, dash)) && isNumber(name.substr(dash + 1));
+    const std::size_t dash = text.find('-');
+    return dash != text.npos && isNumber(text.substr(0, dash)) && isNumber(text.substr(dash + 1));
 }
 
-/// Removes the parts that no program makes any more. Whoever makes one holds its lock, which goes when a program ends
-/// in whatever way; a process number would be given to another one some day.
-void clearLeftParts(const Path& destination)
+/// Removes the parts in a folder, told by their names, that no program makes any more. Whoever makes one holds its lock,
+/// which goes when a program ends in whatever way; a process number would be given to another one some day.
+template <typename Predicate>
+void clearUnlocked(const Path& folder, Predicate isPart)
 {
-    const std::string prefix = partPrefix(destination);
-    const Path folder = destination.parent_path();
     std::error_code failure;
     std::filesystem::directory_iterator entry(folder.empty() ? Path(".") : folder, failure);
     for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        if (!isPart(entry->path().filename().native(), prefix))
+        if (!isPart(entry->path().filename().native()))
             continue;
         const Descriptor part = openFile(entry->path(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW);
         struct stat status = {};
         if (part && look(part.number(), status) && S_ISREG(status.st_mode) && lock(part.number()))
             files::remove(entry->path());
     }
+}
+
+void clearLeftPartsOf(const Path& destination)
+{
+    clearUnlocked(destination.parent_path(), [prefix = partPrefix(destination)](std::string_view name) {
+        return name.starts_with(prefix) && arePartNumbers(name.substr(prefix.size()));
+    });
 }
 
 } // namespace
@@ -211,10 +215,17 @@ bool rename(const Path& from, const Path& to)
     return retried([&] { return ::rename(from.c_str(), to.c_str()); }) == 0;
 }
 
+void clearLeftParts(const Path& folder)
+{
+    clearUnlocked(folder, [](std::string_view name) {
+        return name.starts_with('~') && arePartNumbers(name.substr(name.rfind('.') + 1));
+    });
+}
+
 PartialFile::PartialFile(const Path& destination, std::optional<std::filesystem::perms> mode)
     : destination_(destination), mode_(mode)
 {
-    clearLeftParts(destination_);
+    clearLeftPartsOf(destination_);
     static std::atomic<unsigned> count = 0;
     const std::string prefix = partPrefix(destination_) + std::to_string(::getpid()) + "-";
     do {

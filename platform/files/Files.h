@@ -41,6 +41,9 @@ std::optional<std::time_t> modificationTime(const Path& path);
 /// Gives a file or a link another name, in place of what has that. False when that failed; nothing has changed then.
 bool rename(const Path& from, const Path& to);
 
+/// Removes what ended programs have left unfinished in a folder that is ours alone.
+void clearLeftParts(const Path& folder);
+
 /// Whether a finished file has to outlast a power cut, or only the end of the program.
 enum class Flush { toDrive, none };
 

@@ -68,6 +68,12 @@ public:
         return line;
     }
 
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->decorationPosition = QStyleOptionViewItem::Right; // texts stay in line
+    }
+
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
     {
         return QStyledItemDelegate::sizeHint(option, index) + QSize(0, kAirBetweenRows);
@@ -95,6 +101,8 @@ RecordListView::RecordListView(std::vector<RecordColumn> columns, std::string to
         header()->setSectionResizeMode(roomiestColumn_, QHeaderView::Stretch);
     }
     setItemDelegate(new OneLineDelegate(this));
+    const int symbol = fontMetrics().height() - 2; // a row is no higher with one
+    setIconSize({symbol, symbol});
     setRootIsDecorated(false);
     setItemsExpandable(false);
     setUniformRowHeights(true);

@@ -54,14 +54,30 @@ int RecordTableModel::columnCount(const QModelIndex& parent) const
 QVariant RecordTableModel::data(const QModelIndex& index, int role) const
 {
     const Record* record = controller_->arrangedObject(index.row());
-    if (!record || (role != Qt::DisplayRole && role != Qt::ToolTipRole))
+    if (!record)
         return {};
-    const RecordColumn& column = columns_.at(static_cast<std::size_t>(index.column()));
-    if (role == Qt::ToolTipRole && !toolTipKey_.empty())
-        return toQt(record->text(toolTipKey_));
-    if (!column.key.empty())
-        return toQt(record->text(column.key));
-    return textOf_ ? textOf_(*record) : QString();
+    const bool canBeMarked = markOf_ && (index.column() == 0 || role == Qt::ToolTipRole);
+    switch (role) {
+    case Qt::DisplayRole: return textAt(*record, index.column());
+    case Qt::ToolTipRole:
+    case Qt::AccessibleTextRole: {
+        const bool isTip = role == Qt::ToolTipRole;
+        const QString mark = canBeMarked ? markOf_(*record) : QString();
+        const QString text =
+            isTip && !toolTipKey_.empty() ? toQt(record->text(toolTipKey_)) : textAt(*record, index.column());
+        return mark.isEmpty() ? text : text + (isTip ? QStringLiteral("\n") : QStringLiteral(", ")) + mark;
+    }
+    case Qt::DecorationRole: return canBeMarked && !markOf_(*record).isEmpty() ? QVariant(mark_) : QVariant();
+    default: return {};
+    }
+}
+
+QString RecordTableModel::textAt(const Record& record, int column) const
+{
+    const std::string& key = columns_.at(static_cast<std::size_t>(column)).key;
+    if (!key.empty())
+        return toQt(record.text(key));
+    return textOf_ ? textOf_(record) : QString();
 }
 
 QVariant RecordTableModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -94,6 +110,20 @@ void RecordTableModel::refreshMadeTexts()
         if (rows_ > 0 && columns_[static_cast<std::size_t>(column)].key.empty())
             Q_EMIT dataChanged(index(0, column), index(rows_ - 1, column), {Qt::DisplayRole, Qt::ToolTipRole});
     }
+}
+
+void RecordTableModel::setMark(const QIcon& symbol, std::function<QString(const Record&)> markOf)
+{
+    mark_ = symbol;
+    markOf_ = std::move(markOf);
+    refreshMarks();
+}
+
+void RecordTableModel::refreshMarks()
+{
+    if (rows_ > 0)
+        Q_EMIT dataChanged(index(0, 0), index(rows_ - 1, 0),
+                           {Qt::DecorationRole, Qt::ToolTipRole, Qt::AccessibleTextRole});
 }
 
 void RecordTableModel::setDragType(const QString& mimeType)

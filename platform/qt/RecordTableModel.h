@@ -4,6 +4,7 @@
 #include "platform/controls/ArrayController.h"
 
 #include <QAbstractTableModel>
+#include <QIcon>
 
 #include <functional>
 #include <memory>
@@ -33,6 +34,11 @@ public:
     void setTextMaker(std::function<QString(const Record&)> textOf);
     /// Those texts are others than before though the records are not.
     void refreshMadeTexts();
+    /// Lets a symbol in the first column mark rows. `markOf` answers what it means, for the tool tip and screen
+    /// readers; nothing where there is none. Asked whenever a row is shown.
+    void setMark(const QIcon& symbol, std::function<QString(const Record&)> markOf);
+    /// Other rows are marked than before.
+    void refreshMarks();
     /// Lets rows be dragged; what is dragged is the row's number as text, under this type.
     void setDragType(const QString& mimeType);
 
@@ -48,12 +54,15 @@ public:
 
 private:
     void update();
+    QString textAt(const Record& record, int column) const;
 
     std::shared_ptr<ArrayController> controller_;
     std::vector<RecordColumn> columns_;
     std::function<std::vector<RecordColumn>(const std::vector<Record>&)> columnsOf_;
     std::uint64_t columnsRevision_ = 0;
     std::function<QString(const Record&)> textOf_;
+    std::function<QString(const Record&)> markOf_;
+    QIcon mark_;
     std::string toolTipKey_;
     QString dragType_;
     std::int32_t rows_ = 0;

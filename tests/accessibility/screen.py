@@ -56,6 +56,7 @@ class Screen:
             "HOME": str(self.folder / "library/home"),
             "XDG_CONFIG_HOME": str(self._folder("config")),
             "XDG_DATA_HOME": str(self._folder("data")),
+            "XDG_STATE_HOME": str(self._folder("state")),
             "XDG_CACHE_HOME": str(self._folder("cache")),
             "XDG_RUNTIME_DIR": str(self._folder("runtime")),
             "KV_LOCAL_LIBRARY": str(self.folder / "library/Library"),

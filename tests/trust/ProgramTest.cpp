@@ -1,13 +1,17 @@
 // The program itself, started as the user starts it, and what the system may do to it.
 
+#include "mapping/Drafts.h"
+#include "tests/support/OrderFiles.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -45,6 +49,7 @@ protected:
         ::setenv("KV_LOCAL_LIBRARY", (home_ / "Library").c_str(), 1);
         ::setenv("XDG_CONFIG_HOME", (home_ / "config").c_str(), 1);
         ::setenv("XDG_DATA_HOME", (home_ / "data").c_str(), 1);
+        ::setenv("XDG_STATE_HOME", (home_ / "state").c_str(), 1);
         ::setenv("XDG_RUNTIME_DIR", home_.path().c_str(), 1);
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
         ::dup2(::open((home_ / "log").c_str(), O_WRONLY | O_CREAT, 0666), STDERR_FILENO);
@@ -72,8 +77,9 @@ protected:
         return WIFEXITED(status_) ? WEXITSTATUS(status_) : -WTERMSIG(status_);
     }
 
-private:
     test::TemporaryFolder home_;
+
+private:
     pid_t process_ = 0;
     int status_ = 0;
 };
@@ -105,6 +111,103 @@ TEST_F(ProgramTest, DoesToItsEndWhatASignalComesUponAndLogsAllOfIt)
         ++files;
     EXPECT_EQ(files, kFiles);
     EXPECT_EQ(lines.back(), '\n');
+}
+
+/// The program on one plug-in, of which a pot is cleared as soon as its window is there.
+class DraftOfProgramTest : public ProgramTest {
+protected:
+    DraftOfProgramTest() { test::writeDictionary(file_, test::orderFile(test::numbered(24))); }
+
+    void startEditing(const std::string& before = "")
+    {
+        start("export QT_PLUGIN_PATH='" KV_TEST_PLUGINS "' QT_QPA_GENERIC_PLUGINS=kvedit; " + before + ":");
+        waitForLog("edited\n");
+    }
+    Path folder() const { return home_ / "state/kvOrvantaLogic_Tool/drafts"; }
+    /// The drafts that another run would find.
+    std::vector<mapping::Draft> drafts() const
+    {
+        std::vector<mapping::Draft> found;
+        for (auto& left : mapping::Drafts(folder()).leftOf(file_.native()))
+            found.push_back(left.draft);
+        return found;
+    }
+    static test::Texts edited()
+    {
+        test::Texts order = test::numbered(24);
+        order.front() = "-1";
+        return order;
+    }
+    /// Everything in the folder that is no whole draft.
+    int unfinished() const
+    {
+        int count = 0;
+        for (const auto& entry : std::filesystem::directory_iterator(folder()))
+            count += entry.path().extension() == ".draft" ? 0 : 1;
+        return count;
+    }
+
+    Path file_ = presets() / "Maker/Synth/CSParameterOrder.plist";
+};
+
+TEST_F(DraftOfProgramTest, ASignalLeavesTheEditMadeJustNow)
+{
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+        startEditing();
+        send(signal);
+        EXPECT_EQ(exitStatus(), 128 + signal);
+        ASSERT_EQ(drafts().size(), 1U);
+        EXPECT_EQ(drafts()[0].order, edited());
+        std::filesystem::remove_all(folder());
+    }
+}
+
+TEST_F(DraftOfProgramTest, AKillLeavesAnEditOfTwoSecondsAgo)
+{
+    startEditing();
+    ::usleep(2'000'000);
+    EXPECT_TRUE(drafts().empty()) << "it is still being edited";
+    send(SIGKILL);
+    EXPECT_EQ(exitStatus(), -SIGKILL);
+    ASSERT_EQ(drafts().size(), 1U);
+    EXPECT_EQ(drafts()[0].order, edited());
+    EXPECT_EQ(std::filesystem::status(mapping::Drafts(folder()).leftOf(file_.native())[0].file).permissions(),
+              std::filesystem::perms(0600));
+}
+
+TEST_F(DraftOfProgramTest, AKillAtAnyTimeLeavesWholeDraftsOnly)
+{
+    for (int run = 0; run < 4; ++run) {
+        startEditing("export KV_PRESS_ON=1; ");
+        ::usleep(static_cast<useconds_t>(980'000 + run * 30'000)); // about when the draft is written
+        send(SIGKILL);
+        EXPECT_EQ(exitStatus(), -SIGKILL);
+        const std::size_t kept = drafts().size();
+        EXPECT_LE(kept, static_cast<std::size_t>(run + 1));
+        if (kept > 0) {
+            EXPECT_EQ(drafts()[0].order.front(), "-1");
+        }
+    }
+    EXPECT_GT(drafts().size(), 0U);
+    // What the killed ones left unfinished, if anything, goes with the next draft.
+    startEditing();
+    send(SIGTERM);
+    EXPECT_EQ(exitStatus(), 128 + SIGTERM);
+    EXPECT_EQ(unfinished(), 0);
+}
+
+TEST_F(DraftOfProgramTest, TwoRunningAtATimeKeepTheirOwn)
+{
+    startEditing();
+    ::usleep(1'500'000);
+    mapping::Drafts other(folder());
+    EXPECT_TRUE(other.keep({file_.native(), test::Texts(8, "7 Other"), 1, 1, 0, 1}));
+    EXPECT_TRUE(other.leftOf(file_.native()).empty());
+    send(SIGTERM);
+    EXPECT_EQ(exitStatus(), 128 + SIGTERM);
+    EXPECT_EQ(other.leftOf(file_.native()).size(), 1U);
+    other.leave();
+    EXPECT_EQ(drafts().size(), 2U);
 }
 
 TEST_F(ProgramTest, OutlivesTheTerminalWhenItWasAskedTo)

@@ -6,6 +6,7 @@
 // KV_RANDOM_TRACE    writes every step before the next one, for a run that ends in a crash
 
 #include "chart/ChartState.h"
+#include "mapping/Drafts.h"
 #include "mapping/EditingSnapshot.h"
 #include "mapping/EditingState.h"
 #include "mapping/MappingStore.h"
@@ -45,6 +46,7 @@ protected:
     {
         startOver();
         looked_.clear();
+        looks_ = 0;
         const bool traces = std::getenv("KV_RANDOM_TRACE") != nullptr;
         std::vector<std::string> done;
         for (std::size_t i = 0; i < steps.size(); ++i) {
@@ -102,6 +104,8 @@ private:
         lookAtPanel();
         lookAtLists();
         lookAtUnsaved();
+        if (++looks_ % 8 == 0) // reads files
+            lookAtDrafts();
         lookAtFiles();
         lookAtHistory();
     }
@@ -204,6 +208,32 @@ private:
                    "the mode shown is not the mode edited");
     }
 
+    void lookAtDrafts()
+    {
+        const std::string path = text("labPluginPlistLocation");
+        expect(controller().keepDraft(), "no draft could be kept");
+        std::ptrdiff_t left = 0;
+        std::ptrdiff_t all = 0;
+        const auto folder = platform().folders.drafts();
+        if (fs::exists(folder)) {
+            for (const auto& item : fs::directory_iterator(folder)) {
+                expect(item.path().extension() == ".draft", "no draft: " + item.path().native());
+                ++all;
+            }
+        }
+        for (const auto& item : controller().myArrayController()->content())
+            left +=
+                static_cast<std::ptrdiff_t>(mapping::Drafts(folder).leftOf(item.text(plugins::kFileLocation)).size());
+        const bool isUnsaved = find<QWidget>("cwinMainWindow")->isWindowModified();
+        expectEqual(all - left, std::ptrdiff_t{isUnsaved ? 1 : 0}, "drafts being edited");
+        const auto& shown = controller().leftDraft();
+        expectEqual(find<QWidget>("draftBar")->isVisible(), shown.has_value(), "a bar for a draft");
+        if (shown)
+            expect(shown->draft.plugin == path && fs::exists(shown->file), "the bar's draft is not there");
+        expectEqual(shown.has_value(), !path.empty() && !mapping::Drafts(folder).leftOf(path).empty(),
+                    "a bar while a draft is left");
+    }
+
     void lookAtFiles()
     {
         const std::set<std::string> known = {"CSParameterOrder.plist", "CSParameterOrder.plist.original",
@@ -271,6 +301,7 @@ private:
     }
 
     std::string complaints_;
+    int looks_ = 0;
     std::map<std::string, fs::file_time_type> looked_;
 };
 

@@ -50,6 +50,9 @@ const char* const kSeldomUsed[] = {
     "kvExportToPlist",
     "kvRecallOriginalMapping",
     "kvRecallPreviousMapping",
+    "bringBackDraft",
+    "bringBackDraft",
+    "discardDraft",
     "kvCreateChart",
     "kvPluginMode_1",
     "kvPluginMode_0",
@@ -161,7 +164,7 @@ RandomUser::Chance::Chance(unsigned seed, int step)
 
 void RandomUser::startOver()
 {
-    for (const char* folder : {"Library", "home", "config", "data"})
+    for (const char* folder : {"Library", "home", "config", "data", "state"})
         std::filesystem::remove_all(home_ / folder);
     writeDictionary(builtIn("Empty"), orderFile({}));
     writeDictionary(builtIn("Nine"), orderFile(numbered(9)));
