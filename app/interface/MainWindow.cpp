@@ -254,9 +254,21 @@ MainWindow::MainWindow()
         search->setFocus(Qt::ShortcutFocusReason);
         search->selectAll();
     });
+    onWindowInFront("closeWindow", [](QWidget& front) { front.close(); });
+    onWindowInFront("minimiseWindow", [](QWidget& front) { front.showMinimized(); });
+    onWindowInFront("zoomWindow",
+                    [](QWidget& front) { front.setWindowState(front.windowState() ^ Qt::WindowMaximized); });
     constexpr QSize kUsual(1240, 770);
     constexpr QSize kFrame(16, 48); // about what the system draws around a window
     resize(kUsual.boundedTo(screen()->availableSize() - kFrame));
+}
+
+void MainWindow::onWindowInFront(const char* item, void (*work)(QWidget& front))
+{
+    connect(findChild<QAction*>(QLatin1String(item)), &QAction::triggered, this, [work] {
+        if (QWidget* front = QApplication::activeWindow())
+            work(*front);
+    });
 }
 
 void MainWindow::keyPressEvent(QKeyEvent* event)
