@@ -27,6 +27,7 @@
 #include <QScreen>
 #include <QSplitter>
 
+#include <algorithm>
 #include <initializer_list>
 #include <utility>
 
@@ -55,6 +56,14 @@ void addGroup(QHBoxLayout* layout, ButtonRow buttons, const QString& caption = {
             group->addWidget(makeButton(action));
     }
     layout->addLayout(group);
+}
+
+QSplitter* makeSplitter(Qt::Orientation orientation, const char* name)
+{
+    auto* splitter = new QSplitter(orientation);
+    splitter->setObjectName(QLatin1String(name));
+    splitter->setHandleWidth(std::max(splitter->handleWidth(), 4)); // some styles' are a line
+    return splitter;
 }
 
 /// A splitter keeps its parts the wrong way round among its children, which is how a screen reader would tell them.
@@ -163,8 +172,7 @@ QWidget* makeParameterColumn()
 
 QWidget* makeLists()
 {
-    auto* lists = new QSplitter(Qt::Horizontal);
-    lists->setObjectName(QStringLiteral("listsSplitter"));
+    auto* lists = makeSplitter(Qt::Horizontal, "listsSplitter");
     lists->addWidget(makePluginColumn());
     lists->addWidget(makeParameterColumn());
     lists->setChildrenCollapsible(false);
@@ -223,8 +231,7 @@ QWidget* makeLowerView()
 
 QWidget* makeViews()
 {
-    auto* views = new QSplitter(Qt::Vertical);
-    views->setObjectName(QStringLiteral("viewsSplitter"));
+    auto* views = makeSplitter(Qt::Vertical, "viewsSplitter");
     views->addWidget(makeLists());
     views->addWidget(makeLowerView());
     views->setChildrenCollapsible(false);
