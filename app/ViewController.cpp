@@ -45,3 +45,13 @@ void ViewController::kvHelpMe(Sender)
         "\n\n"
         "More in depth help to come later");
 }
+
+void ViewController::about(Sender)
+{
+    platform_.alerts.runModal({"kvOrvantaLogic Tool " KV_VERSION,
+                               "Uses Qt under the GNU Lesser General Public License, version 3 "
+                               "(https://www.gnu.org/licenses/lgpl-3.0.html), and libcurl under the curl licence "
+                               "(https://curl.se/docs/copyright.html).",
+                               {"OK"},
+                               platform::Alert::Style::informational});
+}

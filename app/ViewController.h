@@ -50,6 +50,8 @@ public:
     /// Closes the three community windows, whichever are open.
     void closeAllAuxillaryWindows();
     void kvHelpMe(Sender sender = nullptr);
+    /// Tells which version this is and on what terms it uses the libraries that come with it.
+    void about(Sender = nullptr);
 
     // Plug-in library
 

@@ -14,7 +14,7 @@ int main(int argc, char* argv[])
     platform::qt::Application application(argc, argv);
     platform::files::failBeyondSizeLimits();
     platform::qt::SystemPlatform system(KV_BUNDLE_IDENTIFIER);
-    application.flushWhenIdle(system.log);
+    application.flushWhenIdle(*system.log);
     application.endOnTerminationSignals();
 
     AppDelegate delegate(system.platform);

@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <string>
 
+#include <unistd.h> // has mkdtemp on a Mac
+
 namespace fuzz {
 
 namespace files = platform::files;

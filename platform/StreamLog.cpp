@@ -25,6 +25,21 @@ bool hasControls(std::string_view line)
 
 } // namespace
 
+std::string asOneLine(std::string_view text)
+{
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    std::string line;
+    line.reserve(text.size());
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (isControl(character))
+            line.append("\\x") += {kDigits[byte / 16U], kDigits[byte % 16U]};
+        else
+            line += character;
+    }
+    return line;
+}
+
 StreamLog::StreamLog(int descriptor)
 {
     std::signal(SIGPIPE, SIG_IGN); // a reader that is gone must not end the program
@@ -44,15 +59,9 @@ void StreamLog::write(std::string_view line)
 {
     if (!stream_)
         return;
-    if (!hasControls(line))
-        std::fwrite(line.data(), 1, line.size(), stream_);
-    else
-        for (const char character : line) {
-            if (isControl(character))
-                std::fprintf(stream_, "\\x%02x", static_cast<unsigned>(character));
-            else
-                std::fputc(character, stream_);
-        }
+    const std::string escaped = hasControls(line) ? asOneLine(line) : std::string();
+    const std::string_view written = escaped.empty() ? line : escaped;
+    std::fwrite(written.data(), 1, written.size(), stream_);
     std::fputc('\n', stream_);
 }
 

@@ -7,8 +7,13 @@
 #include <array>
 #include <cstddef>
 #include <cstdio>
+#include <string>
+#include <string_view>
 
 namespace platform {
+
+/// A text with its control characters written as \xNN, so that one call is one line.
+std::string asOneLine(std::string_view text);
 
 class StreamLog final : public Log {
 public:
@@ -18,7 +23,6 @@ public:
     StreamLog& operator=(const StreamLog&) = delete;
     ~StreamLog() override;
 
-    /// Control characters are written as \xNN, so that one call is one line.
     void write(std::string_view line) override;
     void flush() override;
 

@@ -51,8 +51,10 @@ std::span<const Action> Action::all()
          .toolTip = QT_TR_NOOP("Forget these edits for good")},
         {.name = "saveAction", .text = QT_TR_NOOP("Save Application Data"),
          .menu = Menu::file, .beginsSection = true, .keys = "Ctrl+Shift+S"},
+        {.name = "closeWindow", .text = QT_TR_NOOP("Close Window"),
+         .menu = Menu::file, .beginsSection = true, .keys = QKeySequence::Close},
         {.name = "terminate", .text = QT_TR_NOOP("Quit"),
-         .menu = Menu::file, .beginsSection = true, .role = QAction::QuitRole, .keys = "Ctrl+Q"},
+         .menu = Menu::file, .role = QAction::QuitRole, .keys = "Ctrl+Q"},
 
         {.name = "undo", .text = QT_TR_NOOP("Undo"), .symbol = "undo",
          .menu = Menu::edit, .keys = QKeySequence::Undo, .repeats = true, .call = &VC::undo,
@@ -149,9 +151,14 @@ std::span<const Action> Action::all()
          .button = "kv_btn_cloudLibraryDownload", .row = ButtonRow::community,
          .toolTip = QT_TR_NOOP("See what others shared for this plug-in")},
 
+        {.name = "minimiseWindow", .text = QT_TR_NOOP("Minimise"), .menu = Menu::window, .keys = "Ctrl+M"},
+        {.name = "zoomWindow", .text = QT_TR_NOOP("Zoom"), .menu = Menu::window},
+
         {.name = "kvHelpMe", .text = QT_TR_NOOP("Brief instructions on use"), .symbol = "help",
          .menu = Menu::help, .keys = QKeySequence::HelpContents, .call = &VC::kvHelpMe,
          .row = ButtonRow::help, .caption = QT_TR_NOOP("Help"), .toolTip = QT_TR_NOOP("Brief instructions on use")},
+        {.name = "about", .text = QT_TR_NOOP("About kvOrvantaLogic Tool"),
+         .menu = Menu::help, .beginsSection = true, .role = QAction::AboutRole, .call = &VC::about},
 
         // Of the community windows.
         {.name = "cwinLoginAttempt", .text = QT_TR_NOOP("Log In"), .symbol = "log-in",

@@ -25,8 +25,8 @@ struct Keys {
     QList<QKeySequence> sequences;
 };
 
-/// The menus of the bar, from the left.
-enum class Menu { none, file, edit, page, community, help };
+/// The menus of the bar, from the left. That of the window is for Macs, where windows bring no such menu themselves.
+enum class Menu { none, file, edit, page, community, window, help };
 
 /// An item that stays marked: by itself, or as the one chosen of its section.
 enum class Mark { none, check, choice };
@@ -68,7 +68,7 @@ public:
     Menu menu = Menu::none;
     bool beginsSection = false; ///< a line is above it in the menu
     Mark mark = Mark::none;
-    QAction::MenuRole role = QAction::TextHeuristicRole;
+    QAction::MenuRole role = QAction::NoRole; ///< where a Mac puts it, which is not guessed from its text
     Keys keys = {};
     Keys plainKeys = {};  ///< work on the panel, a pot's in the parameter list too, a page's on the strip
     bool repeats = false; ///< while a key is held down; nothing that edits does, but what can be taken back again

@@ -29,8 +29,10 @@ QWidget* makeWindow(const char* name, const QString& title)
     auto* window = new QWidget(nullptr, Qt::Window);
     window->setObjectName(QString::fromLatin1(name));
     window->setWindowTitle(title);
-    auto* close = new QShortcut(QKeySequence::Cancel, window);
-    QObject::connect(close, &QShortcut::activated, window, &QWidget::close);
+    for (const auto keys : {QKeySequence::Cancel, QKeySequence::Close}) {
+        auto* close = new QShortcut(keys, window);
+        QObject::connect(close, &QShortcut::activated, window, &QWidget::close);
+    }
     auto* layout = new QVBoxLayout(window);
     layout->setContentsMargins(12, 12, 12, 12);
     return window;

@@ -256,6 +256,8 @@ void EditingView::showTitle()
     plugin.replace(QLatin1String("[*]"), QLatin1String("[*][*]")); // or Qt would take it for the mark's place
     window_->setWindowTitle(plugin.isEmpty() ? program + QStringLiteral("[*]")
                                              : plugin + QStringLiteral("[*] \u2013 ") + program);
+    window_->setWindowFilePath(hasMapping ? qt::toQt(controller_.labPluginPlistLocation()->stringValue.get())
+                                          : QString());
     window_->setWindowModified(isModified);
 }
 

@@ -29,6 +29,7 @@
 #include <QScreen>
 #include <QSplitter>
 
+#include <algorithm>
 #include <initializer_list>
 #include <utility>
 
@@ -57,6 +58,14 @@ void addGroup(QHBoxLayout* layout, ButtonRow buttons, const QString& caption = {
             group->addWidget(makeButton(action));
     }
     layout->addLayout(group);
+}
+
+QSplitter* makeSplitter(Qt::Orientation orientation, const char* name)
+{
+    auto* splitter = new QSplitter(orientation);
+    splitter->setObjectName(QLatin1String(name));
+    splitter->setHandleWidth(std::max(splitter->handleWidth(), 4)); // some styles' are a line
+    return splitter;
 }
 
 /// A splitter keeps its parts the wrong way round among its children, which is how a screen reader would tell them.
@@ -174,8 +183,7 @@ QWidget* makeParameterColumn()
 
 QWidget* makeLists()
 {
-    auto* lists = new QSplitter(Qt::Horizontal);
-    lists->setObjectName(QStringLiteral("listsSplitter"));
+    auto* lists = makeSplitter(Qt::Horizontal, "listsSplitter");
     lists->addWidget(makePluginColumn());
     lists->addWidget(makeParameterColumn());
     lists->setChildrenCollapsible(false);
@@ -247,8 +255,7 @@ QWidget* makeLowerView()
 
 QWidget* makeViews()
 {
-    auto* views = new QSplitter(Qt::Vertical);
-    views->setObjectName(QStringLiteral("viewsSplitter"));
+    auto* views = makeSplitter(Qt::Vertical, "viewsSplitter");
     views->addWidget(makeLists());
     views->addWidget(makeLowerView());
     views->setChildrenCollapsible(false);
@@ -279,9 +286,21 @@ MainWindow::MainWindow()
         search->setFocus(Qt::ShortcutFocusReason);
         search->selectAll();
     });
+    onWindowInFront("closeWindow", [](QWidget& front) { front.close(); });
+    onWindowInFront("minimiseWindow", [](QWidget& front) { front.showMinimized(); });
+    onWindowInFront("zoomWindow",
+                    [](QWidget& front) { front.setWindowState(front.windowState() ^ Qt::WindowMaximized); });
     constexpr QSize kUsual(1240, 770);
     constexpr QSize kFrame(16, 48); // about what the system draws around a window
     resize(kUsual.boundedTo(screen()->availableSize() - kFrame));
+}
+
+void MainWindow::onWindowInFront(const char* item, void (*work)(QWidget& front))
+{
+    connect(findChild<QAction*>(QLatin1String(item)), &QAction::triggered, this, [work] {
+        if (QWidget* front = QApplication::activeWindow())
+            work(*front);
+    });
 }
 
 void MainWindow::keyPressEvent(QKeyEvent* event)

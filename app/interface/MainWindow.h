@@ -16,6 +16,10 @@ public:
 protected:
     /// What is typed and nobody else wants goes into the search.
     void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    /// On a Mac all windows have the one menu bar.
+    void onWindowInFront(const char* item, void (*work)(QWidget& front));
 };
 
 } // namespace interface

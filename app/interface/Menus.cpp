@@ -5,13 +5,14 @@
 
 #include <QActionGroup>
 #include <QMainWindow>
+#include <QMenu>
 #include <QMenuBar>
 
 #include <map>
 
 namespace interface {
 
-void makeMenus(QMainWindow& window)
+void makeMenus(QMainWindow& window, bool hasWindowMenu)
 {
     QMenuBar* bar = window.menuBar();
     bar->setObjectName(QStringLiteral("menuBar"));
@@ -21,8 +22,10 @@ void makeMenus(QMainWindow& window)
         {Menu::edit, bar->addMenu(QObject::tr("&Edit"))},
         {Menu::page, bar->addMenu(QObject::tr("&Page"))},
         {Menu::community, bar->addMenu(QObject::tr("&Community"))},
+        {Menu::window, bar->addMenu(QObject::tr("&Window"))},
         {Menu::help, bar->addMenu(QObject::tr("&Help"))},
     };
+    menus.at(Menu::window)->menuAction()->setVisible(hasWindowMenu);
     QActionGroup* choices = nullptr;
     for (const Action& action : Action::all()) {
         QMenu* menu = menus.at(action.menu);

@@ -11,6 +11,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
+#include <algorithm>
 #include <utility>
 
 namespace interface {
@@ -42,7 +43,7 @@ QPushButton* makeButton(const Action& action)
     if (action.symbol)
         button->setIcon(platform::qt::symbolIcon(QString::fromLatin1(action.symbol)));
     if (action.isSymbolOnly)
-        button->setFixedWidth(button->sizeHint().height() + 8);
+        button->setFixedWidth(std::max(button->sizeHint().width(), button->sizeHint().height() + 8));
     return button;
 }
 

@@ -2,7 +2,7 @@
 // The real effects, composed: what the program runs on, and the tests with some of them replaced.
 
 #include "platform/ErrorAlerts.h"
-#include "platform/StreamLog.h"
+#include "platform/SystemLog.h"
 #include "platform/TerminationSignals.h"
 #include "platform/UserPreferences.h"
 #include "platform/qt/CompletionGate.h"
@@ -11,7 +11,7 @@
 #include "platform/qt/SystemEffects.h"
 #include "platform/qt/UndoStack.h"
 
-#include <unistd.h>
+#include <memory>
 
 namespace platform::qt {
 
@@ -25,9 +25,10 @@ struct Instead {
 };
 
 struct SystemPlatform {
-    /// `name` is that of the preferences.
+    /// `name` is that of the preferences, and on macOS what the log is found by.
     explicit SystemPlatform(const char* name, const Instead& others = {}, const HttpLimits& limits = {})
-        : http(
+        : log(systemLog(name)),
+          http(
               gate, [] { return terminationSignal() != 0; }, limits),
           preferences(name),
           instead(others)
@@ -39,7 +40,7 @@ struct SystemPlatform {
     MessageBoxAlerts alerts{gate};
     DesktopWorkspace workspace;
     UserFolders folders;
-    StreamLog log{STDERR_FILENO};
+    const std::unique_ptr<Log> log;
     CurlHttp http;
     UserPreferences preferences;
     QtJson json;
@@ -50,7 +51,7 @@ struct SystemPlatform {
     Platform platform{either(instead.alerts, alerts),
                       either(instead.workspace, workspace),
                       either(instead.folders, folders),
-                      either(instead.log, log),
+                      either(instead.log, *log),
                       http,
                       preferences,
                       json,

@@ -159,7 +159,9 @@ TEST_P(ContrastTest, WithAnEditedPlugin)
 
 TEST_P(ContrastTest, CommunityWindows)
 {
+    writeDictionary(builtIn("Lead"), orderFile(numbered(12)));
     launch();
+    select("Lead"); // else the Load button is off
     for (const char* window : {"cwinCloudWindow", "cwinUploadWindow", "cwinDownloadWindow"}) {
         find<QWidget>(window)->show();
         draw(window);

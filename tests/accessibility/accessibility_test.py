@@ -7,6 +7,7 @@ Usage: accessibility_test.py PROGRAM COMMUNITY-PORT [unittest's arguments]"""
 import collections
 import http.server
 import re
+import shutil
 import sys
 import threading
 import unittest
@@ -22,9 +23,10 @@ PLUG_INS = {"Wendlebrook EQ", "Quillmoor Echo", "Ploverton Tuner", "Écho d’é
 
 
 class ProgramTest(unittest.TestCase):
-    """Each test runs the program anew on a few plug-ins of the demo library."""
+    """Each test runs the program anew on a few plug-ins of the demo library, without drafts of an earlier one."""
 
     def setUp(self):
+        shutil.rmtree(screen.folder / "state", ignore_errors=True)
         make_library.LIBRARY = screen.folder / "library"
         make_library.PLUG_INS = [plug_in for plug_in in every_plug_in if Path(plug_in[0]).name in PLUG_INS]
         make_library.DECOYS = {}

@@ -85,6 +85,18 @@ TEST_F(EditingViewTest, AButtonWhoseCaptionIsTooShortIsSpokenInWords)
         EXPECT_EQ(find<>(button.c_str())->accessibleName().toStdString(), words) << button;
 }
 
+TEST_F(EditingViewTest, TheWindowStandsForTheFileThatASaveWrites)
+{
+    launch();
+    const auto path = [this] { return find<>("cwinMainWindow")->windowFilePath().toStdString(); };
+    EXPECT_EQ(path(), "");
+    load();
+    EXPECT_EQ(path(), builtIn("Synth").native());
+    click("btnRunCheck"); // the mapping stays and can still be saved
+    EXPECT_EQ(path(), builtIn("Synth").native());
+    EXPECT_EQ(find<>("cwinMainWindow")->windowTitle(), QStringLiteral("kvOrvantaLogic Tool[*]"));
+}
+
 TEST_F(EditingViewTest, UndoAndRedoSayWhatTheyWouldDo)
 {
     load();

@@ -3,11 +3,19 @@
 
 #include "platform/qt/Text.h"
 
+#include <QAbstractButton>
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
+#include <QGroupBox>
+#include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenuBar>
+#include <QProxyStyle>
 #include <QPushButton>
+#include <QStyleFactory>
+#include <QStyleOption>
 #include <QTest>
 #include <QTranslator>
 
@@ -30,6 +38,60 @@ public:
         const QString english = QString::fromUtf8(source);
         return QChar(0x27e6) + english + QString(english.size() / 2, QLatin1Char('~')) + QChar(0x27e7);
     }
+};
+
+/// About as large as a Mac's: buttons with much room beside their text, which nothing may take, other margins, no line
+/// about a list.
+class MacintoshLike final : public QProxyStyle {
+public:
+    MacintoshLike() : QProxyStyle(QStyleFactory::create(QStringLiteral("fusion"))) {}
+
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override
+    {
+        switch (metric) {
+        case PM_LayoutLeftMargin:
+        case PM_LayoutRightMargin:
+        case PM_LayoutTopMargin:
+        case PM_LayoutBottomMargin: return 20;
+        case PM_LayoutHorizontalSpacing: return 12;
+        case PM_LayoutVerticalSpacing: return 10;
+        case PM_DefaultFrameWidth: return 1;
+        case PM_ScrollBarExtent: return 15;
+        case PM_SplitterWidth: return 1;
+        case PM_HeaderMargin: return 5;
+        case PM_ExclusiveIndicatorWidth:
+        case PM_ExclusiveIndicatorHeight:
+        case PM_IndicatorWidth:
+        case PM_IndicatorHeight: return 18;
+        case PM_FocusFrameHMargin:
+        case PM_FocusFrameVMargin: return 4;
+        default: return QProxyStyle::pixelMetric(metric, option, widget);
+        }
+    }
+
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                           const QWidget* widget) const override
+    {
+        const QSize usual = QProxyStyle::sizeFromContents(type, option, contents, widget);
+        switch (type) {
+        case CT_PushButton: return {std::max(contents.width() + 2 * kBeside, 50), 32};
+        case CT_CheckBox:
+        case CT_RadioButton: return usual + QSize(4, 4);
+        case CT_LineEdit: return {usual.width(), 28};
+        case CT_HeaderSection: return {usual.width(), 28};
+        default: return usual;
+        }
+    }
+
+    QRect subElementRect(SubElement element, const QStyleOption* option, const QWidget* widget) const override
+    {
+        if (element == SE_PushButtonContents)
+            return option->rect.adjusted(kBeside, 5, -kBeside, -5);
+        return QProxyStyle::subElementRect(element, option, widget);
+    }
+
+private:
+    static constexpr int kBeside = 15;
 };
 
 bool isForeign(const QString& text)
@@ -62,15 +124,28 @@ protected:
     }
     QWidget* window() const { return find<>("cwinMainWindow"); }
 
-    /// Visible widgets of the window with a text of their own that does not fit.
-    QStringList cutTexts() const
+    QStringList cutTexts() const { return cutTexts(*window()); }
+    /// Visible widgets of a window whose text or symbol does not fit.
+    static QStringList cutTexts(const QWidget& window)
     {
         QStringList cut;
-        for (QAbstractButton* button : window()->findChildren<QAbstractButton*>()) {
-            if (button->isVisible() && !button->text().isEmpty() && button->width() < button->sizeHint().width())
-                cut += button->objectName();
+        for (const QWidget* widget : window.findChildren<QWidget*>()) {
+            const QSize needed = neededSize(*widget);
+            if (widget->isVisible() && (widget->width() < needed.width() || widget->height() < needed.height()))
+                cut += widget->objectName() + QLatin1Char(' ') + QLatin1String(widget->metaObject()->className());
         }
         return cut;
+    }
+    /// What may be shortened needs its own least size, what we draw ourselves none here.
+    static QSize neededSize(const QWidget& widget)
+    {
+        if (const auto* button = qobject_cast<const QAbstractButton*>(&widget))
+            return button->text().isEmpty() && !button->inherits("QPushButton") ? QSize() : button->sizeHint();
+        if (const auto* header = qobject_cast<const QHeaderView*>(&widget))
+            return {0, header->sizeHint().height()};
+        if (const auto* label = qobject_cast<const QLabel*>(&widget))
+            return label->text().isEmpty() ? QSize() : label->minimumSizeHint();
+        return qobject_cast<const QLineEdit*>(&widget) ? widget.minimumSizeHint() : QSize();
     }
     QStringList overlaps() const
     {
@@ -146,6 +221,26 @@ TEST_F(MainWindowLookTest, NothingOverlapsWithLongNamesInAnyScript)
             EXPECT_EQ(list->model()->index(1, 1).data(Qt::ToolTipRole).toString().toStdString(), name);
         }
     }
+}
+
+TEST_F(MainWindowLookTest, NothingIsCutUnderAStyleWithOtherMeasures)
+{
+    const FixedLook look(test::lightPalette()); // puts the style back as well
+    QApplication::setStyle(new MacintoshLike);
+    editSynth();
+    EXPECT_LE(window()->minimumSizeHint().width(), kSmallest.width());
+    EXPECT_LE(window()->minimumSizeHint().height(), kSmallest.height() - 100);
+    EXPECT_EQ(window()->size(), kSmallest);
+    EXPECT_EQ(cutTexts().join(QStringLiteral(", ")).toStdString(), "");
+    EXPECT_EQ(overlaps(), QStringList());
+    for (const char* name : {"cwinCloudWindow", "cwinUploadWindow", "cwinDownloadWindow"}) {
+        find<>(name)->show();
+        QApplication::processEvents();
+        EXPECT_EQ(cutTexts(*find<>(name)).join(QStringLiteral(", ")).toStdString(), "") << name;
+    }
+    const auto* scan = find<>("btnRunCheck");
+    EXPECT_GE(find<>("tablePlistOfSelectedPlugin")->mapTo(window(), QPoint()).x(),
+              scan->mapTo(window(), QPoint()).x() + scan->width() + 4);
 }
 
 TEST_F(MainWindowLookTest, MirrorsForThoseWhoReadFromTheRight)

@@ -5,7 +5,9 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QLabel>
+#include <QMessageBox>
 #include <QTest>
+#include <QTimer>
 
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -1,9 +1,11 @@
 #include "platform/StreamLog.h"
+#include "platform/SystemLog.h"
 
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -193,6 +195,41 @@ TEST_F(StreamLogTest, AnExitWritesWhatIsGathered)
     EXPECT_EQ(ended.log, "first\nlast words\n");
     ASSERT_TRUE(WIFEXITED(ended.status));
     EXPECT_EQ(WEXITSTATUS(ended.status), 3);
+}
+
+// The system's
+
+TEST(SystemLogTest, WritesToAStandardErrorThatIsATerminal)
+{
+    const Ended ended = inChild([](int descriptor) {
+        const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+        if (terminal < 0 || ::grantpt(terminal) != 0 || ::unlockpt(terminal) != 0)
+            ::_exit(2);
+        ::dup2(::open(::ptsname(terminal), O_RDWR | O_NOCTTY), STDERR_FILENO);
+        const auto log = platform::systemLog("net.kvorvanta.test");
+        log->write("Error\nHere");
+        log->flush();
+        char shown[64];
+        const ssize_t count = ::read(terminal, shown, sizeof shown);
+        static_cast<void>(::write(descriptor, shown, static_cast<std::size_t>(std::max<ssize_t>(count, 0))) < 0);
+    });
+    EXPECT_EQ(ended.log, "Error\\x0aHere\r\n");
+    EXPECT_EQ(ended.status, 0);
+}
+
+TEST(SystemLogTest, AStandardErrorThatIsNoTerminalIsTheLogWhereThereIsNoOther)
+{
+    const Ended ended = inChild([](int descriptor) {
+        ::dup2(descriptor, STDERR_FILENO);
+        const auto log = platform::systemLog("net.kvorvanta.test");
+        log->write("Error Here");
+        log->flush();
+    });
+#ifdef __APPLE__
+    EXPECT_EQ(ended.log, ""); // it is in the unified log
+#else
+    EXPECT_EQ(ended.log, "Error Here\n");
+#endif
 }
 
 // The other end
