@@ -47,9 +47,18 @@ void replace(const QMessageBox& box, QLabel* text, QWidget* by)
     grid->addWidget(by, row, column, rows, columns);
 }
 
-/// The field with a text that would take a label minutes to lay out. The label keeps the text, which is the box's.
-void showInField(const QMessageBox& box, QLabel* text)
+/// The system's own alert knows neither a field nor a text that scrolls.
+void keepOurOwn([[maybe_unused]] QMessageBox& box)
 {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)
+    box.setOption(QMessageBox::Option::DontUseNativeDialog);
+#endif
+}
+
+/// The field with a text that would take a label minutes to lay out. The label keeps the text, which is the box's.
+void showInField(QMessageBox& box, QLabel* text)
+{
+    keepOurOwn(box);
     auto* field = new QPlainTextEdit;
     field->setAccessibleName(QObject::tr("Text of the message"));
     field->setReadOnly(true);
@@ -62,13 +71,14 @@ void showInField(const QMessageBox& box, QLabel* text)
 }
 
 /// A text that is higher than the screen would take the buttons with it, and a line that cannot be broken would be cut.
-void letScroll(const QMessageBox& box, QLabel* text)
+void letScroll(QMessageBox& box, QLabel* text)
 {
     const int highest = box.screen()->availableGeometry().height() / 2;
     const int height = text->heightForWidth(kWidth);
     const int width = text->minimumSizeHint().width();
     if (height <= highest && width <= kWidth)
         return;
+    keepOurOwn(box);
     auto* scroll = new QScrollArea;
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
@@ -87,9 +97,6 @@ void makeRoomForLongTexts(QMessageBox& box)
             continue;
         if (isLong(text->text()) || hasSlowWord(text->text())) {
             showInField(box, text);
-#if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)
-            box.setOption(QMessageBox::Option::DontUseNativeDialog); // the system's own has no field
-#endif
         } else if (text->wordWrap()) {
             letScroll(box, text);
         }
