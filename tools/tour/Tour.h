@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QObject>
+#include <QPixmap>
 #include <QString>
 #include <QTimer>
 
