@@ -23,6 +23,7 @@ MISSING = {
     r"\$\{\w+\[-": "echo ${list[-1]}",
     r"\$\{\w+:[^-=?+}]*:\s*-\d": "echo ${text:0:-1}",
     r"&>>|\|&": "make &>>log",
+    r"=~\s+[^$\s]*[(|]": "[[ $name =~ ^(a|b)$ ]]",
     r";;?&": "a) echo ;;&",
     r"\[\[[^]]*\s-[vR]\s": "[[ -v name ]]",
     r"\bprintf\s.*%\([^)]*\)T": "printf '%(%F)T' -1",
@@ -117,7 +118,7 @@ class Homes(unittest.TestCase):
                 if SETS_HOME.search(text):
                     found.append(path.name)
                     with self.subTest(path=path):
-                        self.assertIn("CFFIXED_USER_HOME", text)
+                        self.assertRegex(text, r'CFFIXED_USER_HOME[="]')
         self.assertLessEqual({"run", "TemporaryHome.cpp", "ProgramTest.cpp", "screen.py", "packaging_test.py"}, set(found))
 
 
