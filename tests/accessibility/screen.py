@@ -54,6 +54,7 @@ class Screen:
             "DISPLAY": f":{number}",
             "LC_ALL": "C.UTF-8",
             "HOME": str(self.folder / "library/home"),
+            "CFFIXED_USER_HOME": str(self.folder / "library/home"),
             "XDG_CONFIG_HOME": str(self._folder("config")),
             "XDG_DATA_HOME": str(self._folder("data")),
             "XDG_STATE_HOME": str(self._folder("state")),

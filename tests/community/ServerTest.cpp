@@ -19,7 +19,6 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <fstream>
 #include <string>
 
 namespace {
@@ -35,20 +34,36 @@ void start(QProcess& server, const test::Path& data, const QString& port = QStri
 }
 
 /// The port of the address that the server prints when it listens.
+quint16 portIn(const QByteArray& address)
+{
+    return static_cast<quint16>(QUrl(QString::fromUtf8(address.trimmed())).port());
+}
 quint16 portOf(QProcess& server)
 {
     EXPECT_TRUE(server.waitForReadyRead(kPatience));
-    return static_cast<quint16>(QUrl(QString::fromUtf8(server.readLine().trimmed())).port());
+    return portIn(server.readLine());
 }
 
-/// Whether the process runs; one that has ended but that nobody waited for does not.
-bool isAlive(pid_t process)
+/// A connection to the port of this machine; a negative number when nobody listens there.
+int connectTo(quint16 port)
 {
-    std::string id;
-    std::string name;
-    std::string state;
-    std::ifstream("/proc/" + std::to_string(process) + "/stat") >> id >> name >> state;
-    return !state.empty() && state != "Z";
+    const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
+        return socket;
+    ::close(socket);
+    return -1;
+}
+
+bool listens(quint16 port)
+{
+    const int socket = connectTo(port);
+    if (socket >= 0)
+        ::close(socket);
+    return socket >= 0;
 }
 
 struct Reply {
@@ -76,14 +91,10 @@ protected:
     /// Sends the bytes as they are and reads until the server ends the connection.
     Reply send(const std::string& bytes) const
     {
-        const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(port_);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        const int socket = connectTo(port_);
+        EXPECT_GE(socket, 0);
         const timeval patience{kPatience / 1000, 0};
         ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-        EXPECT_EQ(::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
         EXPECT_EQ(::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
         std::string reply;
         char part[4096];
@@ -319,12 +330,14 @@ TEST(ServerProcess, EndsWithItsParent)
         ASSERT_TRUE(shell.waitForReadyRead(kPatience));
     const pid_t server = shell.readLine().trimmed().toInt();
     ASSERT_GT(server, 0);
+    const quint16 port = portIn(shell.readLine());
+    EXPECT_TRUE(listens(port));
     shell.kill();
     ASSERT_TRUE(shell.waitForFinished(kPatience));
-    for (int i = 0; i < 300 && isAlive(server); ++i)
+    for (int i = 0; i < 300 && listens(port); ++i)
         QThread::msleep(10);
-    EXPECT_FALSE(isAlive(server));
-    if (isAlive(server))
+    EXPECT_FALSE(listens(port));
+    if (listens(port))
         ::kill(server, SIGKILL);
 }
 

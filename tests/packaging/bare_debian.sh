@@ -39,6 +39,7 @@ listing() {
 }
 
 packages() {
+    # shellcheck disable=SC2016 # for dpkg-query to fill in
     inside dpkg-query -W -f '${Package}\n' | sort -u
 }
 

@@ -50,7 +50,7 @@ def files_below(folder):
 def start_for_a_moment(program, home):
     """Lets the program run without a screen until it is ended; what it wrote, and how it ended if by itself."""
     environment = {"PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8", "QT_QPA_PLATFORM": "offscreen", "HOME": str(home),
-                   "XDG_RUNTIME_DIR": str(home), "KV_LOCAL_LIBRARY": str(home / "Library")}
+                   "CFFIXED_USER_HOME": str(home), "XDG_RUNTIME_DIR": str(home), "KV_LOCAL_LIBRARY": str(home / "Library")}
     with subprocess.Popen([program], env=environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                           text=True) as process:
         try:

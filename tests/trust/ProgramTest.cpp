@@ -46,6 +46,7 @@ protected:
         for (const int signal : {SIGHUP, SIGINT, SIGTERM}) // whatever started this test
             std::signal(signal, SIG_DFL);
         ::setenv("HOME", (home_ / "home").c_str(), 1);
+        ::setenv("CFFIXED_USER_HOME", (home_ / "home").c_str(), 1);
         ::setenv("KV_LOCAL_LIBRARY", (home_ / "Library").c_str(), 1);
         ::setenv("XDG_CONFIG_HOME", (home_ / "config").c_str(), 1);
         ::setenv("XDG_DATA_HOME", (home_ / "data").c_str(), 1);

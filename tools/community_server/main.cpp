@@ -5,16 +5,17 @@
 
 #include <httplib.h>
 
-#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <map>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -44,6 +45,22 @@ bool read(int argc, char** argv, Options& options)
     return argc % 2 == 1;
 }
 
+std::string percentDecoded(const std::string& text)
+{
+    std::string bytes;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        unsigned char byte = 0;
+        if (text[i] == '%' && i + 2 < text.size() &&
+            std::from_chars(&text[i + 1], &text[i + 3], byte, 16).ptr == &text[i + 3]) {
+            bytes += static_cast<char>(byte);
+            i += 2;
+        } else {
+            bytes += text[i];
+        }
+    }
+    return bytes;
+}
+
 /// A value of the request's query. The clients leave a plus as it is, and httplib would make a space of it.
 std::string valueOf(const Request& request, const std::string& name)
 {
@@ -51,9 +68,19 @@ std::string valueOf(const Request& request, const std::string& name)
     for (std::size_t start = target.find('?'); start != std::string::npos; start = target.find('&', start + 1))
         if (target.compare(start + 1, name.size() + 1, name + "=") == 0) {
             const std::size_t value = start + name.size() + 2;
-            return httplib::detail::decode_url(target.substr(value, target.find('&', value) - value), false);
+            return percentDecoded(target.substr(value, target.find('&', value) - value));
         }
     return {};
+}
+
+/// The bytes of the form's file. httplib has put files of forms in a place of their own since version 0.23.
+std::optional<std::string> uploadIn(const auto& request)
+{
+    constexpr char kField[] = "userfile";
+    if constexpr (requires { request.form; })
+        return request.form.has_file(kField) ? std::optional(request.form.get_file(kField).content) : std::nullopt;
+    else
+        return request.has_file(kField) ? std::optional(request.get_file_value(kField).content) : std::nullopt;
 }
 
 /// A text that can be stored and sent out again.
@@ -90,12 +117,12 @@ std::string takeUpload(Library& library, const Request& request)
         return "Please log in before you share a mapping.";
     if (!isText(plugin, 1, kLongestName) || !isText(comments, 0, kLongestComments))
         return "The name of the plug-in or the comments cannot be stored.";
-    if (!request.has_file("userfile"))
+    const auto file = uploadIn(request);
+    if (!file)
         return "There was no file in the upload.";
-    const std::string file = request.get_file_value("userfile").content;
-    if (file.size() > Library::kLargestFile)
+    if (file->size() > Library::kLargestFile)
         return kTooLarge;
-    if (!library.share(userName, plugin, comments, file))
+    if (!library.share(userName, plugin, comments, *file))
         return "The file is no mapping, so it was not shared. Save the mapping first.";
     return "Thank you, " + userName + "! Your mapping for " + plugin + " is now shared.";
 }
@@ -192,10 +219,13 @@ int main(int argc, char* argv[])
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         sigaddset(&ends, signal);
     pthread_sigmask(SIG_BLOCK, &ends, nullptr);
-    // The parent may have ended before it was asked to tell.
-    const std::string& parent = options["--with-parent"];
-    if (!parent.empty() && (prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || std::to_string(getppid()) != parent))
-        return 1;
+    if (const std::string& parent = options["--with-parent"]; !parent.empty())
+        std::thread([parent] {
+            // Asked for again and again, since not every system tells of a parent's end.
+            while (std::to_string(::getppid()) == parent)
+                ::usleep(100'000);
+            ::kill(::getpid(), SIGTERM);
+        }).detach();
     try {
         Library library(options["--data"]);
         if (!options["--seed"].empty())
