@@ -114,8 +114,8 @@ bool arePartNumbers(std::string_view text)
     return dash != text.npos && isNumber(text.substr(0, dash)) && isNumber(text.substr(dash + 1));
 }
 
-/// Removes the parts in a folder, told by their names, that no program makes any more. Whoever makes one holds its lock,
-/// which goes when a program ends in whatever way; a process number would be given to another one some day.
+/// Removes the parts in a folder, told by their names, that no program makes any more. Whoever makes one holds its
+/// lock, which goes when a program ends in whatever way; a process number would be given to another one some day.
 template <typename Predicate>
 void clearUnlocked(const Path& folder, Predicate isPart)
 {

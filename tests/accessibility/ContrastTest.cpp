@@ -12,6 +12,7 @@
 #include <QStyle>
 #include <QStyleFactory>
 #include <QToolTip>
+#include <QTreeView>
 
 #include <memory>
 #include <unordered_map>

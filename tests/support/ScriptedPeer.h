@@ -3,8 +3,8 @@
 // script a connection. Listens on a free port of 127.0.0.1.
 
 #include <chrono>
-#include <cstdint>
 #include <condition_variable>
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <list>

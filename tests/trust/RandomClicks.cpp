@@ -14,6 +14,8 @@
 #include "plugins/PluginScan.h"
 #include "tests/trust/RandomUser.h"
 
+#include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QElapsedTimer>
 
 #include <cstdlib>

@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QTest>
 #include <QTimer>
+#include <QTreeView>
 
 #include <numeric>
 
