@@ -89,7 +89,7 @@ bool lock(int descriptor)
 
 bool isNumber(std::string_view text)
 {
-    return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
 /// How the names of the parts for a destination begin, so that nobody takes one for the file itself. "PROCESS-COUNT"
@@ -111,7 +111,7 @@ std::string partPrefix(const Path& destination)
 bool arePartNumbers(std::string_view text)
 {
     const std::size_t dash = text.find('-');
-    return dash != text.npos && isNumber(text.substr(0, dash)) && isNumber(text.substr(dash + 1));
+    return dash != std::string_view::npos && isNumber(text.substr(0, dash)) && isNumber(text.substr(dash + 1));
 }
 
 /// Removes the parts in a folder, told by their names, that no program makes any more. Whoever makes one holds its
