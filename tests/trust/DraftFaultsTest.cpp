@@ -64,7 +64,6 @@ protected:
         folder_.put({});
         write(file(), orderBytes(numbered(40)));
         write(folder_.path().parent_path() / "EQ Two" / kFile, orderBytes(numbered(8)));
-        fs::remove_all(folder_.drafts());
         if (GetParam().isOneLeft) {
             EXPECT_TRUE(mapping::Drafts(folder_.drafts()).keep({file().native(), left_, 5, 1, 0, 1}));
         }

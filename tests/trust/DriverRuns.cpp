@@ -164,6 +164,7 @@ void Folder::prepare(const Scenario& scenario)
 
 void Folder::put(const Files& files) const
 {
+    fs::remove_all(drafts()); // of hundreds of runs, which each would read
     fs::remove_all(folder_);
     fs::create_directories(folder_);
     for (const auto& [name, content] : files)

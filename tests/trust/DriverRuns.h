@@ -94,6 +94,7 @@ public:
     Path drafts() const;
     /// Makes the folder what it was before the scenario's operation.
     void prepare(const Scenario& scenario);
+    /// The folder then holds these alone, and there are no drafts.
     void put(const Files& files) const;
     Files files() const;
     /// Does one of trust_driver's operations. Where the fault stops it, `meanwhile` is done before it goes on.
