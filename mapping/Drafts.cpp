@@ -3,6 +3,7 @@
 #include "mapping/ParameterOrder.h"
 #include "platform/files/Directory.h"
 #include "platform/files/Files.h"
+#include "platform/files/Retried.h"
 #include "platform/plist/PropertyList.h"
 
 #include <algorithm>
@@ -13,6 +14,7 @@
 #include <cstdio>
 #include <limits>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 #include <fcntl.h>
@@ -112,9 +114,10 @@ Path with(const Path& file, const char* ending)
 /// Opens a draft and locks it; -1 when that cannot be done, and then `isLocked` says whether somebody else has.
 int lockOf(const Path& file, bool& isLocked)
 {
-    const int lock = ::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+    const int lock =
+        files::retried([&] { return ::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC); });
     isLocked = false;
-    if (lock < 0 || ::flock(lock, LOCK_EX | LOCK_NB) == 0)
+    if (lock < 0 || files::retried([&] { return ::flock(lock, LOCK_EX | LOCK_NB); }) == 0)
         return lock;
     isLocked = errno == EWOULDBLOCK;
     ::close(lock);
@@ -191,7 +194,10 @@ std::vector<Path> Drafts::filesLeft(std::string_view prefix) const
 {
     std::vector<Path> found;
     std::error_code failure;
-    std::filesystem::directory_iterator entry(folder_, failure);
+    std::filesystem::directory_iterator entry;
+    do {
+        entry = std::filesystem::directory_iterator(folder_, failure);
+    } while (failure == std::errc::interrupted);
     for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
         const Path& file = entry->path();
         const std::string name = file.filename().native();

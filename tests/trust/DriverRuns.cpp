@@ -29,22 +29,10 @@ std::vector<std::string> linesOf(const Path& file)
     return lines;
 }
 
-std::vector<char*> pointers(std::vector<std::string>& texts)
+/// What is in the way of a run, and who watches it.
+std::vector<std::string> settingsOf(const Path& watched, const Path& trace, const Fault& fault)
 {
-    std::vector<char*> result;
-    for (std::string& text : texts)
-        result.push_back(text.data());
-    result.push_back(nullptr);
-    return result;
-}
-
-std::vector<std::string> environment(const Path& watched, const Path& trace, const Fault& fault)
-{
-    // The first of a name counts.
-    std::vector<std::string> settings = {"LD_PRELOAD=" KV_FILE_FAULTS};
-    // The preloaded library stands before the sanitizers' own, which only calls from the one to the other.
-    settings.push_back("ASAN_OPTIONS=verify_asan_link_order=0");
-    settings.push_back("KV_FAULT_FOLDER=" + watched.native());
+    std::vector<std::string> settings = {"KV_FAULT_FOLDER=" + watched.native()};
     if (fault.obstacle.empty()) // which would stand in the way of the trace, too
         settings.push_back("KV_FAULT_TRACE=" + trace.native());
     settings.push_back("KV_FAULT_AT=" + std::to_string(fault.at));
@@ -54,24 +42,7 @@ std::vector<std::string> environment(const Path& watched, const Path& trace, con
         settings.push_back("KV_FAULT_LASTS=1");
     if (!fault.obstacle.empty())
         settings.push_back("KV_OBSTACLE=" + fault.obstacle);
-    for (char** each = environ; *each; ++each)
-        settings.emplace_back(*each);
     return settings;
-}
-
-/// Starts a program with its output in a file.
-pid_t spawn(std::vector<std::string> arguments, std::vector<std::string> settings, const Path& output)
-{
-    posix_spawn_file_actions_t actions;
-    ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
-    pid_t process = 0;
-    const int error = ::posix_spawn(&process, arguments.front().c_str(), &actions, nullptr, pointers(arguments).data(),
-                                    pointers(settings).data());
-    ::posix_spawn_file_actions_destroy(&actions);
-    if (error != 0)
-        throw std::runtime_error("cannot run " + arguments.front());
-    return process;
 }
 
 /// The status of a process that has ended or stopped.
@@ -106,6 +77,66 @@ const std::vector<Scenario>& scenarios()
     return all;
 }
 
+Driver::~Driver()
+{
+    if (process_ == 0)
+        return;
+    ::close(requests_);
+    ::close(answers_);
+    ::waitpid(process_, nullptr, 0);
+}
+
+pid_t Driver::start(const std::vector<std::string>& settings, const std::vector<std::string>& arguments)
+{
+    if (process_ == 0)
+        load();
+    std::string request;
+    for (const auto* lines : {&settings, &arguments}) {
+        for (const std::string& line : *lines)
+            request += line + '\n';
+        request += '\n';
+    }
+    std::string answer;
+    char letter = 0;
+    if (::write(requests_, request.data(), request.size()) == static_cast<ssize_t>(request.size())) {
+        while (::read(answers_, &letter, 1) == 1 && letter != '\n')
+            answer += letter;
+    }
+    if (letter != '\n')
+        throw std::runtime_error("the driver has ended");
+    return std::stoi(answer);
+}
+
+void Driver::load()
+{
+    int requests[2];
+    int answers[2];
+    if (::pipe2(requests, O_CLOEXEC) != 0 || ::pipe2(answers, O_CLOEXEC) != 0)
+        throw std::runtime_error("there is no pipe");
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_adddup2(&actions, requests[0], STDIN_FILENO);
+    ::posix_spawn_file_actions_adddup2(&actions, answers[1], STDOUT_FILENO);
+    // The preloaded library stands before the sanitizers' own, which only calls from the one to the other. The first
+    // setting of a name counts.
+    std::string preload = "LD_PRELOAD=" KV_FILE_FAULTS;
+    std::string order = "ASAN_OPTIONS=verify_asan_link_order=0";
+    std::vector<char*> settings = {preload.data(), order.data()};
+    for (char** each = environ; *each; ++each)
+        settings.push_back(*each);
+    settings.push_back(nullptr);
+    std::string program = KV_TRUST_DRIVER;
+    char* arguments[] = {program.data(), nullptr};
+    const int error = ::posix_spawn(&process_, KV_TRUST_DRIVER, &actions, nullptr, arguments, settings.data());
+    ::posix_spawn_file_actions_destroy(&actions);
+    ::close(requests[0]);
+    ::close(answers[1]);
+    requests_ = requests[1];
+    answers_ = answers[0];
+    if (error != 0)
+        throw std::runtime_error("cannot run " KV_TRUST_DRIVER);
+}
+
 bool DriverRun::wrote(const std::string& line) const
 {
     return std::find(output.begin(), output.end(), line) != output.end();
@@ -133,6 +164,7 @@ void Folder::prepare(const Scenario& scenario)
 
 void Folder::put(const Files& files) const
 {
+    fs::remove_all(drafts()); // of hundreds of runs, which each would read
     fs::remove_all(folder_);
     fs::create_directories(folder_);
     for (const auto& [name, content] : files)
@@ -147,6 +179,11 @@ Files Folder::files() const
     return found;
 }
 
+Path Folder::drafts() const
+{
+    return root_ / "machine/state/trust_driver/drafts";
+}
+
 DriverRun Folder::run(const std::vector<std::string>& operation, const Fault& fault,
                       const std::function<void()>& meanwhile) const
 {
@@ -154,11 +191,14 @@ DriverRun Folder::run(const std::vector<std::string>& operation, const Fault& fa
     const std::string number = std::to_string(++runs);
     const Path trace = root_ / ("trace " + number);
     const Path output = root_ / ("output " + number);
-    std::vector<std::string> arguments = {KV_TRUST_DRIVER, (root_ / "machine").native(), kPlugin};
+    std::vector<std::string> arguments = {output.native(), (root_ / "machine").native(), kPlugin};
     arguments.insert(arguments.end(), operation.begin(), operation.end());
-    // A scan comes to the plug-in's folder from above.
-    const Path watched = operation.front() == "scan" ? root_.path() / "machine" : folder_;
-    const pid_t process = spawn(arguments, environment(watched, trace, fault), output);
+    Path watched = folder_;
+    if (operation.front() == "scan") // comes to the plug-in's folder from above
+        watched = root_ / "machine";
+    if (operation.front() == "draft")
+        watched = drafts();
+    const pid_t process = driver_.start(settingsOf(watched, trace, fault), arguments);
     DriverRun run;
     run.status = waitFor(process);
     run.wasStopped = WIFSTOPPED(run.status);

@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include <sys/types.h>
+
 namespace test {
 
 inline constexpr char kFile[] = "CSParameterOrder.plist";
@@ -64,13 +66,35 @@ struct DriverRun {
     bool wrote(const std::string& line) const;
 };
 
+/// A trust_driver that is loaded at the first run and then has a process of each.
+class Driver {
+public:
+    Driver() = default;
+    Driver(const Driver&) = delete;
+    Driver& operator=(const Driver&) = delete;
+    ~Driver();
+
+    /// The child that a run takes place in.
+    pid_t start(const std::vector<std::string>& settings, const std::vector<std::string>& arguments);
+
+private:
+    void load();
+
+    pid_t process_ = 0;
+    int requests_ = -1;
+    int answers_ = -1;
+};
+
 class Folder {
 public:
     Folder();
 
     const Path& path() const { return folder_; }
+    /// Where the program keeps unsaved edits.
+    Path drafts() const;
     /// Makes the folder what it was before the scenario's operation.
     void prepare(const Scenario& scenario);
+    /// The folder then holds these alone, and there are no drafts.
     void put(const Files& files) const;
     Files files() const;
     /// Does one of trust_driver's operations. Where the fault stops it, `meanwhile` is done before it goes on.
@@ -81,6 +105,7 @@ private:
     InMemory inMemory_;
     TemporaryFolder root_;
     Path folder_;
+    mutable Driver driver_;
 };
 
 /// Whether a name is that of a file in the making, which nobody reads.

@@ -106,7 +106,7 @@ private:
         lookAtPanel();
         lookAtLists();
         lookAtUnsaved();
-        if (++looks_ % 8 == 0) // reads files
+        if (++looks_ % 8 == 0 || unsavedAtQuit_) // reads files
             lookAtDrafts();
         lookAtFiles();
         lookAtHistory();
@@ -212,6 +212,12 @@ private:
 
     void lookAtDrafts()
     {
+        if (unsavedAtQuit_) {
+            bool isLeft = false;
+            for (const auto& left : mapping::Drafts(platform().folders.drafts()).leftOf(unsavedAtQuit_->plugin))
+                isLeft = isLeft || left.draft.order == unsavedAtQuit_->order;
+            expect(isLeft, "what was unsaved when the program ended is no draft");
+        }
         const std::string path = text("labPluginPlistLocation");
         expect(controller().keepDraft(), "no draft could be kept");
         std::ptrdiff_t left = 0;

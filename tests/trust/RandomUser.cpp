@@ -3,6 +3,7 @@
 #include "app/interface/panel/FrontPanel.h"
 #include "app/interface/panel/PageOverview.h"
 #include "mapping/EditingState.h"
+#include "mapping/ParameterOrder.h"
 #include "platform/qt/Text.h"
 #include "tests/support/Alerts.h"
 #include "tests/support/TestBaseUrl.h"
@@ -151,10 +152,19 @@ std::string replyTo(const std::string& request, std::size_t number)
 } // namespace
 
 const RandomUser::Deed RandomUser::kDeeds[] = {
-    {24, &RandomUser::pressPotButton}, {24, &RandomUser::pressButton}, {3, &RandomUser::choosePlugin},
-    {14, &RandomUser::chooseRow},      {4, &RandomUser::restOnRow},    {6, &RandomUser::typeSearch},
-    {20, &RandomUser::pressKey},       {1, &RandomUser::sortPlugins},  {8, &RandomUser::drop},
-    {4, &RandomUser::choosePage},      {5, &RandomUser::useCommunity}, {3, &RandomUser::typeForCommunity},
+    {24, &RandomUser::pressPotButton},
+    {24, &RandomUser::pressButton},
+    {3, &RandomUser::choosePlugin},
+    {14, &RandomUser::chooseRow},
+    {4, &RandomUser::restOnRow},
+    {6, &RandomUser::typeSearch},
+    {20, &RandomUser::pressKey},
+    {1, &RandomUser::sortPlugins},
+    {8, &RandomUser::drop},
+    {4, &RandomUser::choosePage},
+    {5, &RandomUser::useCommunity},
+    {3, &RandomUser::typeForCommunity},
+    {1, &RandomUser::quit},
 };
 
 RandomUser::Chance::Chance(unsigned seed, int step)
@@ -174,6 +184,11 @@ void RandomUser::startOver()
     writeDictionary(thirdParty("Ünï", "Écho 界 🌊"), orderFile(ofManyScripts()));
     workspace_.opened.clear();
     openCommunity();
+    start();
+}
+
+void RandomUser::start()
+{
     launch();
     restTimer().setInterval(kForever); // how far the keys get would otherwise be up to the machine
     find<QWidget>("cwinMainWindow")->activateWindow();
@@ -182,6 +197,7 @@ void RandomUser::startOver()
 std::string RandomUser::doSomething(unsigned seed, int step)
 {
     Chance chance(seed, step);
+    unsavedAtQuit_.reset();
     const int all = std::accumulate(std::begin(kDeeds), std::end(kDeeds), 0,
                                     [](int sum, const Deed& deed) { return sum + deed.weight; });
     int drawn = chance.below(all);
@@ -309,6 +325,15 @@ std::string RandomUser::useCommunity(Chance& chance)
     const char* name = chance.oneOf(kCommunity);
     std::string done = loaded().find<QAbstractButton>(name) ? clickButton(name) : clickRowAt(name, chance.below(3));
     return done;
+}
+
+std::string RandomUser::quit(Chance&)
+{
+    if (controller().isMappingLoaded() && controller().hasUnsavedChanges())
+        unsavedAtQuit_ = {text("labPluginPlistLocation"), mapping::orderOf(mapping::plistBuild)};
+    controller().keepDraft();
+    start();
+    return "quit and start again";
 }
 
 std::string RandomUser::typeForCommunity(Chance& chance)

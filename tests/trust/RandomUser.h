@@ -5,6 +5,7 @@
 #include "tests/support/ScriptedPeer.h"
 #include "tests/support/WindowTest.h"
 
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -21,6 +22,13 @@ protected:
     void startOver();
     /// Does what comes at a step and tells what it was.
     std::string doSomething(unsigned seed, int step);
+
+    struct Edits {
+        std::string plugin; ///< path of its file
+        Texts order;
+    };
+    /// What was unsaved when the program was ended just now.
+    std::optional<Edits> unsavedAtQuit_;
 
 private:
     /// Draws numbers; the same on every machine.
@@ -56,12 +64,14 @@ private:
     std::string choosePage(Chance& chance);
     std::string useCommunity(Chance& chance);
     std::string typeForCommunity(Chance& chance);
+    std::string quit(Chance& chance);
 
     QTimer& restTimer() const;
     static void type(QWidget* field, const std::string& text);
     std::string clickButton(const char* name);
     std::string clickRowAt(const char* list, int row);
     void openCommunity();
+    void start();
 
     const AlertAnswers answers_;
     std::unique_ptr<ScriptedPeer> community_;

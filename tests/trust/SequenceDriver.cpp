@@ -1,21 +1,43 @@
 // Carries out operations that second_opinion.py names, a line each, with the program's own controller, and answers each
 // with a line of JSON that tells everything a user could see of it.
 
+#include "app/interface/Interface.h"
 #include "chart/ChartState.h"
 #include "mapping/EditingState.h"
+#include "plugins/PluginScan.h"
 #include "tests/support/WindowlessTest.h"
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QCheckBox>
 #include <QCryptographicHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLineEdit>
 
+#include <ctime>
 #include <functional>
 #include <iostream>
 #include <map>
 #include <memory>
+#include <stdexcept>
+#include <string>
 #include <utility>
+#include <vector>
+
+namespace {
+
+std::time_t now = 0;
+
+} // namespace
+
+/// A second goes by with every operation, so that it is known which draft is the newer one.
+extern "C" std::time_t time(std::time_t* result) noexcept
+{
+    if (result)
+        *result = now;
+    return now;
+}
 
 namespace {
 
@@ -44,20 +66,37 @@ std::string textOf(const std::vector<platform::Record>& records)
     return text;
 }
 
-/// One run of the program, on a folder of its own.
+/// One run of the program; where something is searched, with the windows that this is done in, which nobody sees.
 class Sequence {
 public:
-    Sequence() { program_.controller.btnRunCheck(); }
+    explicit Sequence(bool hasWindows)
+    {
+        if (hasWindows)
+            windows_ = std::make_unique<interface::Interface>(program_.controller);
+        program_.controller.btnRunCheck();
+    }
+
+    bool hasWindows() const { return windows_ != nullptr; }
 
     /// False when there is no such operation.
     bool carryOut(const std::string& operation, const std::string& argument)
     {
+        if (operation == "search") {
+            find<QLineEdit>("parameterSearch")->setText(QString::fromStdString(argument));
+            return true;
+        }
+        if (operation == "only unmapped") {
+            find<QCheckBox>("unmappedOnly")->setChecked(argument == "1");
+            return true;
+        }
         const auto found = operations().find(operation);
         if (found == operations().end())
             return false;
         found->second(program_, argument);
         return true;
     }
+    /// What the program does last of all, unless it is killed.
+    void quit() { program_.controller.keepDraft(); }
 
     QJsonObject state()
     {
@@ -85,6 +124,11 @@ public:
         set("total", mapping::totalPages);
         set("mapping", checksum(textOf(mapping::plistBuild)));
         set("list", checksum(textOf(list->content())));
+        std::vector<platform::Record> shown;
+        for (std::int32_t row = 0; row < list->arrangedCount(); ++row)
+            shown.push_back(*list->arrangedObject(row));
+        set("shown", checksum(textOf(shown)));
+        set("search", json(list->filterText.get()));
         set("rows", list->arrangedCount());
         set("selected", list->selectionIndex());
         set("chart", checksum(chart::bHTML));
@@ -92,6 +136,10 @@ public:
         set("canRedo", seen.history().canRedo());
         set("changedPots", static_cast<qint64>(seen.changedPots()));
         set("unsaved", seen.hasUnsavedChanges());
+        set("draft", draftLeft());
+        set("drafted", rowsWithDrafts());
+        set("now", static_cast<qint64>(now));
+        set("drafts", json(program_.system.platform.folders.drafts().native()));
         set("alerts", takeAlerts());
         set("opened", takeOpened());
         return state;
@@ -123,6 +171,9 @@ private:
             {"recall previous", plain(&ViewController::kvRecallPreviousMapping)},
             {"chart", plain(&ViewController::kvCreateChart)},
             {"downloaded", plain(&ViewController::downloadDidFinish)},
+            {"bring back", plain(&ViewController::bringBackDraft)},
+            {"discard", plain(&ViewController::discardDraft)},
+            {"keep", [](test::Windowless& program, const std::string&) { program.controller.keepDraft(); }},
             {"undo", plain(&ViewController::undo)},
             {"redo", plain(&ViewController::redo)},
             {"plugin", [](test::Windowless& program, const std::string& name) { program.select(name); }},
@@ -148,6 +199,43 @@ private:
         return all;
     }
 
+    template <typename T>
+    T* find(const char* name) const
+    {
+        T* found = windows_ ? windows_->find<T>(name) : nullptr;
+        if (!found)
+            throw std::runtime_error(std::string("there is no ") + name);
+        return found;
+    }
+
+    /// What the bar above the lists offers; null where there is none.
+    QJsonValue draftLeft() const
+    {
+        const auto& left = program_.controller.leftDraft();
+        if (hasWindows() && find<QWidget>("draftBar")->isHidden() == left.has_value())
+            return json("a bar that tells something else");
+        if (!left)
+            return {};
+        std::string order;
+        for (const std::string& element : left->draft.order)
+            order += element + '\n';
+        return QJsonArray{static_cast<qint64>(*program_.controller.potsInLeftDraft()),
+                          checksum(order),
+                          left->draft.totalPages,
+                          left->draft.curPage,
+                          left->draft.mode,
+                          static_cast<qint64>(left->draft.madeAt)};
+    }
+    QJsonArray rowsWithDrafts() const
+    {
+        QJsonArray names;
+        for (const platform::Record& row : program_.controller.myArrayController()->content()) {
+            if (program_.controller.isDraftLeftOf(row.text(plugins::kFileLocation)))
+                names.append(json(std::string(row.text(plugins::kPlugin))));
+        }
+        return names;
+    }
+
     QJsonArray takeAlerts()
     {
         QJsonArray texts;
@@ -164,21 +252,30 @@ private:
     }
 
     test::Windowless program_;
+    std::unique_ptr<interface::Interface> windows_;
 };
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const QCoreApplication application(argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
     std::unique_ptr<Sequence> sequence;
     for (std::string line; std::getline(std::cin, line);) {
         const std::string operation = line.substr(0, line.find('\t'));
         const std::string argument = operation.size() < line.size() ? line.substr(operation.size() + 1) : std::string();
-        if (operation == "begin") {
+        ++now;
+        if (operation == "begin" || operation == "begin in windows") {
             sequence.reset();
             test::liveBelow(argument);
-            sequence = std::make_unique<Sequence>();
+            sequence = std::make_unique<Sequence>(operation != "begin");
+        } else if (sequence && (operation == "quit" || operation == "crash")) {
+            if (operation == "quit")
+                sequence->quit();
+            const bool hasWindows = sequence->hasWindows();
+            sequence.reset();
+            sequence = std::make_unique<Sequence>(hasWindows);
         } else if (!sequence || !sequence->carryOut(operation, argument)) {
             std::cerr << "no such operation: " << line << '\n';
             return 2;

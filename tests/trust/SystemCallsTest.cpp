@@ -39,7 +39,8 @@ TEST_F(SystemCalls, AScanOpensEveryFolderOnceAndLooksAtNoFile)
         std::filesystem::copy(folder_.path(), folder_.path() / std::to_string(folder));
     const DriverRun run = folder_.run({"scan"}, countAll_);
     ASSERT_TRUE(run.goesOn());
-    EXPECT_EQ(count(run, "open "), kFolders + 2) << "Logic's folder above them, and that of the presets";
+    EXPECT_EQ(count(run, "open "), kFolders + 3)
+        << "Logic's folder above them, and those of the presets and of the drafts";
     EXPECT_LE(count(run), 4 * kFolders);
 }
 

@@ -1,10 +1,17 @@
 // Does one thing to a plug-in's files with the program's own controller, watched by FileFaults when that is preloaded:
 //
-//   trust_driver ROOT PLUGIN scan | mark | save ROW | spoilt-save ROW | recall-original | recall-prev | chart |
-//                            download | download-twice | everything-everywhere
+//   ROOT PLUGIN scan | mark | save ROW | spoilt-save ROW | recall-original | recall-prev | chart |
+//               download | download-twice | everything-everywhere | draft WHAT
 //
 // A spoilt save comes upon a file that was a mapping when its plug-in was selected; "everything-everywhere" selects
-// every plug-in in turn, saves, recalls and draws a chart.
+// every plug-in in turn, saves, recalls and draws a chart. "draft" edits the mapping twice, keeps the first edit as a
+// draft and then does one thing: "keep" once more, "leave" for another plug-in, "bring-back" or "discard" the draft
+// left before, "save"; "keep-first" keeps both edits at once.
+//
+// Started once, it runs any number of times, each in a process of its own that becomes a child of whoever started it:
+// to start the program is most of what a run costs. Of a run it reads settings of the environment ("NAME=VALUE"), a
+// line each, an empty line, the file for the output and the arguments above, a line each, and an empty line; it answers
+// with the number of the process.
 //
 // KV_OBSTACLE puts something real in its way: "vanished", "read-only" or "forbidden" is what becomes of the plug-in's
 // folder, "limit:N" lets no file grow beyond N bytes. Afterwards the driver goes on as a user would and writes down
@@ -17,15 +24,24 @@
 #include "tests/support/TestBaseUrl.h"
 #include "tests/support/WindowlessTest.h"
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QGuiApplication>
 
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <sched.h>
+#include <signal.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace {
 
@@ -43,6 +59,8 @@ long watchFiles(int on)
     const auto function = reinterpret_cast<long (*)(int)>(::dlsym(RTLD_DEFAULT, "kvWatchFiles"));
     return function ? function(on) : 0;
 }
+
+constexpr char kOtherPlugin[] = "EQ Two";
 
 /// What KV_OBSTACLE names, as long as the object lives.
 class Obstacle {
@@ -102,8 +120,7 @@ public:
     bool save(std::int32_t row)
     {
         return edit([&] {
-            program_.controller.arrayControllerPlistSelected()->setSelectionIndex(row);
-            program_.controller.clickControl(0);
+            press(0, row);
             begin();
             program_.controller.kvExportToPlist();
         });
@@ -114,8 +131,7 @@ public:
         const std::string spoilt = test::read(file);
         test::write(file, test::orderBytes(test::numbered(40)));
         return edit([&] {
-            program_.controller.arrayControllerPlistSelected()->setSelectionIndex(row);
-            program_.controller.clickControl(0);
+            press(0, row);
             test::write(file, spoilt);
             begin();
             program_.controller.kvExportToPlist();
@@ -127,8 +143,7 @@ public:
         for (std::int32_t row = 0; row < list->arrangedCount(); ++row) {
             list->setSelectionIndex(row);
             program_.controller.tablePluginSelected();
-            program_.controller.arrayControllerPlistSelected()->setSelectionIndex(2);
-            program_.controller.clickControl(0);
+            press(0, 2);
             program_.controller.kvExportToPlist();
             program_.controller.kvRecallPreviousMapping();
             program_.controller.kvCreateChart();
@@ -160,6 +175,31 @@ public:
             for (int i = 0; i < times; ++i)
                 program_.controller.kvCommunityLoadSelectedDownload();
             waitForDownloads(times);
+        });
+    }
+
+    bool draft(const std::string& what)
+    {
+        return edit([&] {
+            ViewController& controller = program_.controller;
+            press(0, 2);
+            if (what != "keep-first")
+                controller.keepDraft();
+            press(1, 3);
+            begin();
+            if (what == "leave")
+                program_.select(kOtherPlugin);
+            else if (what == "bring-back")
+                controller.bringBackDraft();
+            else if (what == "discard")
+                controller.discardDraft();
+            else if (what == "save")
+                controller.kvExportToPlist();
+            else
+                controller.keepDraft();
+            watchFiles(0);
+            obstacle_.reset();
+            std::cout << "goes on" << std::endl;
         });
     }
 
@@ -202,6 +242,12 @@ private:
         }
         return {};
     }
+    /// Puts a row's parameter on a pot of the first page.
+    void press(std::int32_t pot, std::int32_t row)
+    {
+        program_.controller.arrayControllerPlistSelected()->setSelectionIndex(row);
+        program_.controller.clickControl(pot);
+    }
     template <typename Action>
     bool edit(Action action)
     {
@@ -232,16 +278,16 @@ private:
     std::optional<Obstacle> obstacle_;
 };
 
-bool run(Driver& driver, const std::string& operation, const char* row)
+bool run(Driver& driver, const std::string& operation, const char* argument)
 {
     if (operation == "scan")
         return driver.scan();
     if (operation == "mark")
         return driver.mark();
     if (operation == "save")
-        return driver.save(row ? std::atoi(row) : 1);
+        return driver.save(argument ? std::atoi(argument) : 1);
     if (operation == "spoilt-save")
-        return driver.spoiltSave(row ? std::atoi(row) : 1);
+        return driver.spoiltSave(argument ? std::atoi(argument) : 1);
     if (operation == "everything-everywhere")
         return driver.everythingEverywhere();
     if (operation == "recall-original")
@@ -250,23 +296,71 @@ bool run(Driver& driver, const std::string& operation, const char* row)
         return driver.recall("prev");
     if (operation == "chart")
         return driver.chart();
+    if (operation == "draft")
+        return driver.draft(argument ? argument : "");
     return driver.download(operation == "download-twice" ? 2 : 1);
 }
 
 } // namespace
 
-int main(int argc, char** argv)
+namespace {
+
+using Lines = std::vector<std::string>;
+
+/// The lines up to an empty one; none at the end.
+std::optional<Lines> readLines()
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QGuiApplication application(argc, argv); // a request shows the busy pointer
+    Lines lines;
+    for (std::string line; std::getline(std::cin, line);) {
+        if (line.empty())
+            return lines;
+        lines.push_back(line);
+    }
+    return std::nullopt;
+}
+
+int carryOut(const Lines& settings, const Lines& arguments)
+{
+    for (const std::string& setting : settings) {
+        const auto end = setting.find('=');
+        ::setenv(setting.substr(0, end).c_str(), setting.substr(end + 1).c_str(), 1);
+    }
+    ::dup2(::open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+    ::dup2(::open(arguments.at(0).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666), STDOUT_FILENO);
+    const std::string& operation = arguments.at(3);
+    std::string name = "trust_driver";
+    char* names[] = {name.data(), nullptr};
+    int count = 1;
+    std::unique_ptr<QCoreApplication> application;
+    if (operation.starts_with("download")) // a request shows the busy pointer; the others do without
+        application = std::make_unique<QGuiApplication>(count, names);
+    else
+        application = std::make_unique<QCoreApplication>(count, names);
     platform::files::failBeyondSizeLimits();
     platform::catchTerminationSignals();
-    if (argc < 4)
-        return 2;
-    test::liveBelow(argv[1]);
-    Driver driver(argv[2]);
-    if (!run(driver, argv[3], argc > 4 ? argv[4] : nullptr))
+    test::liveBelow(arguments.at(1));
+    Driver driver(arguments.at(2));
+    if (!run(driver, operation, arguments.size() > 4 ? arguments[4].c_str() : nullptr))
         return 3; // no such plug-in
-    driver.goOn();
+    if (operation != "draft")
+        driver.goOn();
     return 0;
+}
+
+} // namespace
+
+int main()
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    for (;;) {
+        const auto settings = readLines();
+        const auto arguments = settings ? readLines() : std::nullopt;
+        if (!arguments)
+            return 0;
+        // As fork() does it, but for the parent.
+        const long process = ::syscall(SYS_clone, CLONE_PARENT | SIGCHLD, nullptr, nullptr, nullptr, nullptr);
+        if (process == 0)
+            return carryOut(*settings, *arguments);
+        std::cout << process << std::endl;
+    }
 }

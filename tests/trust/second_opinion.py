@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """A second, independent implementation of what the program does to a mapping, and random sequences of operations on
-which the two must agree: labels, read-outs, selection, list, mapping, chart, alerts, files on disk.
+which the two must agree: labels, read-outs, selection, list, mapping, chart, alerts, files and drafts on disk.
 
     second_opinion.py DRIVER [--sequences N] [--seed N]
 
@@ -18,6 +18,7 @@ import subprocess
 import sys
 import tempfile
 import time
+import unicodedata
 
 FILE = "CSParameterOrder.plist"
 ORDER = "ControlSurfaceParameterOrder"
@@ -45,6 +46,24 @@ def text_of(entries):
 
 def checksum(text):
     return hashlib.md5(text.encode()).hexdigest()
+
+
+def mapping_of(order):
+    """The slots of an order, as many as fill its pages."""
+    entries = [[*split(element), position // 8 + 1, position] for position, element in enumerate(order)]
+    pages = max(1, -(-len(entries) // 8))
+    while len(entries) < pages * 8:
+        entries.append(empty(pages, len(entries)))
+    return entries
+
+
+def differing(one, other):
+    return sum(a != b for a, b in zip(one, other)) + abs(len(one) - len(other))
+
+
+def folded(text):
+    """What a search compares: neither case nor accents count."""
+    return "".join(c for c in unicodedata.normalize("NFKD", text).casefold() if unicodedata.category(c)[0] != "M")
 
 
 def exactly(value):
@@ -111,6 +130,51 @@ class Folder:
         self.stamps = stamps
 
 
+class Drafts:
+    """What the model expects among the drafts on disk: the one being edited, and those that were left."""
+
+    def __init__(self):
+        self.path = ""
+        self.left, self.current = [], None
+        self.runs = self.begun = 0
+        self.stamps = {}
+
+    def write(self, content):
+        if self.current is None:
+            self.begun += 1
+            self.current = {"age": (self.runs, str(self.begun))}
+        self.current.update(content)
+
+    def leave(self):
+        if self.current is not None:
+            self.left.append(self.current)
+        self.current = None
+
+    def end(self):
+        self.leave()
+        self.runs, self.begun = self.runs + 1, 0
+
+    def left_of(self, plugin):
+        """The newest first."""
+        of_plugin = [draft for draft in self.left if draft["Plugin"] == plugin.encode()]
+        return sorted(of_plugin, key=lambda draft: (draft["MadeAt"], draft["age"]), reverse=True)
+
+    def compare(self):
+        entries = list(os.scandir(self.path)) if os.path.isdir(self.path) else []
+        stamps = {entry.path: (entry.stat().st_mtime_ns, entry.stat().st_ino) for entry in entries}
+        expected = [{key: value for key, value in draft.items() if key != "age"}
+                    for draft in self.left + ([self.current] if self.current else [])]
+        if (stamps, expected) == self.stamps:
+            return
+        self.stamps = stamps, expected
+        found = []
+        for path in stamps:
+            with open(path, "rb") as file:
+                found.append(plistlib.loads(file.read()))
+        if sorted(map(repr, map(sorted, map(dict.items, found)))) != sorted(map(repr, map(sorted, map(dict.items, expected)))):
+            raise Disagreement(f"drafts {found} instead of {expected}")
+
+
 class Model:
     """The program as the rules have it."""
 
@@ -118,36 +182,62 @@ class Model:
         self.root = root
         self.plugins = plugins  # name -> (type, folder)
         self.folders = {name: Folder(folder) for name, (_, folder) in plugins.items()}
+        self.drafts = Drafts()
+        self.begin(0, "", False)
+
+    def begin(self, now, drafts, has_windows):
+        self.now, self.drafts.path, self.has_windows = now, drafts, has_windows
+        self.start()
+
+    def start(self):
+        """A run of the program begins."""
         self.row = None
-        self.listed = True
+        self.list_plugins()
         self.path = ""
         self.edited = None  # name of the plug-in whose file is at the path
         self.mapping = []
         self.list = []
         self.offered = []  # the list, or while a scan, which is no edit, has emptied it, the one before
+        self.search, self.only_unmapped = "", False
+        self.on_pots = set()
+        self.shown = []  # positions in the list, a row each
         self.selected = -1
         self.total, self.current, self.mode, self.cell = 1, 1, 0, 0
-        self.pots = [""] * 8
+        self.pots = ["-" if self.has_windows else ""] * 8
         self.tips = [""] * 8
         self.page = self.pages = self.subtitle = ""
         self.title, self.help = "Please Select a plugin", "Please Select a Plugin"
         self.chart = ""
         self.undos, self.redos = [], []
         self.saved, self.saved_mode = [], 0
+        self.revision = self.dated = self.edited_at = 0
+        self.kept = self.draft_left = self.draft_step = None
+        self.look_at_drafts()
         self.alerts, self.opened = [], []
 
     # What is seen
 
+    def order(self):
+        return [joined(e) for e in self.mapping]
+
+    def changed(self):
+        return differing(self.order(), self.saved)
+
+    def is_unsaved(self):
+        return self.changed() > 0 or self.mode != self.saved_mode
+
     def state(self):
-        order = [joined(e) for e in self.mapping]
-        changed = sum(a != b for a, b in zip(order, self.saved)) + abs(len(order) - len(self.saved))
+        left = self.draft_left
         return {
             "pots": self.pots, "tips": self.tips, "page": self.page, "pages": self.pages, "title": self.title,
             "subtitle": self.subtitle, "help": self.help, "path": self.path, "cell": self.cell, "mode": self.mode,
             "current": self.current, "total": self.total, "mapping": checksum(text_of(self.mapping)),
-            "list": checksum(text_of(self.list)), "rows": len(self.list), "selected": self.selected,
+            "list": checksum(text_of(self.list)), "rows": len(self.shown), "selected": self.selected,
+            "shown": checksum(text_of([self.list[at] for at in self.shown])), "search": self.search,
             "chart": checksum(self.chart), "canUndo": bool(self.undos), "canRedo": bool(self.redos),
-            "changedPots": changed, "unsaved": changed > 0 or self.mode != self.saved_mode,
+            "changedPots": self.changed(), "unsaved": self.is_unsaved(), "drafted": sorted(self.drafted & self.listed),
+            "draft": left and [self.pots_in(left), checksum("".join(each + "\n" for each in left["Order"])),
+                               left["TotalPages"], left["Page"], left["Mode"], left["MadeAt"]],
             "alerts": self.alerts, "opened": self.opened,
         }
 
@@ -155,6 +245,7 @@ class Model:
         self.alerts.append([text, informative])
 
     def refresh(self, page):
+        self.is_refreshed = True
         name = self.row or ""
         location = os.path.join(self.plugins[name][1], FILE) if self.row else ""
         self.current = page
@@ -175,9 +266,116 @@ class Model:
             parts.append("</tr>")
         self.chart = "".join(parts) + "</table></body></html>"
 
+    # The list
+
+    def offer(self, content):
+        self.list, self.selected = content, -1
+        self.arrange()
+
+    def arrange(self):
+        chosen = self.shown[self.selected] if self.selected >= 0 else None
+        needle = folded(self.search)
+        self.shown = [at for at, entry in enumerate(self.list)
+                      if at == 0 or not needle or needle in folded(entry[0]) or needle in folded(entry[1])]
+        if self.only_unmapped:
+            self.shown = [at for at in self.shown if at == chosen or joined(self.list[at]) not in self.on_pots]
+        self.selected = self.shown.index(chosen) if chosen in self.shown else -1
+
+    def choose_row(self, row):
+        self.selected = int(row) if 0 <= int(row) < len(self.shown) else -1
+
     def select_next(self):
-        if 0 <= self.selected < len(self.list) - 1:
+        if 0 <= self.selected < len(self.shown) - 1:
             self.selected += 1
+
+    def look_for(self, text):
+        if text == self.search:
+            return
+        self.search = text
+        self.arrange()
+        if text and self.selected < 1:
+            self.choose_row(1)
+
+    def show_only_unmapped(self, only):
+        self.only_unmapped = only == "1"
+        self.arrange()
+
+    # Drafts
+
+    def keep(self, _=None):
+        if not self.is_loaded():
+            return
+        if not self.is_unsaved():
+            self.drafts.current = self.kept = None
+            return
+        if self.dated != self.revision:
+            self.dated, self.edited_at = self.revision, self.now
+        if self.kept == (self.revision, self.current):
+            return
+        self.kept = (self.revision, self.current)
+        self.drafts.write({"Plugin": self.path.encode(), "Order": self.order(), "TotalPages": self.total,
+                           "Page": self.current, "Mode": self.mode, "MadeAt": self.edited_at})
+
+    def leave_edits(self):
+        self.keep()
+        self.drafts.leave()
+        self.kept, self.draft_step = None, "leaves"
+
+    def pots_in(self, draft):
+        return differing(self.saved, [joined(e) for e in mapping_of(draft["Order"])])
+
+    def look_at_drafts(self):
+        plugins = {draft["Plugin"].decode() for draft in self.drafts.left}
+        self.drafted = {name for name in self.plugins if os.path.join(self.plugins[name][1], FILE) in plugins}
+
+    def look_for_draft(self):
+        self.draft_left = None
+        for draft in self.drafts.left_of(self.path):
+            if draft["Mode"] != self.saved_mode or self.pots_in(draft) > 0:
+                self.draft_left = draft
+                break
+            self.drafts.left.remove(draft)
+        self.look_at_drafts()
+
+    def settle(self):
+        """What is edited now is the draft being edited, and was not left."""
+        same = [draft for draft in self.drafts.left_of(self.path)
+                if (draft["Mode"], draft["TotalPages"], draft["Order"]) == (self.mode, self.total, self.order())]
+        if same:
+            self.dated, self.edited_at = self.revision, same[0]["MadeAt"]
+        self.keep()
+        for draft in same:
+            self.drafts.left.remove(draft)
+        self.look_for_draft()
+
+    def bring_back(self, _):
+        draft = self.draft_left
+        if draft is None:
+            return
+
+        def replace():
+            self.leave_edits()
+            self.draft_step = "brings"
+            self.mapping = mapping_of(draft["Order"])
+            self.total = draft["TotalPages"]
+            self.mode = self.cell = draft["Mode"]
+            self.refresh(draft["Page"])
+            self.show_mode(self.edited)
+        self.edit(replace)
+        self.settle()
+
+    def discard(self, _):
+        if self.draft_left is not None:
+            self.drafts.left.remove(self.draft_left)
+            self.look_for_draft()
+
+    def quit(self, _):
+        self.keep()
+        self.crash(_)
+
+    def crash(self, _):
+        self.drafts.end()
+        self.start()
 
     # The history
 
@@ -187,38 +385,49 @@ class Model:
 
     def edit(self, action):
         before, path = self.snapshot(), self.path
+        self.is_refreshed = True
         action()
         after = self.snapshot()
+        draft_step, self.draft_step = self.draft_step, None
         if self.path != path:
             self.undos, self.redos = [], []
+            self.revision += 1
         elif (before[:3], before[4]) != (after[:3], after[4]):
-            self.undos.append((before, after))
+            self.undos.append((before, after, draft_step))
             self.redos = []
+            self.revision += 1
 
-    def go_to(self, there, back):
+    def go_to(self, there, back, leaves):
+        if leaves:
+            self.leave_edits()
+            self.draft_step = None
+        self.revision += 1
         self.mapping = [list(e) for e in there[0]]
         if there[1] != back[1]:
             self.offered = [list(e) for e in there[1]]
             if self.is_edited():
-                self.list = self.offered
-                self.selected = 0
+                self.offer(self.offered)
+                self.choose_row(0)
         self.total, self.mode = there[2], there[4]
         self.refresh(there[3])
         if there[4] != back[4]:
             self.cell = self.mode
-            if self.is_edited():
-                self.show_mode()
+            self.show_mode(self.edited)
 
     def undo(self, _):
         if self.undos:
             step = self.undos.pop()
-            self.go_to(step[0], step[1])
+            self.go_to(step[0], step[1], step[2] == "brings")
+            if step[2]:
+                self.settle()
             self.redos.append(step)
 
     def redo(self, _):
         if self.redos:
             step = self.redos.pop()
-            self.go_to(step[1], step[0])
+            self.go_to(step[1], step[0], step[2] is not None)
+            if step[2]:
+                self.settle()
             self.undos.append(step)
 
     # Plug-ins
@@ -229,20 +438,28 @@ class Model:
     def is_edited(self):
         return self.is_loaded() and self.row is not None
 
+    def list_plugins(self):
+        self.listed = {name for name in self.plugins if FILE in self.folders[name].files}
+
     def scan(self, _):
+        self.keep()
+        self.is_refreshed = True
         self.row = None
         self.offered = self.list or self.offered
-        self.listed = {name for name in self.plugins if FILE in self.folders[name].files}
-        self.list, self.selected = [], -1
+        self.list_plugins()
+        self.look_at_drafts()
+        self.offer([])
+        self.search = ""
         self.title, self.help = "Please Select a plugin", "Please Select a Plugin"
 
     def plugin(self, name):
-        if self.listed is not True and name not in self.listed:
+        if name not in self.listed:
             return
         self.row = name
         self.edit(self.choose)
 
     def choose(self):
+        self.leave_edits()
         kind, folder = self.plugins[self.row]
         self.current = 1
         self.title = f"{self.row} ({kind})"
@@ -250,9 +467,10 @@ class Model:
         self.edited = self.row
         self.mark()
         self.load(FILE, True)
-        self.saved, self.saved_mode = [joined(e) for e in self.mapping], self.mode
+        self.saved, self.saved_mode = self.order(), self.mode
         self.refresh(1)
         self.selected = 0
+        self.look_for_draft()
 
     def mark(self):
         folder = self.folders[self.edited]
@@ -281,53 +499,55 @@ class Model:
             recorded = content.get(MODE) or [None]
             truth = isinstance(recorded[0], bool)
             mode = {"1": 1, "0": 0}.get(str(int(recorded[0]) if truth else recorded[0]), -1)
-        self.list = [empty(0, 0)]
+        self.search = ""
+        offered = [empty(0, 0)]
         for element in content.get(CATALOGUE, []):
             number, parameter = split(element)
             if mode == -1 and "olume" in element:
                 mode = 1
             if (number, parameter) != ("0", "-"):
-                self.list.append([number, parameter, 0, 0])
+                offered.append([number, parameter, 0, 0])
+        self.offer(offered)
         self.selected = 0
         self.mode = 0 if mode == -1 else mode
-        self.mapping = []
-        for element in content.get(ORDER, []):
-            position = len(self.mapping)
-            self.mapping.append([*split(element), position // 8 + 1, position])
-        pages = max(1, -(-len(self.mapping) // 8))
-        while len(self.mapping) < pages * 8:
-            self.mapping.append(empty(pages, len(self.mapping)))
-        self.total = pages
+        self.mapping = mapping_of(content.get(ORDER, []))
+        self.total = len(self.mapping) // 8
         if takes_mode:
             self.set_mode(self.mode, False)
 
-    def show_mode(self):
+    def show_mode(self, name):
         if self.mode:
             self.subtitle = "Logic Pro Instrument Mapper"
-            self.help = f"Editing {self.row or ''} using Instrument Mode"
+            self.help = f"Editing {name} using Instrument Mode"
         else:
             self.subtitle = "Logic Pro Insert/Effect Mapper"
-            self.help = f"Editing {self.row or ''} in Insert/Effect Mode"
+            self.help = f"Editing {name} in Insert/Effect Mode"
 
     def set_mode(self, mode, reads):
         self.mode = self.cell = mode
         if reads:
             self.load(FILE, False)
-            self.saved = [joined(e) for e in self.mapping]
+            self.saved = self.order()
         self.refresh(1)
         self.selected = 0
-        self.show_mode()
+        self.show_mode(self.row or "")
 
     def change_mode(self, mode):
+        def change():
+            if self.changed() > 0:
+                self.leave_edits()
+            self.set_mode(int(mode), True)
+            self.look_for_draft()
         self.cell = int(mode)
         if self.is_edited():
-            self.edit(lambda: self.set_mode(int(mode), True))
+            self.edit(change)
 
     # Files
 
     def save(self, _):
         if not self.is_loaded():
             return
+        self.keep()
         files = self.folders[self.edited].files
         content = self.folders[self.edited].dictionary(FILE)
         old = files.get(FILE)
@@ -338,10 +558,15 @@ class Model:
         if content is None:
             self.folders[self.edited].set_aside()
         else:
-            content[ORDER] = [joined(e) for e in self.mapping]
+            content[ORDER] = self.order()
             content[MODE] = [str(self.mode)]
             files[FILE] = content
-            self.saved, self.saved_mode = list(content[ORDER]), self.mode
+            self.saved, self.saved_mode = self.order(), self.mode
+            self.is_refreshed = True
+            self.drafts.current = None
+            for draft in self.drafts.left_of(self.path):
+                self.drafts.left.remove(draft)
+            self.look_for_draft()
         self.alert("New Mapping has been saved",
                    "Please remember to close and re-open plugin within Logic so that changes are updated\n\n\n"
                    "Backup of previous plist file has been saved here:\n\n" + self.path + ".prev")
@@ -349,6 +574,7 @@ class Model:
     def recall(self, suffix):
         if not self.is_edited():
             return
+        self.keep()
         files = self.folders[self.edited].files
         if FILE + suffix not in files:
             self.alert("Recall file does not exist",
@@ -370,9 +596,11 @@ class Model:
 
     def downloaded(self, _):
         def load():
+            self.leave_edits()
             self.load(FILE + ".downloaded", True)
             self.refresh(1)
             self.selected = 0
+            self.look_for_draft()
         self.edit(load)
         self.alert("OK Done", "Loaded cloud file into interface memory, please remember to save if you wish to make this"
                    " your new default mapping")
@@ -447,18 +675,17 @@ class Model:
             return
 
         def assign():
-            source = self.list[self.selected]
+            source = self.list[self.shown[self.selected]]
             self.mapping[(self.current - 1) * 8 + int(pot)][:2] = source[:2]
             self.refresh(self.current)
             if source[1] != "-":
                 self.select_next()
         self.edit(assign)
 
-    def choose_row(self, row):
-        self.selected = int(row) if 0 <= int(row) < len(self.list) else -1
-
     def carry_out(self, operation, argument):
         self.alerts, self.opened = [], []
+        self.is_refreshed = operation in ("undo", "redo")
+        self.now += 1
         loaded = self.is_loaded()
         {
             "scan": self.scan, "plugin": self.plugin, "mode": self.change_mode, "save": self.save,
@@ -473,8 +700,14 @@ class Model:
             "move first": lambda _: self.move(1), "move last": lambda _: self.move(self.total),
             "move previous": lambda _: self.move(self.current - 1),
             "move next": lambda _: self.move(self.current + 1),
-            "exchange": self.exchange, "pot": self.pot, "row": self.choose_row,
+            "exchange": self.exchange, "pot": self.pot, "row": self.choose_row, "search": self.look_for,
+            "only unmapped": self.show_only_unmapped, "keep": self.keep, "bring back": self.bring_back,
+            "discard": self.discard, "quit": self.quit, "crash": self.crash,
         }[operation](argument)
+        if self.is_refreshed:
+            self.on_pots = {joined(entry) for entry in self.mapping[:self.total * 8]} - {"-1"}
+            if self.only_unmapped:
+                self.arrange()
 
 
 # Random files and operations
@@ -521,7 +754,8 @@ def random_bytes(dice):
 OPERATIONS = (["pot"] * 12 + ["row"] * 6 + ["new"] * 3 + ["delete"] * 2 + ["clear"] + ["previous", "next", "first", "last"]
               + ["page"] * 2 + ["move first", "move last", "move previous", "move next"] * 2 + ["exchange"] * 2
               + ["mode"] + ["save"] * 2 + ["recall original", "recall previous"] + ["chart"] + ["downloaded"]
-              + ["plugin"] * 2 + ["undo"] * 5 + ["redo"] * 3)
+              + ["plugin"] * 2 + ["undo"] * 5 + ["redo"] * 3 + ["keep"] * 2 + ["bring back"] * 2 + ["discard"])
+SEARCHES = ["", "", "Knob", "knob 1", "1", "GROSSE", "o", "量", "<B>", " ", "nothing has this"]
 
 
 def random_argument(dice, operation, model):
@@ -535,8 +769,10 @@ def random_argument(dice, operation, model):
         return str(dice.randrange(0, model.total + 2))
     if operation == "exchange":
         return f"{dice.randrange(8)}{dice.randrange(8)}"
-    if operation == "mode":
+    if operation in ("mode", "only unmapped"):
         return str(dice.randrange(2))
+    if operation == "search":
+        return dice.choice(SEARCHES)
     return ""
 
 
@@ -577,6 +813,8 @@ class Sequence:
     def step(self, model, operation, argument):
         self.done.append(f"{operation} {argument}".strip())
         answer = self.ask(operation, argument)
+        del answer["now"], answer["drafts"]
+        answer["drafted"].sort()
         model.carry_out(operation, argument)
         expected = model.state()
         if answer != expected:
@@ -586,16 +824,22 @@ class Sequence:
             raise Disagreement(f"{answer.keys()} instead of {expected.keys()}")
         for folder in model.folders.values():
             folder.compare()
+        model.drafts.compare()
 
     def run(self):
         model = Model(self.root, self.make_files())
-        self.ask("begin", self.root)
+        has_windows = self.dice.random() < 0.1
+        operations = OPERATIONS + (["search"] * 4 + ["only unmapped"] * 3 if has_windows else [])
+        answer = self.ask("begin in windows" if has_windows else "begin", self.root)
+        model.begin(answer["now"], answer["drafts"], has_windows)
         count = self.dice.randrange(30, 101)
         # Some begin before anything was selected; the others with a plug-in.
         if self.dice.random() < 0.9:
             self.step(model, "plugin", self.dice.choice(list(model.plugins)))
         for _ in range(count):
-            operation = "scan" if self.dice.random() < 0.01 else self.dice.choice(OPERATIONS)
+            rare = self.dice.random()
+            operation = ("scan" if rare < 0.01 else "quit" if rare < 0.02 else "crash" if rare < 0.025
+                         else self.dice.choice(operations))
             if operation == "downloaded" and not model.is_loaded():
                 continue  # a download begins beside a plug-in's file
             self.step(model, operation, random_argument(self.dice, operation, model))
