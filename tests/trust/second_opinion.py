@@ -137,7 +137,7 @@ class Drafts:
         self.path = ""
         self.left, self.current = [], None
         self.runs = self.begun = 0
-        self.stamps = {}
+        self.seen = None
 
     def write(self, content):
         if self.current is None:
@@ -164,14 +164,15 @@ class Drafts:
         stamps = {entry.path: (entry.stat().st_mtime_ns, entry.stat().st_ino) for entry in entries}
         expected = [{key: value for key, value in draft.items() if key != "age"}
                     for draft in self.left + ([self.current] if self.current else [])]
-        if (stamps, expected) == self.stamps:
+        if (stamps, expected) == self.seen:
             return
-        self.stamps = stamps, expected
+        self.seen = stamps, expected
         found = []
         for path in stamps:
             with open(path, "rb") as file:
                 found.append(plistlib.loads(file.read()))
-        if sorted(map(repr, map(sorted, map(dict.items, found)))) != sorted(map(repr, map(sorted, map(dict.items, expected)))):
+        if sorted(repr(sorted(draft.items())) for draft in found) != sorted(repr(sorted(draft.items()))
+                                                                            for draft in expected):
             raise Disagreement(f"drafts {found} instead of {expected}")
 
 
