@@ -247,6 +247,39 @@ int openat64(int folder, const char* path, int flags, ...)
     return openAs("open", folder, path, flags, mode);
 }
 
+// What hardened programs call instead where the compiler cannot tell whether a mode or a size is missing.
+
+int __open_2(const char* path, int flags);
+int __open64_2(const char* path, int flags);
+int __openat_2(int folder, const char* path, int flags);
+int __openat64_2(int folder, const char* path, int flags);
+ssize_t __read_chk(int descriptor, void* bytes, std::size_t size, std::size_t room);
+
+int __open_2(const char* path, int flags)
+{
+    return openAs("open", AT_FDCWD, path, flags, 0);
+}
+
+int __open64_2(const char* path, int flags)
+{
+    return openAs("open", AT_FDCWD, path, flags, 0);
+}
+
+int __openat_2(int folder, const char* path, int flags)
+{
+    return openAs("open", folder, path, flags, 0);
+}
+
+int __openat64_2(int folder, const char* path, int flags)
+{
+    return openAs("open", folder, path, flags, 0);
+}
+
+ssize_t __read_chk(int descriptor, void* bytes, std::size_t size, std::size_t)
+{
+    return read(descriptor, bytes, size);
+}
+
 int creat(const char* path, mode_t mode)
 {
     return openAs("open", AT_FDCWD, path, O_WRONLY | O_CREAT | O_TRUNC, mode);
