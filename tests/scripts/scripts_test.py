@@ -101,7 +101,8 @@ class ScriptsTest(unittest.TestCase):
         path.write_text(text, encoding="utf-8")
 
     def stand_in(self, path, body):
-        self.write(path, f'#!/bin/sh\n{{ printf %s {path.name}; printf " %s" "$@"; echo; }} >>"$KV_NOTES/calls"\n{body}\n')
+        # Noted at one go: some are called side by side.
+        self.write(path, f'#!/bin/sh\nprintf "%s\\n" "{path.name}${{*:+ $*}}" >>"$KV_NOTES/calls"\n{body}\n')
         path.chmod(0o755)
 
     def start(self, script, *arguments, **more):
