@@ -224,6 +224,8 @@ private:
     /// The list offered for assignment; while a rescan, which is no edit, has emptied it, the one offered before.
     platform::SharedRecords offeredParameters() const;
     void finishEdit(const std::string& name, const mapping::EditingSnapshot& before, const std::string& pathBefore);
+    /// Keeps what is edited now; false when that failed.
+    bool keepEdits();
     /// What is edited is about to be replaced; it stays as a draft.
     void leaveEdits();
     /// Finds the newest draft that was left of the plug-in loaded.

@@ -117,6 +117,7 @@ void ViewController::goThrough(const mapping::EditingChange& change, bool forwar
     if (const auto& parameters = forward ? change.parametersAfter : change.parametersBefore) {
         offered_ = parameters; // while no plug-in is chosen none of them are shown
         if (isPluginBeingEdited()) {
+            arrayControllerPlistSelected()->filterText.set({}); // or the blank entry is selected below a search
             arrayControllerPlistSelected()->setSharedContent(parameters);
             arrayControllerPlistSelected()->setSelectionIndex(0);
         }

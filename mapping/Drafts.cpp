@@ -149,28 +149,46 @@ void Drafts::release()
         ::close(std::exchange(lock_, -1));
 }
 
+void Drafts::makeFolder() const
+{
+    if (files::exists(folder_))
+        return;
+    files::createDirectories(folder_);
+    ::chmod(folder_.c_str(), 0700);
+}
+
 bool Drafts::keep(const Draft& draft)
 {
-    if (!files::exists(folder_)) {
-        files::createDirectories(folder_);
-        ::chmod(folder_.c_str(), 0700);
-    }
+    makeFolder();
     if (!std::exchange(isCleared_, true))
         files::clearLeftParts(folder_);
     const std::string prefix = prefixOf(draft.plugin);
     if (!current_.filename().native().starts_with(prefix))
         current_ = folder_ / (prefix + instance_ + "-" + std::to_string(++written_) + kEnding);
     // Not flushed to the drive, which would hold up the program: it has to outlast the program, not the power.
+    refused_ = draft;
     if (!files::writeAtomically(current_, bytesOf(draft), kOwnerOnly, files::Flush::none))
         return false;
+    refused_.reset();
     release();
     bool isLocked = false;
     lock_ = lockOf(current_, isLocked); // without it a draft is still better than none
     return true;
 }
 
+bool Drafts::keepHeld()
+{
+    if (!held_.empty())
+        makeFolder();
+    std::erase_if(held_, [](const KeptDraft& held) {
+        return files::writeAtomically(held.file, bytesOf(held.draft), kOwnerOnly, files::Flush::none);
+    });
+    return held_.empty();
+}
+
 void Drafts::drop()
 {
+    refused_.reset();
     if (!current_.empty())
         files::remove(current_);
     leave();
@@ -178,6 +196,8 @@ void Drafts::drop()
 
 void Drafts::leave()
 {
+    if (refused_)
+        held_.push_back({current_, *std::exchange(refused_, {})});
     current_.clear();
     release();
 }
@@ -211,7 +231,15 @@ std::vector<Path> Drafts::filesLeft(std::string_view prefix) const
 std::vector<KeptDraft> Drafts::leftOf(std::string_view plugin) const
 {
     std::vector<KeptDraft> left;
+    std::set<Path> held; // newer than what was written of them
+    for (const KeptDraft& one : held_) {
+        held.insert(one.file);
+        if (one.draft.plugin == plugin)
+            left.push_back(one);
+    }
     for (const Path& file : filesLeft(prefixOf(plugin))) {
+        if (held.contains(file))
+            continue;
         const auto bytes = files::read(file, kLargestFile);
         if (!bytes)
             continue; // perhaps the next time
@@ -230,6 +258,7 @@ std::vector<KeptDraft> Drafts::leftOf(std::string_view plugin) const
 void Drafts::discard(const Path& file)
 {
     files::remove(file);
+    std::erase_if(held_, [&](const KeptDraft& held) { return held.file == file; });
 }
 
 void Drafts::look()
@@ -237,6 +266,8 @@ void Drafts::look()
     left_.clear();
     for (const Path& file : filesLeft({}))
         left_.emplace(prefixIn(file.filename().native()));
+    for (const KeptDraft& held : held_)
+        left_.emplace(prefixOf(held.draft.plugin));
 }
 
 bool Drafts::isLeftOf(std::string_view plugin) const

@@ -7,6 +7,7 @@
 #include <ctime>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -43,9 +44,11 @@ public:
     /// Writes the draft being edited, readable by nobody else; false when it could not be written, and then the one
     /// written before is still there.
     bool keep(const Draft& draft);
+    /// Tries again to write those that were left although they could not be written; false while one cannot.
+    bool keepHeld();
     /// What is being edited needs no draft: it is saved, or as the file has it.
     void drop();
-    /// What is edited next gets a draft of its own; the one written so far stays.
+    /// What is edited next gets a draft of its own; this one stays, in memory where it could not be written.
     void leave();
 
     /// What was left of the plug-in, the newest first. A file that cannot be understood is set aside as ".damaged".
@@ -61,6 +64,7 @@ public:
 private:
     std::vector<std::filesystem::path> filesLeft(std::string_view prefix) const;
     bool isOthers(const std::filesystem::path& file) const;
+    void makeFolder() const;
     void release();
 
     std::filesystem::path folder_;
@@ -68,6 +72,8 @@ private:
     bool isCleared_ = false;                  ///< of what ended programs had not finished
     int written_ = 0;                         ///< how many drafts this instance has begun
     std::filesystem::path current_;           ///< empty until something is kept
+    std::optional<Draft> refused_;            ///< what could not be written of the current one
+    std::vector<KeptDraft> held_;             ///< left without having been written
     int lock_ = -1;                           ///< on the current one; tells other instances that it is being edited
     std::set<std::string, std::less<>> left_; ///< what the names of the drafts begin with
 };

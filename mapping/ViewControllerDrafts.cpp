@@ -19,6 +19,12 @@ bool isWhatIsEdited(const mapping::Draft& draft)
 
 bool ViewController::keepDraft()
 {
+    const bool areHeldKept = drafts_.keepHeld();
+    return keepEdits() && areHeldKept;
+}
+
+bool ViewController::keepEdits()
+{
     if (!isMappingLoaded())
         return true;
     if (!hasUnsavedChanges()) {
@@ -43,7 +49,7 @@ bool ViewController::keepDraft()
 
 void ViewController::leaveEdits()
 {
-    keepDraft();
+    keepEdits();
     drafts_.leave();
     keptEdit_.reset();
     draftStep_ = DraftStep::leavesEdits;
@@ -74,7 +80,7 @@ void ViewController::settleDrafts()
         editedAt_ = same.front().draft.madeAt;
         datedRevision_ = historyRevision_;
     }
-    if (keepDraft()) {
+    if (keepEdits()) {
         for (const mapping::KeptDraft& left : same)
             drafts_.discard(left.file);
     }

@@ -192,7 +192,7 @@ void EditingView::refresh()
     showHints();
     markPlugins();
     backupsChanged_.start(kBackupPauseMs);
-    if (!keepsDraft_.isActive())
+    if (!keepsDraft_.isActive() || keepsDraft_.interval() > kDraftPauseMs)
         keepsDraft_.start(kDraftPauseMs);
 }
 

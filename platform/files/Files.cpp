@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdint>
 #include <string>
@@ -161,11 +162,13 @@ std::optional<Path> followed(Path path)
 {
     constexpr int kMostLinks = 40; // as many as the system follows itself
     for (int links = 0; links <= kMostLinks; ++links) {
-        std::error_code failure;
-        const Path target = std::filesystem::read_symlink(path, failure);
-        if (failure)
+        char target[PATH_MAX];
+        const ssize_t length = retried([&] { return ::readlink(path.c_str(), target, sizeof target); });
+        if (length < 0 && (errno == EINVAL || errno == ENOENT || errno == ENOTDIR))
             return path;
-        path = path.parent_path() / target;
+        if (length < 0 || length == ssize_t{sizeof target})
+            return std::nullopt;
+        path = path.parent_path() / std::string(target, static_cast<std::size_t>(length));
     }
     return std::nullopt;
 }

@@ -253,7 +253,7 @@ void RecordListView::keyPressEvent(QKeyEvent* event)
     moveByKey(event);
     if (!movesInList(*event))
         return;
-    isKeyHeld_ = !event->isAutoRepeat();
+    isKeyHeld_ = true;
     waitForRest();
 }
 

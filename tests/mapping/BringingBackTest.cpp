@@ -409,4 +409,38 @@ TEST_F(BringingBackTest, ADraftThatCannotBeReplacedByTheOneBroughtBackStays)
     EXPECT_THAT(ordersKept(), ElementsAre(left));
 }
 
+TEST_F(BringingBackTest, EditsLeftThatCouldNotBeWrittenAreKeptInMemoryUntilTheyCan)
+{
+    Texts edited;
+    {
+        const test::FullDisk disk(10);
+        edited = put(20, 0);
+        select("Other");
+        EXPECT_TRUE(controller_.isDraftLeftOf(file_.native()));
+        EXPECT_FALSE(controller_.keepDraft());
+        EXPECT_THAT(ordersKept(), IsEmpty());
+        select("EQ One");
+        ASSERT_TRUE(hasLeftDraft());
+        EXPECT_EQ(controller_.leftDraft()->draft.order, edited);
+    }
+    select("Other");
+    EXPECT_TRUE(controller_.keepDraft());
+    EXPECT_THAT(ordersKept(), ElementsAre(edited));
+    select("EQ One");
+    controller_.bringBackDraft();
+    EXPECT_EQ(order(), edited);
+    EXPECT_THAT(ordersKept(), ElementsAre(edited));
+}
+
+TEST_F(BringingBackTest, WhatCouldNotBeWrittenCanBeDiscarded)
+{
+    const test::FullDisk disk(10);
+    leaveEdit();
+    ASSERT_TRUE(hasLeftDraft());
+    controller_.discardDraft();
+    EXPECT_FALSE(hasLeftDraft());
+    EXPECT_FALSE(controller_.isDraftLeftOf(file_.native()));
+    EXPECT_TRUE(controller_.keepDraft());
+}
+
 } // namespace

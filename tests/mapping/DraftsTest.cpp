@@ -231,20 +231,44 @@ TEST_F(DraftsTest, OneThatCannotBeWrittenLeavesTheOneBefore)
     {
         const test::FullDisk disk(10);
         EXPECT_FALSE(drafts_.keep(draftOf("a", 2)));
+        drafts_.leave();
+        EXPECT_FALSE(drafts_.keepHeld());
     }
-    drafts_.leave();
-    EXPECT_THAT(leftOf("a"), ElementsAre(draftOf("a", 1)));
+    EXPECT_THAT(leftOf("a"), ElementsAre(draftOf("a", 2))); // from memory, in the place of what was written
+    const Drafts later(folder());
+    ASSERT_THAT(later.leftOf("a"), SizeIs(1));
+    EXPECT_EQ(later.leftOf("a").front().draft, draftOf("a", 1));
+    EXPECT_TRUE(drafts_.keepHeld());
+    EXPECT_EQ(later.leftOf("a").front().draft, draftOf("a", 2));
+    EXPECT_THAT(leftOf("a"), ElementsAre(draftOf("a", 2)));
     EXPECT_THAT(files(), SizeIs(1));
 }
 
-TEST_F(DraftsTest, WithoutAFolderNothingIsKeptAndNothingFails)
+TEST_F(DraftsTest, OneThatCouldNotBeWrittenIsForgottenOnceItIsSavedOrKept)
+{
+    {
+        const test::FullDisk disk(10);
+        EXPECT_FALSE(drafts_.keep(draftOf("a", 1)));
+        drafts_.drop();
+        EXPECT_FALSE(drafts_.keep(draftOf("a", 2)));
+    }
+    EXPECT_TRUE(drafts_.keep(draftOf("a", 3)));
+    drafts_.leave();
+    EXPECT_TRUE(drafts_.keepHeld());
+    EXPECT_THAT(leftOf("a"), ElementsAre(draftOf("a", 3)));
+}
+
+TEST_F(DraftsTest, WithoutAFolderTheyAreKeptInMemoryUntilThereIsOne)
 {
     test::write(home_.path() / "state", "a file in its place");
     EXPECT_FALSE(drafts_.keep(draftOf("a")));
     drafts_.leave();
     drafts_.look();
-    EXPECT_THAT(leftOf("a"), IsEmpty());
-    EXPECT_FALSE(drafts_.isLeftOf("a"));
+    EXPECT_THAT(leftOf("a"), ElementsAre(draftOf("a")));
+    EXPECT_TRUE(drafts_.isLeftOf("a"));
+    fs::remove(home_.path() / "state");
+    EXPECT_TRUE(drafts_.keepHeld());
+    EXPECT_EQ(Drafts(folder()).leftOf("a").size(), 1U);
 }
 
 } // namespace

@@ -218,7 +218,9 @@ TEST_F(HistoryTest, ALoadedDownloadIsAStepThatBringsItsParametersAndTakesThemAwa
     EXPECT_EQ(parameters(), Texts{"-1"}); // it is not marked
     EXPECT_EQ(controller_.changedPots(), 24u);
     EXPECT_EQ(controller_.mainTitle_Sub()->stringValue.get(), "Logic Pro Instrument Mapper");
+    controller_.arrayControllerPlistSelected()->filterText.set("theirs");
     controller_.undo();
+    EXPECT_EQ(controller_.arrayControllerPlistSelected()->filterText.get(), ""); // a press would hit the blank entry
     EXPECT_EQ(order(), edited);
     EXPECT_EQ(parameters(), own);
     EXPECT_EQ(mapping::curPage, 2);
