@@ -407,6 +407,7 @@ class Model:
         if there[1] != back[1]:
             self.offered = [list(e) for e in there[1]]
             if self.is_edited():
+                self.search = ""
                 self.offer(self.offered)
                 self.choose_row(0)
         self.total, self.mode = there[2], there[4]
