@@ -2,6 +2,7 @@
 
 #include "mapping/Drafts.h"
 #include "platform/files/Files.h"
+#include "tests/support/FilesIn.h"
 #include "tests/support/Obstacles.h"
 #include "tests/support/WindowlessTest.h"
 
@@ -34,15 +35,7 @@ protected:
     }
 
     Path folder() const { return home_.path() / "state/kvOrvantaLogic_Tool/drafts"; }
-    std::vector<Path> files() const
-    {
-        std::vector<Path> found;
-        if (fs::exists(folder())) {
-            for (const auto& entry : fs::directory_iterator(folder()))
-                found.push_back(entry.path());
-        }
-        return found;
-    }
+    std::vector<Path> files() const { return test::filesIn(folder()); }
     /// Drafts that another run of the program would find.
     std::vector<Texts> ordersKept() const
     {

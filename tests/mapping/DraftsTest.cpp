@@ -1,6 +1,7 @@
 #include "mapping/Drafts.h"
 
 #include "platform/files/Files.h"
+#include "tests/support/FilesIn.h"
 #include "tests/support/Obstacles.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -36,15 +37,7 @@ Draft draftOf(const std::string& plugin, std::time_t madeAt = 1'000)
 class DraftsTest : public testing::Test {
 protected:
     Path folder() const { return home_.path() / "state/app/drafts"; }
-    std::vector<Path> files() const
-    {
-        std::vector<Path> found;
-        if (fs::exists(folder())) {
-            for (const auto& entry : fs::directory_iterator(folder()))
-                found.push_back(entry.path());
-        }
-        return found;
-    }
+    std::vector<Path> files() const { return test::filesIn(folder()); }
     Path onlyFile() const
     {
         EXPECT_THAT(files(), SizeIs(1));

@@ -9,10 +9,11 @@ import os
 import plistlib
 import re
 import struct
-import subprocess
 import tempfile
 import unittest
 from pathlib import Path
+
+from commands import run
 
 ROOT = Path(__file__).resolve().parents[2]
 CMAKE = os.environ["KV_CMAKE"]
@@ -31,14 +32,6 @@ touch "$1/Contents/Frameworks/libother.dylib" "$1/Contents/PlugIns/platforms/lib
 # The ten images of an icon: a type, and how many pixels it is wide. The two smallest are pixels, the others PNGs.
 IMAGES = {"ic04": 16, "ic05": 32, "ic11": 32, "ic12": 64, "ic07": 128, "ic13": 256, "ic08": 256, "ic14": 512, "ic09": 512,
           "ic10": 1024}
-
-
-def run(*command, **options):
-    done = subprocess.run([str(part) for part in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                          check=False, **options)
-    if done.returncode != 0:
-        raise AssertionError(f"{' '.join(map(str, command))} gave {done.returncode}:\n{done.stdout}")
-    return done.stdout
 
 
 def oldest_system():

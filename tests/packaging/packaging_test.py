@@ -14,6 +14,8 @@ import unittest
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
+from commands import run
+
 BUILD = Path(os.environ["KV_BUILD"])
 VERSION = os.environ["KV_VERSION"]
 IDENTIFIER = os.environ["KV_BUNDLE_IDENTIFIER"]
@@ -32,15 +34,6 @@ EXPECTED = sorted(
     + [f"share/icons/hicolor/{size}x{size}/apps/{IDENTIFIER}.png" for size in PNG_SIZES]
     + [f"{DOCUMENTS}/{name}" for name in ("changelog.gz", "changelog.Debian.gz", "copyright")]
 )
-
-
-def run(*command, **options):
-    """The finished process; a test fails when it did not end well."""
-    done = subprocess.run([str(part) for part in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                          check=False, **options)
-    if done.returncode != 0:
-        raise AssertionError(f"{' '.join(map(str, command))} gave {done.returncode}:\n{done.stdout}")
-    return done.stdout
 
 
 def files_below(folder):
