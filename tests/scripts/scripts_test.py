@@ -26,7 +26,7 @@ STAND_INS = {
     "lipo": 'echo "$KV_PROCESSORS "',
     "open": "",
     "git": "",
-    "xargs": "",
+    "xargs": "cat >/dev/null",
     "shellcheck": "",
     "id": "echo $KV_USER",
     "sudo": 'while [ "$1" != env ]; do shift; done; exec "$@"',
