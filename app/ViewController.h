@@ -11,6 +11,7 @@
 //   Control panel          panel/ViewControllerPanel.cpp
 //   Pages                  panel/ViewControllerPages.cpp
 //   Assignment             panel/ViewControllerAssignment.cpp
+//   Edits                  panel/ViewControllerEdits.cpp
 //   Chart                  chart/ViewControllerChart.cpp
 //   Community account      community/ViewControllerAccount.cpp
 //   Community sharing      community/ViewControllerSharing.cpp
@@ -27,11 +28,16 @@
 #include <any>
 #include <cstdint>
 #include <ctime>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+
+namespace panel {
+struct Mapping;
+}
 
 class ViewController final : public platform::ViewControllerBase, public Outlets {
 public:
@@ -172,6 +178,12 @@ public:
     void moveParameterPositionAndToMovePageMode(std::int32_t from, std::int32_t to, std::int32_t movePageMode);
     /// Exchanges what two pots (0 to 7) of the shown page hold. The parameter list's selection stays.
     void exchangeControls(std::int32_t one, std::int32_t other);
+
+    // Edits of our own, each one step of the history. They leave the parameter list's selection alone.
+
+    /// Runs an edit of the mapping as one step of that name and shows the page it leaves. Ignored without a mapping.
+    void editMapping(const std::string& name, const std::function<void(panel::Mapping&)>& edit);
+    void clearPage(Sender = nullptr);
 
     // Chart
 

@@ -26,6 +26,10 @@ void makeMenus(QMainWindow& window, bool hasWindowMenu)
         {Menu::help, bar->addMenu(QObject::tr("&Help"))},
     };
     menus.at(Menu::window)->menuAction()->setVisible(hasWindowMenu);
+    for (const auto& [place, menu] : menus) {
+        if (menu)
+            menu->setToolTipsVisible(true);
+    }
     QActionGroup* choices = nullptr;
     for (const Action& action : Action::all()) {
         QMenu* menu = menus.at(action.menu);
@@ -35,6 +39,8 @@ void makeMenus(QMainWindow& window, bool hasWindowMenu)
         item->setAutoRepeat(action.repeats);
         item->setCheckable(action.mark != Mark::none);
         item->setMenuRole(action.role);
+        if (action.toolTip)
+            item->setToolTip(action.translated(action.toolTip));
         if (action.symbol)
             item->setIcon(platform::qt::symbolIcon(QString::fromLatin1(action.symbol)));
         if (action.beginsSection) {
