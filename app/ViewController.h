@@ -21,6 +21,7 @@
 #include "mapping/EditingSnapshot.h"
 #include "mapping/MappedPots.h"
 #include "mapping/MappingStore.h"
+#include "panel/PotChoice.h"
 #include "platform/Effects.h"
 #include "platform/Http.h"
 #include "platform/ViewControllerBase.h"
@@ -183,6 +184,8 @@ public:
 
     /// Runs an edit of the mapping as one step of that name and shows the page it leaves. Ignored without a mapping.
     void editMapping(const std::string& name, const std::function<void(panel::Mapping&)>& edit);
+    /// What operations that need a pot or a page act on.
+    platform::Property<panel::PotChoice> potChoice;
     void clearPage(Sender = nullptr);
 
     // Chart

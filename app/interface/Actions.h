@@ -36,6 +36,8 @@ enum class Needs {
     nothing, ///< or what only its own operation knows, which enables it: undo, redo, drafts, share
     mapping, ///< one is loaded
     plugin,  ///< and its plug-in is the selected row
+    pot,     ///< a mapping, and a pot has the focus
+    slots,   ///< or the tile of a page has
 };
 
 /// Rows of buttons in the main window; a row has them in the table's order.

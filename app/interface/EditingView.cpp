@@ -134,6 +134,7 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
     showOnlyUnmapped(false);
 
     connections_.push_back(controller_.editingChanged.connect([this] { refresh(); }));
+    connections_.push_back(controller_.potChoice.onChange([this](const auto&) { enableWhatCanBeDone(); }));
     connections_.push_back(controller_.draftsChanged.connect([this] {
         showDraft();
         plugins_->records().refreshMarks();
@@ -235,8 +236,18 @@ void EditingView::enableWhatCanBeDone()
 {
     const bool hasMapping = controller_.isMappingLoaded();
     const bool hasPlugin = controller_.isPluginBeingEdited();
+    const panel::PotChoice& choice = controller_.potChoice.get();
+    const bool hasPot = hasMapping && choice.focusedPot != panel::PotChoice::kNone;
+    const auto canBeDone = [&](Needs needs) {
+        switch (needs) {
+        case Needs::plugin: return hasPlugin;
+        case Needs::pot: return hasPot;
+        case Needs::slots: return hasPot || (hasMapping && choice.isPage);
+        default: return hasMapping;
+        }
+    };
     for (const auto& [item, needs] : needing_)
-        item->setEnabled(needs == Needs::plugin ? hasPlugin : hasMapping);
+        item->setEnabled(canBeDone(needs));
     modeSwitch_->setEnabled(hasPlugin);
 }
 

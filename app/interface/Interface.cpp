@@ -7,15 +7,19 @@
 #include "app/interface/MainWindow.h"
 #include "app/interface/panel/FrontPanel.h"
 #include "app/interface/panel/PageOverview.h"
+#include "app/interface/panel/Pot.h"
 #include "platform/qt/Bindings.h"
 #include "platform/qt/RecordListView.h"
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QApplication>
 #include <QButtonGroup>
 #include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QShortcut>
@@ -143,6 +147,13 @@ void join(QAbstractButton* button, QAction* item, const Action& action)
     QObject::connect(item, &QAction::changed, button, follow);
 }
 
+panel::PotChoice potChoiceAt(const QWidget* focused)
+{
+    if (const auto* pot = qobject_cast<const Pot*>(focused))
+        return {pot->number() - 1, {pot->number() - 1}, false};
+    return {panel::PotChoice::kNone, {}, qobject_cast<const PageOverview*>(focused) != nullptr};
+}
+
 } // namespace
 
 Interface::Interface(ViewController& controller) : controller_(controller), loggedInAs_(std::make_shared<TextField>())
@@ -263,6 +274,11 @@ void Interface::connectPanel()
     QObject::connect(panel, &FrontPanel::potDropped, panel,
                      [this](int from, int onto) { controller_.exchangeControls(from - 1, onto - 1); });
     auto* overview = find<PageOverview>("pageOverview");
+    // A menu is opened to do something with what had the focus.
+    QObject::connect(qApp, &QApplication::focusChanged, panel, [this](QWidget*, const QWidget* now) {
+        if (now && !qobject_cast<const QMenuBar*>(now) && !qobject_cast<const QMenu*>(now))
+            controller_.potChoice.set(potChoiceAt(now));
+    });
     QObject::connect(overview, &PageOverview::pageChosen, overview, [this](int page) { controller_.showPage(page); });
 }
 
