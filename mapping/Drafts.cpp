@@ -2,23 +2,18 @@
 
 #include "mapping/ParameterOrder.h"
 #include "platform/files/Directory.h"
-#include "platform/files/Files.h"
 #include "platform/files/Retried.h"
 #include "platform/plist/PropertyList.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
 #include <optional>
-#include <system_error>
 #include <utility>
 
-#include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -111,19 +106,6 @@ Path with(const Path& file, const char* ending)
     return Path(file) += ending;
 }
 
-/// Opens a draft and locks it; -1 when that cannot be done, and then `isLocked` says whether somebody else has.
-int lockOf(const Path& file, bool& isLocked)
-{
-    const int lock =
-        files::retried([&] { return ::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC); });
-    isLocked = false;
-    if (lock < 0 || files::retried([&] { return ::flock(lock, LOCK_EX | LOCK_NB); }) == 0)
-        return lock;
-    isLocked = errno == EWOULDBLOCK;
-    ::close(lock);
-    return -1;
-}
-
 /// What a draft's name begins with; empty where it is another file's.
 std::string_view prefixIn(std::string_view name)
 {
@@ -138,23 +120,12 @@ Drafts::Drafts(Path folder)
                 std::to_string(std::chrono::system_clock::now().time_since_epoch().count()))
 {}
 
-Drafts::~Drafts()
-{
-    release();
-}
-
-void Drafts::release()
-{
-    if (lock_ >= 0)
-        ::close(std::exchange(lock_, -1));
-}
-
 void Drafts::makeFolder() const
 {
     if (files::exists(folder_))
         return;
     files::createDirectories(folder_);
-    ::chmod(folder_.c_str(), 0700);
+    files::retried([this] { return ::chmod(folder_.c_str(), 0700); });
 }
 
 bool Drafts::keep(const Draft& draft)
@@ -170,9 +141,7 @@ bool Drafts::keep(const Draft& draft)
     if (!files::writeAtomically(current_, bytesOf(draft), kOwnerOnly, files::Flush::none))
         return false;
     refused_.reset();
-    release();
-    bool isLocked = false;
-    lock_ = lockOf(current_, isLocked); // without it a draft is still better than none
+    lock_.emplace(current_); // without it a draft is still better than none
     return true;
 }
 
@@ -199,30 +168,16 @@ void Drafts::leave()
     if (refused_)
         held_.push_back({current_, *std::exchange(refused_, {})});
     current_.clear();
-    release();
-}
-
-bool Drafts::isOthers(const Path& file) const
-{
-    bool isLocked = false;
-    if (const int lock = lockOf(file, isLocked); lock >= 0)
-        ::close(lock);
-    return isLocked;
+    lock_.reset();
 }
 
 std::vector<Path> Drafts::filesLeft(std::string_view prefix) const
 {
     std::vector<Path> found;
-    std::error_code failure;
-    std::filesystem::directory_iterator entry;
-    do {
-        entry = std::filesystem::directory_iterator(folder_, failure);
-    } while (failure == std::errc::interrupted);
-    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        const Path& file = entry->path();
+    for (const Path& file : files::entriesOf(folder_)) {
         const std::string name = file.filename().native();
         const std::string_view its = prefixIn(name);
-        if (!its.empty() && its.starts_with(prefix) && file != current_ && !isOthers(file))
+        if (!its.empty() && its.starts_with(prefix) && file != current_ && !files::Lock(file).isOthers())
             found.push_back(file);
     }
     return found;

@@ -3,6 +3,8 @@
 // one draft of it is written again and again; once it is left, that draft stays as it is and further edits get another.
 // The draft that a second running instance of the program is writing is not seen until it is left, too.
 
+#include "platform/files/Files.h"
+
 #include <cstdint>
 #include <ctime>
 #include <filesystem>
@@ -39,7 +41,6 @@ public:
     explicit Drafts(std::filesystem::path folder);
     Drafts(const Drafts&) = delete;
     Drafts& operator=(const Drafts&) = delete;
-    ~Drafts();
 
     /// Writes the draft being edited, readable by nobody else; false when it could not be written, and then the one
     /// written before is still there.
@@ -63,19 +64,17 @@ public:
 
 private:
     std::vector<std::filesystem::path> filesLeft(std::string_view prefix) const;
-    bool isOthers(const std::filesystem::path& file) const;
     void makeFolder() const;
-    void release();
 
     std::filesystem::path folder_;
-    std::string instance_;                    ///< who writes; part of the names of its files
-    bool isCleared_ = false;                  ///< of what ended programs had not finished
-    int written_ = 0;                         ///< how many drafts this instance has begun
-    std::filesystem::path current_;           ///< empty until something is kept
-    std::optional<Draft> refused_;            ///< what could not be written of the current one
-    std::vector<KeptDraft> held_;             ///< left without having been written
-    int lock_ = -1;                           ///< on the current one; tells other instances that it is being edited
-    std::set<std::string, std::less<>> left_; ///< what the names of the drafts begin with
+    std::string instance_;                      ///< who writes; part of the names of its files
+    bool isCleared_ = false;                    ///< of what ended programs had not finished
+    int written_ = 0;                           ///< how many drafts this instance has begun
+    std::filesystem::path current_;             ///< empty until something is kept
+    std::optional<Draft> refused_;              ///< what could not be written of the current one
+    std::vector<KeptDraft> held_;               ///< left without having been written
+    std::optional<platform::files::Lock> lock_; ///< on the current one; tells other instances that it is being edited
+    std::set<std::string, std::less<>> left_;   ///< what the names of the drafts begin with
 };
 
 } // namespace mapping

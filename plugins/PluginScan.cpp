@@ -1,5 +1,6 @@
 #include "plugins/PluginScan.h"
 
+#include "platform/files/Files.h"
 #include "platform/files/FolderWalk.h"
 
 namespace plugins {
@@ -17,6 +18,13 @@ std::string_view takeLastComponent(std::string_view& path)
     const std::string_view component = slash == std::string_view::npos ? path : path.substr(slash + 1);
     path = slash == std::string_view::npos ? std::string_view() : path.substr(0, slash);
     return component;
+}
+
+/// Whether a run of the program that was killed while it wrote may have left the file.
+bool isLeftPart(std::string_view path)
+{
+    const char last = path.back();
+    return last >= '0' && last <= '9' && platform::files::isPartOf(kOrderFile, takeLastComponent(path));
 }
 
 } // namespace
@@ -49,6 +57,8 @@ std::vector<platform::Record> scanFolder(const std::string& root, platform::Log&
             return;
         if (auto row = rowForFile(walked.path))
             rows.push_back(std::move(*row));
+        else if (isLeftPart(walked.path))
+            platform::files::clearLeftPart(walked.path);
     };
     const auto unreadable = [&](const std::string& path, const std::string& reason) {
         log.write("Cannot read " + path + ": " + reason);

@@ -21,7 +21,8 @@ inline constexpr char kFileLocation[] = "fileLocation"; ///< full path of the fi
 std::optional<platform::Record> rowForFile(std::string_view path);
 
 /// Rows of every parameter-order file below `root`, in the order the file system yields them. Every item's path goes to
-/// the log, as does what cannot be read; the scan never stops early.
+/// the log, as does what cannot be read; the scan never stops early. What a killed run has left of a file that it was
+/// writing is cleared.
 std::vector<platform::Record> scanFolder(const std::string& root, platform::Log& log);
 
 } // namespace plugins

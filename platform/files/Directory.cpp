@@ -31,7 +31,9 @@ std::variant<bool, Error> isDirectory(const std::filesystem::path& path)
 std::optional<Error> createDirectories(const std::filesystem::path& path)
 {
     std::error_code failure;
-    std::filesystem::create_directories(path, failure);
+    do {
+        std::filesystem::create_directories(path, failure);
+    } while (failure == std::errc::interrupted);
     if (!failure)
         return std::nullopt;
     return fileError(failure.value(), "Could not create the folder “" + path.native() + "”.", failure.value());

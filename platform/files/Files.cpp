@@ -115,28 +115,14 @@ bool arePartNumbers(std::string_view text)
     return dash != std::string_view::npos && isNumber(text.substr(0, dash)) && isNumber(text.substr(dash + 1));
 }
 
-/// Removes the parts in a folder, told by their names, that no program makes any more. Whoever makes one holds its
-/// lock, which goes when a program ends in whatever way; a process number would be given to another one some day.
-template <typename Predicate>
-void clearUnlocked(const Path& folder, Predicate isPart)
-{
-    std::error_code failure;
-    std::filesystem::directory_iterator entry(folder.empty() ? Path(".") : folder, failure);
-    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        if (!isPart(entry->path().filename().native()))
-            continue;
-        const Descriptor part = openFile(entry->path(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW);
-        struct stat status = {};
-        if (part && look(part.number(), status) && S_ISREG(status.st_mode) && lock(part.number()))
-            files::remove(entry->path());
-    }
-}
-
 void clearLeftPartsOf(const Path& destination)
 {
-    clearUnlocked(destination.parent_path(), [prefix = partPrefix(destination)](std::string_view name) {
-        return name.starts_with(prefix) && arePartNumbers(name.substr(prefix.size()));
-    });
+    const std::string prefix = partPrefix(destination);
+    for (const Path& entry : entriesOf(destination.parent_path())) {
+        const std::string name = entry.filename().native();
+        if (name.starts_with(prefix) && arePartNumbers(std::string_view(name).substr(prefix.size())))
+            clearLeftPart(entry);
+    }
 }
 
 } // namespace
@@ -218,11 +204,55 @@ bool rename(const Path& from, const Path& to)
     return retried([&] { return ::rename(from.c_str(), to.c_str()); }) == 0;
 }
 
+std::vector<Path> entriesOf(const Path& folder)
+{
+    std::vector<Path> entries;
+    std::error_code failure;
+    std::filesystem::directory_iterator entry;
+    do {
+        entry = std::filesystem::directory_iterator(folder.empty() ? Path(".") : folder, failure);
+    } while (failure == std::errc::interrupted);
+    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure))
+        entries.push_back(entry->path());
+    return entries;
+}
+
+Lock::Lock(const Path& file)
+    : descriptor_(retried([&] { return ::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC); }))
+{
+    struct stat status = {};
+    if (descriptor_ < 0 || (look(descriptor_, status) && S_ISREG(status.st_mode) && lock(descriptor_)))
+        return;
+    isOthers_ = S_ISREG(status.st_mode) && errno == EWOULDBLOCK;
+    ::close(std::exchange(descriptor_, -1));
+}
+
+Lock::~Lock()
+{
+    if (descriptor_ >= 0)
+        ::close(descriptor_);
+}
+
+bool isPartOf(std::string_view destinationName, std::string_view name)
+{
+    return name.starts_with('~') && name.substr(1).starts_with(destinationName) &&
+           name.substr(1 + destinationName.size()).starts_with('.') && arePartNumbers(name.substr(name.rfind('.') + 1));
+}
+
+void clearLeftPart(const Path& part)
+{
+    // Whoever makes it holds its lock; a process number would be given to another program some day.
+    if (const Lock left(part); left)
+        files::remove(part);
+}
+
 void clearLeftParts(const Path& folder)
 {
-    clearUnlocked(folder, [](std::string_view name) {
-        return name.starts_with('~') && arePartNumbers(name.substr(name.rfind('.') + 1));
-    });
+    for (const Path& entry : entriesOf(folder)) {
+        const std::string name = entry.filename().native();
+        if (name.starts_with('~') && arePartNumbers(std::string_view(name).substr(name.rfind('.') + 1)))
+            clearLeftPart(entry);
+    }
 }
 
 PartialFile::PartialFile(const Path& destination, std::optional<std::filesystem::perms> mode)

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform::files {
 
@@ -40,6 +41,33 @@ std::optional<std::time_t> modificationTime(const Path& path);
 
 /// Gives a file or a link another name, in place of what has that. False when that failed; nothing has changed then.
 bool rename(const Path& from, const Path& to);
+
+/// What stands in a folder, in no order; nothing where that cannot be found out.
+std::vector<Path> entriesOf(const Path& folder);
+
+/// A lock on a regular file, which ends with this object and with its program in whatever way. A link is not followed.
+class Lock {
+public:
+    explicit Lock(const Path& file);
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+    ~Lock();
+
+    explicit operator bool() const { return descriptor_ >= 0; }
+    /// Somebody else holds it.
+    bool isOthers() const { return isOthers_; }
+
+private:
+    int descriptor_;
+    bool isOthers_ = false;
+};
+
+/// Whether a file, by its name, is or was one in the making for a destination of this name, or for one whose name goes
+/// on behind it, as those of backups do.
+bool isPartOf(std::string_view destinationName, std::string_view name);
+
+/// Removes a file in the making that an ended program has left.
+void clearLeftPart(const Path& part);
 
 /// Removes what ended programs have left unfinished in a folder that is ours alone.
 void clearLeftParts(const Path& folder);

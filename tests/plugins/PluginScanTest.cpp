@@ -1,5 +1,7 @@
 #include "plugins/PluginScan.h"
 
+#include "platform/files/Files.h"
+#include "tests/support/FilesIn.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/UnhelpfulFileSystem.h"
 
@@ -12,6 +14,8 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 namespace {
 
 using platform::Record;
@@ -22,6 +26,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
+using testing::UnorderedElementsAreArray;
 
 /// Notes down its lines.
 class LineLog final : public platform::Log {
@@ -138,6 +143,27 @@ TEST_F(ScanFolder, LogsThePathOfEveryItem)
     EXPECT_THAT(log_.lines,
                 UnorderedElementsAre((root / "EQ One").native(), (root / "EQ One/CSParameterOrder.plist").native(),
                                      (root / "EQ One/Vocal.pst").native(), (root / ".DS_Store").native()));
+}
+
+TEST_F(ScanFolder, ClearsWhatAKilledRunLeftAndNothingElse)
+{
+    const Path eq = folder_ / "Plug-In Settings/EQ";
+    std::vector<Path> others;
+    for (const char* name : {"CSParameterOrder.plist", "CSParameterOrder.plist.12-3", "~CSParameterOrder.plist",
+                             "~CSParameterOrder.plist.1", "~CSParameterOrder.plist.prev.1-",
+                             "~CSParameterOrder.plists.1-1", "~Vocal.pst.12-3", "1"})
+        others.push_back(eq / name);
+    for (const Path& file : others)
+        write(file, "");
+    const platform::files::PartialFile beingMade(eq / "CSParameterOrder.plist");
+    ASSERT_TRUE(beingMade.isOpen());
+    for (const char* ending : {".12345-1", ".prev.12345-12", ".html.12345-3"})
+        write(eq / (std::string("~CSParameterOrder.plist") + ending), "half of a muc");
+    EXPECT_EQ(plugins::scanFolder(folder_.path(), log_).size(), 1u);
+    const std::string ours = "~CSParameterOrder.plist." + std::to_string(::getpid());
+    std::vector<Path> left = test::filesIn(eq);
+    EXPECT_EQ(std::erase_if(left, [&](const Path& file) { return file.filename().native().starts_with(ours); }), 1u);
+    EXPECT_THAT(left, UnorderedElementsAreArray(others));
 }
 
 TEST_F(ScanFolder, OfAMissingRootHasNoRowsAndSaysWhyInTheLog)
