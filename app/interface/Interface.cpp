@@ -9,6 +9,7 @@
 #include "app/interface/panel/PageOverview.h"
 #include "app/interface/panel/Pot.h"
 #include "platform/qt/Bindings.h"
+#include "platform/qt/LongText.h"
 #include "platform/qt/RecordListView.h"
 
 #include <QAbstractButton>
@@ -20,7 +21,6 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QShortcut>
 
@@ -116,7 +116,7 @@ void bindTextField(const std::shared_ptr<TextField>& field, QWidget* widget)
         qt::bind(field, label);
     } else if (auto* line = qobject_cast<QLineEdit*>(widget)) {
         qt::bind(field, line);
-    } else if (auto* text = qobject_cast<QPlainTextEdit*>(widget)) {
+    } else if (auto* text = qobject_cast<qt::LongTextField*>(widget)) {
         qt::bind(field, text);
     }
 }

@@ -3,12 +3,12 @@
 #include "app/interface/Actions.h"
 #include "app/interface/Fonts.h"
 #include "platform/qt/ElidedLabel.h"
+#include "platform/qt/LongText.h"
 #include "platform/qt/RecordListView.h"
 #include "platform/qt/SymbolIcon.h"
 
 #include <QFrame>
 #include <QLineEdit>
-#include <QPlainTextEdit>
 #include <QPushButton>
 
 #include <algorithm>
@@ -70,7 +70,7 @@ QLineEdit* makeLine(const char* name)
 
 QPlainTextEdit* makeTextBox(const char* name, const QString& accessibleName)
 {
-    auto* box = named(new QPlainTextEdit, name);
+    auto* box = named(new platform::qt::LongTextField, name);
     box->setTabChangesFocus(true);
     box->setAccessibleName(accessibleName);
     return box;

@@ -10,7 +10,6 @@
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QScreen>
 #include <QSignalBlocker>
@@ -103,13 +102,13 @@ void bind(const std::shared_ptr<TextField>& field, QLineEdit* edit)
                      [control = field.get()](const QString& text) { control->stringValue.set(fromQt(text)); });
 }
 
-void bind(const std::shared_ptr<TextField>& field, QPlainTextEdit* edit)
+void bind(const std::shared_ptr<TextField>& field, LongTextField* edit)
 {
     auto* binding = new Binding(edit, field);
     follow<std::string>(binding, field->stringValue, [edit](const std::string& text) {
         const QSignalBlocker quiet(edit); // the edit may read other line ends; what was set is what counts
         if (typedText(edit) != text)
-            showText(*edit, toQt(text));
+            edit->showText(toQt(text));
     });
     QObject::connect(edit, &QPlainTextEdit::textChanged, binding,
                      [control = field.get(), edit] { control->stringValue.set(typedText(edit)); });

@@ -12,17 +12,18 @@ class QAction;
 class QButtonGroup;
 class QLabel;
 class QLineEdit;
-class QPlainTextEdit;
 class QProgressBar;
 class QWidget;
 
 namespace platform::qt {
 
+class LongTextField;
+
 /// The label shows text and tool tip; it is never read.
 void bind(const std::shared_ptr<TextField>& field, QLabel* label);
 /// The field holds what is typed and the edit shows what is set.
 void bind(const std::shared_ptr<TextField>& field, QLineEdit* edit);
-void bind(const std::shared_ptr<TextField>& field, QPlainTextEdit* edit);
+void bind(const std::shared_ptr<TextField>& field, LongTextField* edit);
 /// The button is pressed when the action is triggered, and enabled as the action is.
 void bind(const std::shared_ptr<Button>& button, QAction* action);
 /// The group's button ids are the cells' tags.

@@ -1,7 +1,7 @@
 #include "platform/qt/LongText.h"
 
-#include <QPlainTextEdit>
-#include <QString>
+#include <QMimeData>
+#include <QTextCursor>
 #include <QTextOption>
 
 #include <algorithm>
@@ -102,13 +102,42 @@ QString inBlocks(const QString& text)
     return result;
 }
 
-void showText(QPlainTextEdit& field, const QString& text)
+QString partInBlocks(const QString& text, qsizetype from, qsizetype to)
 {
-    const QString shown = field.isReadOnly() && isLong(text) ? inBlocks(text) : text;
-    field.clear(); // or what it holds is laid out once more, in the other way
-    field.setWordWrapMode(hasEndlessWord(shown) ? QTextOption::WrapAnywhere
-                                                : QTextOption::WrapAtWordBoundaryOrAnywhere);
-    field.setPlainText(shown);
+    const QString blocks = inBlocks(text);
+    QString part;
+    qsizetype place = 0;
+    for (qsizetype i = 0; i < text.size() && place < to; ++i) {
+        const QChar c = text[i];
+        const bool isHalfABreak = c == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n';
+        if (blocks[place] == QChar::ParagraphSeparator && !breaksLine(c))
+            ++place; // a break that was gained
+        if (place >= from && place < to)
+            part += c;
+        if (!isHalfABreak)
+            ++place;
+    }
+    return part;
+}
+
+void LongTextField::showText(const QString& text)
+{
+    const bool isInBlocks = isReadOnly() && isLong(text);
+    const QString shown = isInBlocks ? inBlocks(text) : text;
+    textInBlocks_ = isInBlocks ? text : QString();
+    clear(); // or what it holds is laid out once more, in the other way
+    setWordWrapMode(hasEndlessWord(shown) ? QTextOption::WrapAnywhere : QTextOption::WrapAtWordBoundaryOrAnywhere);
+    setPlainText(shown);
+}
+
+QMimeData* LongTextField::createMimeDataFromSelection() const
+{
+    if (textInBlocks_.isEmpty())
+        return QPlainTextEdit::createMimeDataFromSelection();
+    const QTextCursor selected = textCursor();
+    auto* copied = new QMimeData;
+    copied->setText(partInBlocks(textInBlocks_, selected.selectionStart(), selected.selectionEnd()));
+    return copied;
 }
 
 } // namespace platform::qt

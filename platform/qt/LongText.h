@@ -1,10 +1,10 @@
 #pragma once
-// Texts of any length and kind in a `QPlainTextEdit`, shown at once. Qt lays out a block as a whole, which takes
+// Texts of any length and kind in a field, shown at once. Qt lays out a block as a whole, which takes
 // minutes for a word of a megabyte, and keeps a record of each, which takes seconds for a million lines. So a long text
 // is shown in blocks of about a thousand characters: lines share a block, and a line that has no end is broken.
 
-class QPlainTextEdit;
-class QString;
+#include <QPlainTextEdit>
+#include <QString>
 
 namespace platform::qt {
 
@@ -19,7 +19,21 @@ bool hasSlowWord(const QString& text);
 /// of Latin letters; other lines that are longer gain breaks.
 QString inBlocks(const QString& text);
 
-/// Shows a text in a field; one that is long, and that nobody can edit there, in blocks.
-void showText(QPlainTextEdit& field, const QString& text);
+/// What of the text stands between two places in `inBlocks(text)`, without the breaks that it gained.
+QString partInBlocks(const QString& text, qsizetype from, qsizetype to);
+
+class LongTextField final : public QPlainTextEdit {
+    Q_OBJECT
+
+public:
+    /// Shows a text; one that is long, and that nobody can edit here, in blocks. What is copied is the text's own.
+    void showText(const QString& text);
+
+protected:
+    QMimeData* createMimeDataFromSelection() const override;
+
+private:
+    QString textInBlocks_; ///< empty while no text is shown so
+};
 
 } // namespace platform::qt

@@ -11,11 +11,12 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
-#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTextDocument>
 #include <QUrl>
 
 #include <algorithm>
@@ -47,25 +48,24 @@ void replace(const QMessageBox& box, QLabel* text, QWidget* by)
     grid->addWidget(by, row, column, rows, columns);
 }
 
-/// The system's own alert knows neither a field nor a text that scrolls.
-void keepOurOwn([[maybe_unused]] QMessageBox& box)
+/// The system's own alert knows neither a field nor a text that scrolls, and Qt may take the markup out of what it
+/// hands over. For the whole application, since a single box has such an option only since Qt 6.6.
+void keepOurOwn()
 {
-#if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)
-    box.setOption(QMessageBox::Option::DontUseNativeDialog);
-#endif
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
 }
 
 /// The field with a text that would take a label minutes to lay out. The label keeps the text, which is the box's.
 void showInField(QMessageBox& box, QLabel* text)
 {
-    keepOurOwn(box);
-    auto* field = new QPlainTextEdit;
+    keepOurOwn();
+    auto* field = new LongTextField;
     field->setAccessibleName(QObject::tr("Text of the message"));
     field->setReadOnly(true);
     field->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     field->setTabChangesFocus(true);
     field->setMinimumSize(kWidth, std::min(320, box.screen()->availableGeometry().height() / 3));
-    showText(*field, text->text());
+    field->showText(text->text());
     replace(box, text, field);
     text->hide();
 }
@@ -78,7 +78,7 @@ void letScroll(QMessageBox& box, QLabel* text)
     const int width = text->minimumSizeHint().width();
     if (height <= highest && width <= kWidth)
         return;
-    keepOurOwn(box);
+    keepOurOwn();
     auto* scroll = new QScrollArea;
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
@@ -114,6 +114,9 @@ const char* environmentOr(const char* name, const char* otherwise)
 int MessageBoxAlerts::runModal(const Alert& alert)
 {
     const CompletionGate::Hold hold(gate_);
+    const bool isUsuallyOurOwn = QCoreApplication::testAttribute(Qt::AA_DontUseNativeDialogs);
+    const auto restore =
+        qScopeGuard([=] { QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, isUsuallyOurOwn); });
     QMessageBox box(QApplication::activeWindow());
     box.setWindowModality(Qt::ApplicationModal);
     box.setWindowTitle(QApplication::applicationDisplayName());
@@ -133,6 +136,8 @@ int MessageBoxAlerts::runModal(const Alert& alert)
         label->setTextFormat(Qt::PlainText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse); // a reply may hold what is needed later
     makeRoomForLongTexts(box);
+    if (Qt::mightBeRichText(box.text()) || Qt::mightBeRichText(box.informativeText()))
+        keepOurOwn();
     box.exec();
     const auto pressed = buttons.indexOf(box.clickedButton()); // none when the program is to end
     return kFirstButton + static_cast<int>(pressed < 0 ? buttons.size() - 1 : pressed);

@@ -2,12 +2,15 @@
 
 #include "platform/qt/CompletionGate.h"
 #include "platform/qt/SystemEffects.h"
+#include "tests/support/LongTexts.h"
 
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
+#include <QClipboard>
+#include <QCoreApplication>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPlainTextEdit>
@@ -16,48 +19,20 @@
 #include <QScreen>
 #include <QTest>
 #include <QTextBlock>
+#include <QTextCursor>
 #include <QTextOption>
 #include <QTimer>
 
 #include <functional>
 #include <string>
-#include <vector>
 
 namespace platform::qt {
 
 namespace {
 
-constexpr qsizetype kMega = 1'000'000;
-
-QString repeated(const QString& text, qsizetype size = kMega)
-{
-    return text.repeated(size / text.size());
-}
-
-struct Kind {
-    const char* name;
-    QString text;
-};
-
-std::vector<Kind> kinds()
-{
-    return {{"one word", repeated(QStringLiteral("x"))},
-            {"blanks", repeated(QStringLiteral(" "))},
-            {"one line of words", repeated(QStringLiteral("the quick, brown. fox-jumps/over "))},
-            {"line breaks", repeated(QStringLiteral("\n"))},
-            {"short lines", repeated(QStringLiteral("line\n"))},
-            {"carriage returns", repeated(QStringLiteral("\r"))},
-            {"both", repeated(QStringLiteral("\r\n"))},
-            {"separators", repeated(QStringLiteral("\u2028\u2029\ufdd0\ufdd1"))},
-            {"control characters", repeated(QStringLiteral("\x01\x02\x1b\x7f\f\v"))},
-            {"null characters", QString(kMega, QChar(0))},
-            {"markup", repeated(QStringLiteral("<b>x</b>&amp;<br>"))},
-            {"right to left", repeated(QStringLiteral("שלוםمرحبا"))},
-            {"both ways", repeated(QStringLiteral("a\u05d0\u202e"))},
-            {"accents", repeated(QStringLiteral("e\u0301\u0302"))},
-            {"nothing but accents", repeated(QStringLiteral("\u0301"))},
-            {"emoji", repeated(QStringLiteral("😀👩\u200d👩\u200d👧"))}};
-}
+using test::kMega;
+using test::longTexts;
+using test::repeated;
 
 /// Without what breaks lines.
 QString inOneLine(QString text)
@@ -69,11 +44,11 @@ QString inOneLine(QString text)
 
 TEST(LongText, OfAnyKindIsWholeInFewBlocksThatAreShort)
 {
-    for (const auto& [name, text] : kinds()) {
+    for (const auto& [name, text] : longTexts()) {
         SCOPED_TRACE(name);
-        QPlainTextEdit field;
+        LongTextField field;
         field.setReadOnly(true);
-        showText(field, text);
+        field.showText(text);
         EXPECT_EQ(inOneLine(field.toPlainText()), inOneLine(text));
         EXPECT_LE(field.blockCount(), kMega / 1000 + 1);
         for (QTextBlock block = field.document()->begin(); block.isValid(); block = block.next())
@@ -87,9 +62,9 @@ TEST(LongText, KeepsItsLines)
     for (int line = 0; line < 2000; ++line)
         text += QStringLiteral("line %1%2")
                     .arg(QString::number(line), line % 2 ? QStringLiteral("\n") : QStringLiteral("\r\n"));
-    QPlainTextEdit field;
+    LongTextField field;
     field.setReadOnly(true);
-    showText(field, text);
+    field.showText(text);
     EXPECT_EQ(field.toPlainText(), QString(text).replace(QLatin1String("\r\n"), QLatin1String("\n")));
 }
 
@@ -106,6 +81,41 @@ TEST(LongText, IsBrokenBetweenWordsAndWhereNothingBelongsTogether)
         EXPECT_FALSE(piece.front().isMark());
     for (const QString& piece : pieces(QStringLiteral("abcd") + repeated(QStringLiteral("👩\u200d👧x"), 20'000)))
         EXPECT_NE(piece.front(), QChar(0x200d));
+}
+
+/// What selecting it and copying gives.
+QString copied(LongTextField& field, int from, int to)
+{
+    QTextCursor selection = field.textCursor();
+    selection.setPosition(from);
+    selection.setPosition(to, QTextCursor::KeepAnchor);
+    field.setTextCursor(selection);
+    field.copy();
+    return QGuiApplication::clipboard()->text();
+}
+
+TEST(LongText, IsCopiedWithoutTheBreaksThatItGained)
+{
+    for (const auto& [name, text] : longTexts()) {
+        SCOPED_TRACE(name);
+        LongTextField field;
+        field.setReadOnly(true);
+        const QString part = text.left(20'000);
+        field.showText(part);
+        EXPECT_EQ(copied(field, 0, field.document()->characterCount() - 1), part);
+    }
+    LongTextField field;
+    field.setReadOnly(true);
+    field.showText(QString(1500, u'\u05d0') + QStringLiteral("\r\n") + QString(4000, QLatin1Char('b')));
+    const QString shown = field.toPlainText();
+    ASSERT_EQ(shown.indexOf(QLatin1Char('\n')), 1200) << "a break that it gained";
+    const int end = static_cast<int>(shown.indexOf(QLatin1Char('b')));
+    EXPECT_EQ(copied(field, 1199, 1202), QString(2, u'\u05d0'));
+    EXPECT_EQ(copied(field, 1200, 1202), QString(1, u'\u05d0'));
+    EXPECT_EQ(copied(field, end - 2, end + 1), QStringLiteral("\u05d0\r\nb"));
+    EXPECT_EQ(copied(field, end - 1, end), QStringLiteral("\r\n"));
+    field.showText(QStringLiteral("short"));
+    EXPECT_EQ(copied(field, 1, 3), QStringLiteral("ho"));
 }
 
 TEST(LongText, BeginsBehindFourThousandCharacters)
@@ -128,22 +138,22 @@ TEST(LongText, AWordThatIsSlowToBreakIsOneOfManyLettersThatAreNotLatin)
 TEST(LongText, StaysAsItIsWhereItCanBeEditedOrIsShort)
 {
     const QString text(50'000, QLatin1Char('x'));
-    QPlainTextEdit field;
-    showText(field, text);
+    LongTextField field;
+    field.showText(text);
     EXPECT_EQ(field.toPlainText(), text);
     field.setReadOnly(true);
-    showText(field, text.left(4000));
+    field.showText(text.left(4000));
     EXPECT_EQ(field.blockCount(), 1);
     const QString line = QStringLiteral("a word of Latin letters ").repeated(5000);
-    showText(field, QStringLiteral("one\ntwo\n") + line + QStringLiteral("\nthree"));
+    field.showText(QStringLiteral("one\ntwo\n") + line + QStringLiteral("\nthree"));
     EXPECT_EQ(field.toPlainText(), QStringLiteral("one\ntwo\n") + line + QStringLiteral("\nthree"));
 }
 
 TEST(LongText, IsWrappedBetweenWordsUnlessOneIsEndless)
 {
-    QPlainTextEdit field;
+    LongTextField field;
     field.setReadOnly(true);
-    showText(field, QString(100'000, QLatin1Char('x')));
+    field.showText(QString(100'000, QLatin1Char('x')));
     EXPECT_EQ(field.wordWrapMode(), QTextOption::WrapAnywhere);
     // What stands there is gone before it would be laid out between its words, which it has not.
     QObject::connect(&field, &QPlainTextEdit::textChanged, [&] {
@@ -151,7 +161,7 @@ TEST(LongText, IsWrappedBetweenWordsUnlessOneIsEndless)
             EXPECT_LE(field.toPlainText().size(), 5);
         }
     });
-    showText(field, QStringLiteral("short"));
+    field.showText(QStringLiteral("short"));
     EXPECT_EQ(field.wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
 }
 
@@ -188,7 +198,7 @@ protected:
 
 TEST_F(AlertTest, ALongTextOfAnyKindIsWholeInAFieldOnTheScreen)
 {
-    for (const auto& [name, text] : kinds()) {
+    for (const auto& [name, text] : longTexts()) {
         SCOPED_TRACE(name);
         show("Reply", text.toStdString(), [&, &whole = text](const QMessageBox& box) {
             const auto* field = fieldOf(box);
@@ -214,7 +224,7 @@ TEST_F(AlertTest, ALongMessageIsShownSoToo)
 
 TEST_F(AlertTest, UpToFourThousandCharactersAreALabelOnTheScreen)
 {
-    for (const auto& [name, text] : kinds()) {
+    for (const auto& [name, text] : longTexts()) {
         SCOPED_TRACE(name);
         show("Reply", text.left(4000).toStdString(), [&](const QMessageBox& box) {
             EXPECT_EQ(fieldOf(box) != nullptr, hasSlowWord(box.informativeText()));
@@ -223,6 +233,22 @@ TEST_F(AlertTest, UpToFourThousandCharactersAreALabelOnTheScreen)
             expectOnScreen(box);
         });
     }
+}
+
+TEST_F(AlertTest, TheSystemShowsOnlyWhatFitsItsOwn)
+{
+    const auto isOurOwn = [&](const std::string& text) {
+        bool isOurs = false;
+        show("Reply", text,
+             [&](const QMessageBox&) { isOurs = QCoreApplication::testAttribute(Qt::AA_DontUseNativeDialogs); });
+        EXPECT_FALSE(QCoreApplication::testAttribute(Qt::AA_DontUseNativeDialogs)) << "afterwards";
+        return isOurs;
+    };
+    EXPECT_FALSE(isOurOwn("Short, 1 < 2 & 3 > 2"));
+    EXPECT_TRUE(isOurOwn("<b>bold</b>")) << "Qt would take the markup out";
+    EXPECT_TRUE(isOurOwn(std::string(100'000, 'x')));
+    EXPECT_TRUE(isOurOwn(std::string(300, '\n'))) << "higher than the screen";
+    EXPECT_TRUE(isOurOwn(std::string(1000, 'x'))) << "wider than the alert";
 }
 
 TEST_F(AlertTest, ReturnAndEscapeWorkInTheField)
