@@ -53,6 +53,7 @@ bool runAll(int& argc, char** argv);
 void addScanFigures();
 void addPropertyListFigures();
 void addEditingFigures();
+void addCommunityFigures();
 void addProgramFigures();
 
 } // namespace bench

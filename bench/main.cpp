@@ -15,6 +15,7 @@ int main(int argc, char* argv[])
     bench::addScanFigures();
     bench::addPropertyListFigures();
     bench::addEditingFigures();
+    bench::addCommunityFigures();
     bench::addProgramFigures();
     return bench::runAll(argc, argv) ? 0 : 1;
 }
