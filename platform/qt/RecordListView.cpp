@@ -180,6 +180,13 @@ void RecordListView::mousePressEvent(QMouseEvent* event)
     QTreeView::mousePressEvent(event);
 }
 
+void RecordListView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    // What the first click chose may have made room for a bar, so that another row lies under the pointer now.
+    if (!isDeliberate_)
+        QTreeView::mouseDoubleClickEvent(event);
+}
+
 void RecordListView::mouseMoveEvent(QMouseEvent* event)
 {
     if (!isDeliberate_ || event->buttons() == Qt::NoButton) // else the mark would follow the pointer from row to row

@@ -50,17 +50,23 @@ ino_t numberOf(const Path& file)
 
 TEST_F(DataStoreTest, DataFolderIsNamedAfterTheBundleInApplicationSupport)
 {
-    EXPECT_EQ(delegate().applicationDocumentsDirectory(), home_ / "data" / KV_BUNDLE_IDENTIFIER);
+    EXPECT_EQ(delegate().applicationDocumentsDirectory(), dataBelow(home_.path()) / KV_BUNDLE_IDENTIFIER);
+}
+
+#ifndef __APPLE__
+TEST_F(DataStoreTest, DataFolderLiesInTheHomeWithoutOneOfItsOwn)
+{
     ::setenv("XDG_DATA_HOME", "relative", 1);
     EXPECT_EQ(delegate().applicationDocumentsDirectory(), home_ / "home/.local/share" / KV_BUNDLE_IDENTIFIER);
     ::unsetenv("XDG_DATA_HOME");
     EXPECT_EQ(delegate().applicationDocumentsDirectory(), home_ / "home/.local/share" / KV_BUNDLE_IDENTIFIER);
     EXPECT_FALSE(std::filesystem::exists(home_ / "home/.local"));
 }
+#endif
 
 TEST_F(DataStoreTest, FirstUseMakesTheFolderWithItsParentsAndTheStore)
 {
-    EXPECT_FALSE(std::filesystem::exists(home_ / "data"));
+    EXPECT_FALSE(std::filesystem::exists(dataBelow(home_.path())));
     const auto alerts = alertsOf([this] { EXPECT_NE(delegate().persistentStoreCoordinator(), nullptr); });
     EXPECT_THAT(alerts, ElementsAre());
     EXPECT_THAT(read(store_), StartsWith("<?xml"));
@@ -117,8 +123,8 @@ TEST_F(DataStoreTest, AFileWhereTheFolderShouldBeIsToldOnEveryUse)
 TEST_F(DataStoreTest, AFolderThatCannotBeMadeIsTold)
 {
     std::filesystem::permissions(home_.path(), perms::all);
-    std::filesystem::create_directory(home_ / "data");
-    const Forbidden folder(home_ / "data", kReadOnly);
+    std::filesystem::create_directories(dataBelow(home_.path()));
+    const Forbidden folder(dataBelow(home_.path()), kReadOnly);
     EXPECT_THAT(useStore(), failureBeneath("Could not create the folder “" + data_.native() + "”.\nPermission denied"));
 }
 
@@ -126,7 +132,7 @@ TEST_F(DataStoreTest, AFolderThatCannotBeExaminedIsTold)
 {
     std::filesystem::create_directories(data_);
     {
-        const Forbidden folder(home_ / "data", perms::none);
+        const Forbidden folder(dataBelow(home_.path()), perms::none);
         EXPECT_THAT(useStore(), failureBeneath("Could not examine “" + data_.native() + "”.\nPermission denied"));
     }
     EXPECT_NE(delegate().managedObjectContext(), nullptr);
@@ -134,9 +140,9 @@ TEST_F(DataStoreTest, AFolderThatCannotBeExaminedIsTold)
 
 TEST_F(DataStoreTest, AFileAboveTheFolderIsToldAndNothingIsMade)
 {
-    write(home_ / "data", "in the way");
+    write(dataBelow(home_.path()), "in the way");
     EXPECT_THAT(useStore(), failureBeneath("Could not examine “" + data_.native() + "”.\nNot a directory"));
-    EXPECT_EQ(read(home_ / "data"), "in the way");
+    EXPECT_EQ(read(dataBelow(home_.path())), "in the way");
 }
 
 TEST_F(DataStoreTest, AStoreThatCannotBeReadIsTold)

@@ -28,7 +28,7 @@ protected:
         select("Synth");
     }
 
-    Path folder() const { return home_.path() / "state/kvOrvantaLogic_Tool/drafts"; }
+    Path folder() const { return draftsBelow(home_.path()); }
     std::ptrdiff_t files() const
     {
         if (!std::filesystem::exists(folder()))
@@ -95,6 +95,27 @@ TEST_F(DraftsWindowTest, TheBarLiesBetweenTitleAndLists)
     EXPECT_GE(topOf(find<>("pluginTableView")), topOf(bar) + bar->height());
     for (const char* name : {"bringBackDraft", "discardDraft"})
         EXPECT_TRUE(bar->isAncestorOf(find<QPushButton>(name)) && find<QPushButton>(name)->isVisible()) << name;
+}
+
+TEST_F(DraftsWindowTest, ADoubleClickLoadsNoOtherPluginThatTheBarMovedUnderThePointer)
+{
+    for (int number = 0; number < 8; ++number)
+        writeDictionary(builtIn("Z" + std::to_string(number)), orderFile(numbered(3)));
+    click("btnRunCheck");
+    leaveDraft(8, QDateTime::currentDateTime());
+    select("Z7");
+    QApplication::processEvents();
+    ASSERT_FALSE(isBarShown());
+    QWidget* list = find<QTreeView>("pluginTableView")->viewport();
+    const QPoint where = list->mapToGlobal(find<QTreeView>("pluginTableView")->visualRect(row(1)).center());
+    const auto place = [&] { return list->mapFromGlobal(where); };
+    QTest::mouseClick(list, Qt::LeftButton, {}, place());
+    QApplication::processEvents();
+    ASSERT_TRUE(isBarShown());
+    QTest::mouseDClick(list, Qt::LeftButton, {}, place()); // its second press alone
+    QTest::mouseRelease(list, Qt::LeftButton, {}, place());
+    EXPECT_EQ(controller().myArrayController()->selectionText("Plugin"), "Synth");
+    EXPECT_EQ(selectedRow("pluginTableView"), controller().myArrayController()->selectionIndex());
 }
 
 TEST_F(DraftsWindowTest, BringingBackIsUndoneAndDoneAgainByName)

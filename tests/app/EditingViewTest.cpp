@@ -515,22 +515,21 @@ TEST_F(WindowMemoryTest, WhatIsNoPlaceOfAWindowIsPassedOver)
 TEST_F(WindowMemoryTest, WritesOnlyWhatIsNew)
 {
     launch();
-    const Path file = home_ / "config/org.example.kv-test.window.plist";
     {
         const interface::WindowMemory memory(memory_, loaded());
     }
-    EXPECT_FALSE(std::filesystem::exists(file));
+    EXPECT_EQ(memory_.text("mainWindow"), std::nullopt);
     {
         const interface::WindowMemory memory(memory_, loaded());
         find<>("cwinMainWindow")->resize(1300, 850);
         QApplication::processEvents();
     }
-    const auto written = std::filesystem::last_write_time(file);
-    std::filesystem::last_write_time(file, written - std::chrono::hours(1));
+    EXPECT_NE(memory_.text("mainWindow"), std::nullopt);
     {
         const interface::WindowMemory memory(memory_, loaded());
+        memory_.setTexts({{"mainWindow", "of another running program"}});
     }
-    EXPECT_EQ(std::filesystem::last_write_time(file), written - std::chrono::hours(1));
+    EXPECT_EQ(memory_.text("mainWindow"), "of another running program");
 }
 
 } // namespace test

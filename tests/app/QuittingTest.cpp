@@ -80,7 +80,7 @@ public:
 TEST_F(QuittingTest, AStoreNeverUsedIsNotCreated)
 {
     EXPECT_EQ(delegate().applicationShouldTerminate(), Reply::now);
-    EXPECT_FALSE(std::filesystem::exists(home_ / "data"));
+    EXPECT_FALSE(std::filesystem::exists(dataBelow(home_.path())));
 }
 
 TEST_F(QuittingTest, AStoreThatCannotBeMadeDoesNotMatterUnlessItIsUsed)

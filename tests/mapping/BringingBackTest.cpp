@@ -34,7 +34,7 @@ protected:
         saved_ = order();
     }
 
-    Path folder() const { return home_.path() / "state/kvOrvantaLogic_Tool/drafts"; }
+    Path folder() const { return test::draftsBelow(home_.path()); }
     std::vector<Path> files() const { return test::filesIn(folder()); }
     /// Drafts that another run of the program would find.
     std::vector<Texts> ordersKept() const

@@ -79,7 +79,7 @@ protected:
     static constexpr std::size_t kLarge = 20000;
     static constexpr rlim_t kSmallDisk = 10000;
 
-    Path data_ = home_ / "data" / KV_BUNDLE_IDENTIFIER;
+    Path data_ = dataBelow(home_.path()) / KV_BUNDLE_IDENTIFIER;
     Path store_ = data_ / "OSXCoreDataObjC.storedata";
     Path model_ = home_ / "resources/kvOrvantaLogic_Tool.momd";
 

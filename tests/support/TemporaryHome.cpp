@@ -11,6 +11,13 @@ namespace test {
 namespace {
 
 constexpr char kOrderFile[] = "CSParameterOrder.plist";
+#ifdef __APPLE__
+constexpr char kData[] = "home/Library/Application Support";
+constexpr char kDrafts[] = "home/Library/Autosave Information/" KV_BUNDLE_IDENTIFIER;
+#else
+constexpr char kData[] = "data";
+constexpr char kDrafts[] = "state/kvOrvantaLogic_Tool/drafts";
+#endif
 
 } // namespace
 
@@ -22,6 +29,16 @@ void liveBelow(const Path& root)
                                        std::pair("XDG_DATA_HOME", "data"), std::pair("XDG_STATE_HOME", "state")})
         ::setenv(name, (root / folder).c_str(), 1);
     setBaseUrl(kNobodysUrl);
+}
+
+Path dataBelow(const Path& root)
+{
+    return root / kData;
+}
+
+Path draftsBelow(const Path& root)
+{
+    return root / kDrafts;
 }
 
 Path TemporaryHome::builtIn(const std::string& plugin) const

@@ -11,6 +11,10 @@ inline constexpr char kPreferences[] = "org.example.kv-test";
 /// Lets the program's home, the machine-wide library and all that the system keeps for a user lie below a folder.
 void liveBelow(const Path& root);
 
+/// Where the system keeps a user's application data, and the program its drafts, when they live there.
+Path dataBelow(const Path& root);
+Path draftsBelow(const Path& root);
+
 class TemporaryHome : public TemporaryFolder {
 public:
     TemporaryHome() { liveBelow(path()); }

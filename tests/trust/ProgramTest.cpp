@@ -3,6 +3,7 @@
 #include "mapping/Drafts.h"
 #include "tests/support/OrderFiles.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/TemporaryHome.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,10 +12,12 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace test {
@@ -31,6 +34,7 @@ protected:
             ::kill(process_, SIGKILL);
             ::waitpid(process_, nullptr, 0);
         }
+        closeTerminal();
     }
 
     Path presets() const { return home_ / "home/Library/Audio/Presets"; }
@@ -38,7 +42,7 @@ protected:
     /// Starts it; what the shell is to do before.
     void start(const std::string& before = ":")
     {
-        std::filesystem::remove(home_ / "log");
+        openTerminal();
         process_ = ::fork();
         ASSERT_GE(process_, 0);
         if (process_ != 0)
@@ -53,11 +57,18 @@ protected:
         ::setenv("XDG_STATE_HOME", (home_ / "state").c_str(), 1);
         ::setenv("XDG_RUNTIME_DIR", home_.path().c_str(), 1);
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        ::dup2(::open((home_ / "log").c_str(), O_WRONLY | O_CREAT, 0666), STDERR_FILENO);
+        ::dup2(::open(::ptsname(terminal_), O_RDWR | O_NOCTTY), STDERR_FILENO);
         ::execl("/bin/sh", "sh", "-c", (before + "; exec \"$0\"").c_str(), KV_PROGRAM, nullptr);
         ::_exit(127);
     }
-    std::string log() const { return std::filesystem::exists(home_ / "log") ? test::read(home_ / "log") : ""; }
+    /// What it has written so far.
+    const std::string& log()
+    {
+        char shown[4096];
+        for (ssize_t count = 0; (count = ::read(terminal_, shown, sizeof shown)) > 0;)
+            log_.append(shown, static_cast<std::size_t>(count));
+        return log_;
+    }
     void waitForLog(const std::string& text)
     {
         while (log().find(text) == std::string::npos && !hasEnded())
@@ -66,6 +77,7 @@ protected:
     void send(int signal) const { ::kill(process_, signal); }
     bool hasEnded()
     {
+        log(); // or the program would wait for room
         if (process_ > 0 && ::waitpid(process_, &status_, WNOHANG) == process_)
             process_ = 0;
         return process_ == 0;
@@ -81,7 +93,33 @@ protected:
     test::TemporaryFolder home_;
 
 private:
+    /// The log goes to a terminal on every system.
+    void openTerminal()
+    {
+        log_.clear();
+        closeTerminal();
+        terminal_ = ::posix_openpt(O_RDWR | O_NOCTTY);
+        ASSERT_TRUE(::grantpt(terminal_) == 0 && ::unlockpt(terminal_) == 0);
+        ::fcntl(terminal_, F_SETFL, O_NONBLOCK);
+        ::fcntl(terminal_, F_SETFD, FD_CLOEXEC);
+        otherEnd_ = ::open(::ptsname(terminal_), O_RDWR | O_NOCTTY | O_CLOEXEC); // keeps what an ended program wrote
+        termios settings = {};
+        ::tcgetattr(otherEnd_, &settings);
+        ::cfmakeraw(&settings); // lines end as they were written
+        ::tcsetattr(otherEnd_, TCSANOW, &settings);
+    }
+    void closeTerminal()
+    {
+        for (int* end : {&terminal_, &otherEnd_}) {
+            if (*end >= 0)
+                ::close(std::exchange(*end, -1));
+        }
+    }
+
     pid_t process_ = 0;
+    int terminal_ = -1;
+    int otherEnd_ = -1;
+    std::string log_;
     int status_ = 0;
 };
 
@@ -124,7 +162,7 @@ protected:
         start("export QT_PLUGIN_PATH='" KV_TEST_PLUGINS "' QT_QPA_GENERIC_PLUGINS=kvedit; " + before + ":");
         waitForLog("edited\n");
     }
-    Path folder() const { return home_ / "state/kvOrvantaLogic_Tool/drafts"; }
+    Path folder() const { return test::draftsBelow(home_.path()); }
     /// The drafts that another run would find.
     std::vector<mapping::Draft> drafts() const
     {
@@ -226,7 +264,7 @@ TEST_F(ProgramTest, OutlivesTheTerminalWhenItWasAskedTo)
 TEST_F(ProgramTest, OutlivesALimitOnFileSizes)
 {
     test::write(presets() / "Maker/Synth/CSParameterOrder.plist", "");
-    start("ulimit -f 0");
+    start("exec 2>'" + (home_ / "log").native() + "'; ulimit -f 0");
     for (int tenths = 0; tenths < 20 && !hasEnded(); ++tenths)
         ::usleep(100'000);
     EXPECT_FALSE(hasEnded());

@@ -11,6 +11,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <system_error>
 
 #include <fcntl.h>
 #include <grp.h>
@@ -685,6 +686,10 @@ TEST_F(FilesTest, EveryNameTheFileSystemAllowsCanBeUsed)
                                  "CSParameterOrder.plist.original",
                                  std::string(250, 'n')};
     for (const std::string& name : names) {
+        std::error_code refused; // by file systems that know UTF-8 only
+        if (!fs::create_directory(folder_ / name, refused))
+            continue;
+        fs::remove(folder_ / name);
         EXPECT_TRUE(files::writeAtomically(folder_ / name, name)) << name;
         EXPECT_TRUE(files::exists(folder_ / name)) << name;
         EXPECT_EQ(files::read(folder_ / name), name);

@@ -11,6 +11,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -307,6 +308,9 @@ TEST_F(FolderWalkTest, NamesComeAsTheFileSystemHasThem)
                                  std::string(255, 'n')};
     std::vector<std::string> expected;
     for (const std::string& name : names) {
+        std::error_code refused; // by file systems that know UTF-8 only, and take both spellings of an accent for one
+        if (!fs::create_directory(root_ / name, refused))
+            continue;
         test::write(root_ / name / name, "");
         expected.push_back(name + "/");
         expected.push_back(name + "/" + name);
