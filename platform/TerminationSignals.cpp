@@ -6,6 +6,7 @@
 #include <initializer_list>
 
 #include <fcntl.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 namespace platform {
@@ -13,22 +14,23 @@ namespace platform {
 namespace {
 
 std::atomic<int> theFirst = 0;
-int pipeEnds[2] = {-1, -1};
+int ends[2] = {-1, -1};
 
 extern "C" void noteSignal(int signal)
 {
     const int error = errno;
     int none = 0;
     theFirst.compare_exchange_strong(none, signal);
-    static_cast<void>(!::write(pipeEnds[1], "", 1)); // one byte
+    static_cast<void>(!::write(ends[1], "", 1)); // one byte
     errno = error;
 }
 
-bool openPipe()
+/// Sockets and no pipe, since sockets are what event loops on macOS promise to watch.
+bool openEnds()
 {
-    if (::pipe(pipeEnds) != 0)
+    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, ends) != 0)
         return false;
-    for (const int end : pipeEnds) {
+    for (const int end : ends) {
         ::fcntl(end, F_SETFD, FD_CLOEXEC);
         ::fcntl(end, F_SETFL, O_NONBLOCK);
     }
@@ -39,8 +41,8 @@ bool openPipe()
 
 int catchTerminationSignals()
 {
-    if (pipeEnds[0] >= 0 || !openPipe())
-        return pipeEnds[0];
+    if (ends[0] >= 0 || !openEnds())
+        return ends[0];
     for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
         struct sigaction action = {};
         ::sigaction(signal, nullptr, &action);
@@ -51,7 +53,7 @@ int catchTerminationSignals()
         sigemptyset(&action.sa_mask);
         ::sigaction(signal, &action, nullptr);
     }
-    return pipeEnds[0];
+    return ends[0];
 }
 
 int terminationSignal()
