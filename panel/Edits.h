@@ -22,4 +22,11 @@ struct Mapping {
 /// Empties slots of counted pages; others do not matter.
 void clearSlots(Mapping& edited, std::span<const std::int32_t> positions);
 
+/// Inserts empty pages, the first of them as page `beforePage`: from 1 to one behind the last.
+void insertEmptyPages(Mapping& edited, std::int32_t beforePage, std::int32_t count);
+
+/// Puts contents into the slot at a position (0 or more) and those that follow, with as many pages appended as the last
+/// parameter among them needs. Empty contents empty their slots.
+void layOn(Mapping& edited, std::int32_t position, std::span<const SlotContent> contents);
+
 } // namespace panel
