@@ -7,6 +7,7 @@
 #include "platform/controls/Record.h"
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -28,5 +29,29 @@ void insertEmptyPages(Mapping& edited, std::int32_t beforePage, std::int32_t cou
 /// Puts contents into the slot at a position (0 or more) and those that follow, with as many pages appended as the last
 /// parameter among them needs. Empty contents empty their slots.
 void layOn(Mapping& edited, std::int32_t position, std::span<const SlotContent> contents);
+
+/// Moves a slot and those that follow one on, up to the first empty one, which is used up, or onto a new last page.
+void insertSlot(Mapping& edited, std::int32_t position);
+
+/// Takes a slot out: those behind it, up to the first empty one that follows a parameter, move one back.
+void removeSlot(Mapping& edited, std::int32_t position);
+
+/// Inserts a copy of the shown page behind it and shows the copy.
+void duplicatePage(Mapping& edited);
+
+/// Takes the shown page out, the first one too, and shows the one that comes to its place. The only page is emptied.
+void cutPage(Mapping& edited);
+
+/// Lays contents on a slot and those that follow; one that is none leaves its slot as it is.
+void pasteSlots(Mapping& edited, std::int32_t position, std::span<const std::optional<SlotContent>> contents);
+
+/// Inserts pages with these contents behind the shown one and shows the first of them.
+void pastePages(Mapping& edited, std::span<const std::optional<SlotContent>> contents);
+
+/// Lays every parameter of the list that is on no pot behind the last one that is, and shows where they begin.
+void mapUnmapped(Mapping& edited, std::span<const platform::Record> parameters);
+
+/// Closes up all parameters and leaves as many pages as they need. What stood first on the shown page stays in sight.
+void tidyUp(Mapping& edited);
 
 } // namespace panel

@@ -44,6 +44,8 @@ std::size_t parametersBehind(const Entries& entries, std::int32_t pages);
 struct SlotContent {
     std::string number;
     std::string name;
+
+    bool operator==(const SlotContent&) const = default;
 };
 
 SlotContent contentOf(const platform::Record& entry);
