@@ -1,7 +1,7 @@
 #pragma once
 // What controller and delegate do to the world beyond files: alerts and errors, opening a file for the user,
-// well-known folders, the log, preferences, JSON and HTTP, translated texts and undo managers. `main` composes the real
-// ones and hands them over in one Platform.
+// well-known folders, the log, preferences, JSON and HTTP, translated texts, the clipboard and undo managers. `main`
+// composes the real ones and hands them over in one Platform.
 
 #include "platform/UndoManager.h"
 #include "platform/controls/Record.h"
@@ -72,6 +72,18 @@ public:
     virtual ~Localization() = default;
     /// The text in the user's language; the English text itself where there is no translation.
     virtual std::string localizedString(const std::string& english) const = 0;
+    /// A text without what people pass over when they compare names: case and accents.
+    virtual std::string folded(std::string_view text) const = 0;
+};
+
+/// The system's clipboard, with content in a form of the program's own beside the text that other programs get.
+class Clipboard {
+public:
+    virtual ~Clipboard() = default;
+    virtual void set(const std::string& own, const std::string& text) = 0;
+    virtual bool holdsOwn() const = 0;
+    /// Anybody may have put it there; empty when there is none.
+    virtual std::string own() const = 0;
 };
 
 /// The system log: one line a call, in order.
@@ -116,6 +128,7 @@ struct Platform {
     ErrorPresentation& errors;
     Localization& localization;
     UndoManagers& undoManagers;
+    Clipboard& clipboard;
 };
 
 } // namespace platform

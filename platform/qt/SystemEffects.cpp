@@ -3,14 +3,17 @@
 #include "platform/files/FileUrl.h"
 #include "platform/qt/CompletionGate.h"
 #include "platform/qt/LongText.h"
+#include "platform/qt/RecordSort.h"
 #include "platform/qt/Text.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDesktopServices>
 #include <QDir>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QScreen>
@@ -190,6 +193,31 @@ std::filesystem::path UserFolders::resources() const
 std::string TranslatedTexts::localizedString(const std::string& english) const
 {
     return fromQt(QCoreApplication::translate("Localizable", english.c_str()));
+}
+
+std::string TranslatedTexts::folded(std::string_view text) const
+{
+    return fromQt(foldedForSearch(toQt(text)));
+}
+
+void SystemClipboard::set(const std::string& own, const std::string& text)
+{
+    auto* content = new QMimeData;
+    content->setData(QLatin1String(kOwnType), QByteArray::fromStdString(own));
+    content->setText(toQt(text));
+    QGuiApplication::clipboard()->setMimeData(content);
+}
+
+bool SystemClipboard::holdsOwn() const
+{
+    const QMimeData* content = QGuiApplication::clipboard()->mimeData();
+    return content && content->hasFormat(QLatin1String(kOwnType));
+}
+
+std::string SystemClipboard::own() const
+{
+    const QMimeData* content = QGuiApplication::clipboard()->mimeData();
+    return content ? content->data(QLatin1String(kOwnType)).toStdString() : std::string();
 }
 
 } // namespace platform::qt

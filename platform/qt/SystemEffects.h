@@ -1,5 +1,6 @@
 #pragma once
-// The real effects on a desktop: modal message boxes, the desktop's file opener, the user's folders, translations.
+// The real effects on a desktop: modal message boxes, the desktop's file opener, the user's folders, translations,
+// the clipboard.
 
 #include "platform/Effects.h"
 
@@ -38,6 +39,17 @@ public:
 class TranslatedTexts final : public Localization {
 public:
     std::string localizedString(const std::string& english) const override;
+    std::string folded(std::string_view text) const override;
+};
+
+class SystemClipboard final : public Clipboard {
+public:
+    /// MIME type of the program's own form.
+    static constexpr char kOwnType[] = "application/x-kv-slots";
+
+    void set(const std::string& own, const std::string& text) override;
+    bool holdsOwn() const override;
+    std::string own() const override;
 };
 
 } // namespace platform::qt

@@ -46,6 +46,7 @@ struct SystemPlatform {
     QtJson json;
     TranslatedTexts localization;
     UndoStacks undoManagers;
+    SystemClipboard clipboard;
     const Instead instead;
     ErrorAlerts errors{either(instead.alerts, alerts)};
     Platform platform{either(instead.alerts, alerts),
@@ -57,7 +58,8 @@ struct SystemPlatform {
                       json,
                       either(instead.errors, errors),
                       localization,
-                      undoManagers};
+                      undoManagers,
+                      clipboard};
 
 private:
     template <typename Effect, typename Real>
