@@ -21,6 +21,7 @@
 #include "mapping/EditingSnapshot.h"
 #include "mapping/MappedPots.h"
 #include "mapping/MappingStore.h"
+#include "panel/OfferedHere.h"
 #include "panel/PotChoice.h"
 #include "platform/Effects.h"
 #include "platform/Http.h"
@@ -187,6 +188,23 @@ public:
     /// What operations that need a pot or a page act on.
     platform::Property<panel::PotChoice> potChoice;
     void clearPage(Sender = nullptr);
+    void clearPot(Sender = nullptr);
+    /// Copies what is chosen and empties it; a page is taken out.
+    void cutSlots(Sender = nullptr);
+    void copySlots(Sender = nullptr);
+    /// Lays copied pots on the focused one, or the shown page's first, and the following; inserts copied pages behind
+    /// the shown one. What comes from another plug-in is looked up in the list offered for assignment.
+    void pasteSlots(Sender = nullptr);
+    bool canPaste() const { return platform_.clipboard.holdsOwn(); }
+    /// How much of what was pasted is offered here, until something else is done.
+    platform::Property<panel::Placed> placed;
+    void insertPot(Sender = nullptr);
+    void removePot(Sender = nullptr);
+    /// Inserts an empty page before the shown one and shows it.
+    void insertPage(Sender = nullptr);
+    void duplicatePage(Sender = nullptr);
+    void mapUnmapped(Sender = nullptr);
+    void tidyUp(Sender = nullptr);
 
     // Chart
 

@@ -87,6 +87,7 @@ void ViewController::finishEdit(const std::string& name, const mapping::EditingS
                                 const std::string& pathBefore)
 {
     const DraftStep draftStep = std::exchange(draftStep_, DraftStep::none);
+    placed.set({});
     if (labPluginPlistLocation()->stringValue.get() != pathBefore) {
         history_->forgetAll(); // another plug-in
         ++historyRevision_;
@@ -110,6 +111,7 @@ void ViewController::goThrough(const mapping::EditingChange& change, bool forwar
     if (draftStep == DraftStep::bringsBack || (forward && draftStep == DraftStep::leavesEdits))
         leaveEdits();
     draftStep_ = DraftStep::none;
+    placed.set({});
     ++historyRevision_;
     const auto go = forward ? mapping::makeAgain : mapping::takeBack;
     const mapping::EditingNumbers& numbers = forward ? change.after : change.before;

@@ -9,6 +9,7 @@ void ViewController::btnRunCheck(Sender)
 {
     const Operation operation(*this);
     keepDraft();
+    placed.set({});
     myArrayController()->setContent({});
     arrayControllerPlistSelected()->setContent({});
     arrayControllerPlistSelected()->filterText.set({});

@@ -12,6 +12,7 @@
 
 #include <span>
 #include <string_view>
+#include <utility>
 
 namespace interface {
 
@@ -19,6 +20,7 @@ namespace interface {
 struct Keys {
     Keys() = default;
     Keys(QKeySequence::StandardKey standard) : sequences(QKeySequence::keyBindings(standard)) {}
+    Keys(QList<QKeySequence> several) : sequences(std::move(several)) {}
     Keys(const QString& keys) : sequences{QKeySequence(keys)} {}
     Keys(const char* keys) : Keys(QString::fromLatin1(keys)) {}
 
@@ -38,7 +40,11 @@ enum class Needs {
     plugin,  ///< and its plug-in is the selected row
     pot,     ///< a mapping, and a pot has the focus
     slots,   ///< or the tile of a page has
+    copied,  ///< and slots that were copied are on the clipboard
 };
+
+/// Places of the main window with context menus and plain keys of their own; together where one is not enough.
+enum Places : unsigned { kNowhere = 0, kOnPots = 1, kOnTiles = 2, kOnParameters = 4 };
 
 /// Rows of buttons in the main window; a row has them in the table's order.
 enum class ButtonRow {
@@ -72,7 +78,9 @@ public:
     Mark mark = Mark::none;
     QAction::MenuRole role = QAction::NoRole; ///< where a Mac puts it, which is not guessed from its text
     Keys keys = {};
-    Keys plainKeys = {};  ///< work on the panel, a pot's in the parameter list too, a page's on the strip
+    Keys plainKeys = {}; ///< work where they are at home only
+    unsigned plainKeyPlaces = kOnPots | kOnTiles;
+    unsigned contexts = kNowhere; ///< whose context menus have it
     bool repeats = false; ///< while a key is held down; nothing that edits does, but what can be taken back again
     Needs needs = Needs::nothing;
     Call call = nullptr; ///< null: what its button does by itself, or what somebody connects who knows more

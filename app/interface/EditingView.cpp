@@ -17,10 +17,13 @@
 #include "plugins/PluginScan.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QAction>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QDateTime>
 #include <QEvent>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLocale>
 
@@ -90,6 +93,7 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
       redo_(loaded.find<QAction>("redo")),
       modeItems_{loaded.find<QAction>("modeInsertEffect"), loaded.find<QAction>("modeInstrument")},
       leftoverHint_(loaded.find<QLabel>("leftoverHint")),
+      placedHint_(loaded.find<QLabel>("placedHint")),
       draftBar_(loaded.find<DraftBar>("draftBar")),
       draftItems_{loaded.find<QAction>("bringBackDraft"), loaded.find<QAction>("discardDraft")}
 {
@@ -135,6 +139,8 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
 
     connections_.push_back(controller_.editingChanged.connect([this] { refresh(); }));
     connections_.push_back(controller_.potChoice.onChange([this](const auto&) { enableWhatCanBeDone(); }));
+    connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this, &EditingView::enableWhatCanBeDone);
+    connections_.push_back(controller_.placed.onChange([this](const auto&) { showPlaced(); }));
     connections_.push_back(controller_.draftsChanged.connect([this] {
         showDraft();
         plugins_->records().refreshMarks();
@@ -232,17 +238,40 @@ void EditingView::showDraft()
         draftBar_->tell(tr("%1 unsaved pots from %2").arg(QLocale().toString(pots), date));
 }
 
+void EditingView::showPlaced()
+{
+    const panel::Placed& placed = controller_.placed.get();
+    QStringList names;
+    for (const std::string& name : placed.missing)
+        names += qt::toQt(name);
+    const QLocale locale;
+    // All in one go, since a name may hold "%1" itself.
+    const QString text = names.isEmpty() ? QString()
+                                         : tr("%1 of %2 placed; not offered here: %3")
+                                               .arg(locale.toString(placed.placed), locale.toString(placed.wanted),
+                                                    names.join(QStringLiteral(", ")));
+    placedHint_->setText(text);
+    placedHint_->setToolTip(text);
+    placedHint_->setVisible(!text.isEmpty());
+    if (text.isEmpty())
+        return;
+    QAccessibleEvent told(placedHint_, QAccessible::Alert);
+    QAccessible::updateAccessibility(&told);
+}
+
 void EditingView::enableWhatCanBeDone()
 {
     const bool hasMapping = controller_.isMappingLoaded();
     const bool hasPlugin = controller_.isPluginBeingEdited();
     const panel::PotChoice& choice = controller_.potChoice.get();
     const bool hasPot = hasMapping && choice.focusedPot != panel::PotChoice::kNone;
+    const bool hasSlots = hasPot || (hasMapping && choice.isPage);
     const auto canBeDone = [&](Needs needs) {
         switch (needs) {
         case Needs::plugin: return hasPlugin;
         case Needs::pot: return hasPot;
-        case Needs::slots: return hasPot || (hasMapping && choice.isPage);
+        case Needs::slots: return hasSlots;
+        case Needs::copied: return hasSlots && controller_.canPaste();
         default: return hasMapping;
         }
     };

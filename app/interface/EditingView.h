@@ -64,6 +64,7 @@ private:
     void showHints();
     void showLeftovers();
     void showDraft();
+    void showPlaced();
     void markPlugins();
     void keepDraft();
     void describeBackup(const RecallButton& recall);
@@ -86,6 +87,7 @@ private:
     QAction* modeItems_[2]; ///< by mode
     std::vector<RecallButton> recalls_;
     QLabel* leftoverHint_;
+    QLabel* placedHint_;
     LeavingButton clearAll_;
     LeavingButton newPage_;
     LeavingButton save_;

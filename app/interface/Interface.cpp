@@ -3,6 +3,7 @@
 #include "app/ViewController.h"
 #include "app/interface/Actions.h"
 #include "app/interface/CommunityWindows.h"
+#include "app/interface/ContextMenus.h"
 #include "app/interface/EditingView.h"
 #include "app/interface/MainWindow.h"
 #include "app/interface/panel/FrontPanel.h"
@@ -27,6 +28,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string_view>
+#include <utility>
 
 namespace interface {
 
@@ -105,9 +107,9 @@ const OutletEntry<Window> kWindows[] = {
     {"cwinCloudWindow", &Outlets::setCwinCloudWindow},
 };
 
-/// Where the plain keys of pots and of pages work.
-const char* const kPotKeyPlaces[] = {"tablePlistOfSelectedPlugin", "frontPanel"};
-const char* const kPageKeyPlaces[] = {"frontPanel", "pageOverview"};
+/// Where plain keys work.
+const std::pair<Places, const char*> kPlaces[] = {
+    {kOnPots, "frontPanel"}, {kOnTiles, "pageOverview"}, {kOnParameters, "tablePlistOfSelectedPlugin"}};
 
 void bindTextField(const std::shared_ptr<TextField>& field, QWidget* widget)
 {
@@ -147,11 +149,18 @@ void join(QAbstractButton* button, QAction* item, const Action& action)
     QObject::connect(item, &QAction::changed, button, follow);
 }
 
-panel::PotChoice potChoiceAt(const QWidget* focused)
+panel::PotChoice potChoiceAt(const QWidget* focused, const FrontPanel& panel)
 {
-    if (const auto* pot = qobject_cast<const Pot*>(focused))
-        return {pot->number() - 1, {pot->number() - 1}, false};
-    return {panel::PotChoice::kNone, {}, qobject_cast<const PageOverview*>(focused) != nullptr};
+    panel::PotChoice choice;
+    choice.isPage = qobject_cast<const PageOverview*>(focused) != nullptr;
+    if (const auto* pot = qobject_cast<const Pot*>(focused)) {
+        choice.focusedPot = pot->number() - 1;
+        for (const int chosen : panel.chosenPots())
+            choice.pots.push_back(chosen - 1);
+        if (choice.pots.empty())
+            choice.pots = {choice.focusedPot};
+    }
+    return choice;
 }
 
 } // namespace
@@ -238,8 +247,10 @@ void Interface::connectActions()
         if (auto* button = find<QAbstractButton>(action.buttonName()))
             join(button, item, action);
         for (const QKeySequence& plain : action.plainKeys.sequences) {
-            for (const char* place : action.pot > 0 ? kPotKeyPlaces : kPageKeyPlaces) {
-                auto* key = new QShortcut(plain, find<QWidget>(place));
+            for (const auto& [place, name] : kPlaces) {
+                if (!(action.plainKeyPlaces & place))
+                    continue;
+                auto* key = new QShortcut(plain, find<QWidget>(name));
                 key->setAutoRepeat(action.repeats);
                 key->setContext(Qt::WidgetWithChildrenShortcut);
                 QObject::connect(key, &QShortcut::activated, item, &QAction::trigger);
@@ -274,12 +285,23 @@ void Interface::connectPanel()
     QObject::connect(panel, &FrontPanel::potDropped, panel,
                      [this](int from, int onto) { controller_.exchangeControls(from - 1, onto - 1); });
     auto* overview = find<PageOverview>("pageOverview");
-    // A menu is opened to do something with what had the focus.
-    QObject::connect(qApp, &QApplication::focusChanged, panel, [this](QWidget*, const QWidget* now) {
+    contextMenus_ = std::make_unique<ContextMenus>(*this, [this](const QWidget* meant) { choosePots(meant); });
+    // A menu is opened to do something with what had the focus. Followed for as long as this has its windows.
+    QObject::connect(qApp, &QApplication::focusChanged, contextMenus_.get(), [this](QWidget*, const QWidget* now) {
         if (now && !qobject_cast<const QMenuBar*>(now) && !qobject_cast<const QMenu*>(now))
-            controller_.potChoice.set(potChoiceAt(now));
+            choosePots(now);
     });
+    QObject::connect(panel, &FrontPanel::choiceChanged, contextMenus_.get(),
+                     [this] { choosePots(QApplication::focusWidget()); });
     QObject::connect(overview, &PageOverview::pageChosen, overview, [this](int page) { controller_.showPage(page); });
+}
+
+void Interface::choosePots(const QWidget* focused)
+{
+    auto* panel = find<FrontPanel>("frontPanel");
+    if (!qobject_cast<const Pot*>(focused))
+        panel->leaveChoice();
+    controller_.potChoice.set(potChoiceAt(focused, *panel));
 }
 
 } // namespace interface

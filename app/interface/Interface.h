@@ -17,6 +17,7 @@ class ViewController;
 
 namespace interface {
 
+class ContextMenus;
 class EditingView;
 struct Action;
 
@@ -51,6 +52,8 @@ private:
     void connectActions();
     void connectCall(const Action& action, QAction* item);
     void connectPanel();
+    /// What operations that need a pot or a page mean while this has the focus.
+    void choosePots(const QWidget* focused);
 
     ViewController& controller_;
     std::vector<std::unique_ptr<QWidget>> windows_;
@@ -60,6 +63,7 @@ private:
     /// The label that the controller refers to without owning it.
     std::shared_ptr<platform::TextField> loggedInAs_;
     std::vector<platform::Connection> connections_;
+    std::unique_ptr<ContextMenus> contextMenus_;
     std::unique_ptr<EditingView> editing_; // goes first: it follows the others
 };
 

@@ -213,6 +213,9 @@ QLayout* makeStatusRow()
     auto* layout = new QHBoxLayout;
     layout->setSpacing(14);
     layout->addWidget(makeLabel("labelHelperDisplay"), 5);
+    auto* placed = makeLabel("placedHint");
+    placed->hide();
+    layout->addWidget(placed, 5);
     layout->addWidget(makeLabel("pageLimitWarning"), 0);
     auto* unsaved = makeLabel("unsavedReadOut");
     unsaved->setFont(boldFont(unsaved->font()));

@@ -12,6 +12,30 @@
 
 namespace interface {
 
+namespace {
+
+/// A menu for a place with the items that are made already, and lines where the menu bar has some.
+void makeContextMenu(QMainWindow& window, const char* name, const QString& title, Places place)
+{
+    auto* menu = new QMenu(title, &window);
+    menu->setObjectName(QLatin1String(name));
+    menu->setToolTipsVisible(true);
+    bool beginsSection = false;
+    const Action* above = nullptr;
+    for (const Action& action : Action::all()) {
+        beginsSection |= action.beginsSection;
+        if (!(action.contexts & place))
+            continue;
+        if (above && (beginsSection || above->menu != action.menu))
+            menu->addSeparator();
+        menu->addAction(window.findChild<QAction*>(QLatin1String(action.name)));
+        beginsSection = false;
+        above = &action;
+    }
+}
+
+} // namespace
+
 void makeMenus(QMainWindow& window, bool hasWindowMenu)
 {
     QMenuBar* bar = window.menuBar();
@@ -52,6 +76,9 @@ void makeMenus(QMainWindow& window, bool hasWindowMenu)
         if (menu)
             menu->addAction(item);
     }
+    makeContextMenu(window, "potMenu", QObject::tr("Pot"), kOnPots);
+    makeContextMenu(window, "tileMenu", QObject::tr("Page"), kOnTiles);
+    makeContextMenu(window, "parameterMenu", QObject::tr("Parameter"), kOnParameters);
 }
 
 } // namespace interface

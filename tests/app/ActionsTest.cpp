@@ -111,6 +111,7 @@ const char* const kTakenOnAMac[] = {
 const std::map<std::string, std::string> kMeant = {
     {"terminate", "Ctrl+Q"}, {"closeWindow", "Ctrl+W"}, {"minimiseWindow", "Ctrl+M"},
     {"undo", "Ctrl+Z"},      {"redo", "Ctrl+Shift+Z"},  {"kvHelpMe", "Ctrl+?"},
+    {"cutSlots", "Ctrl+X"},  {"copySlots", "Ctrl+C"},   {"pasteSlots", "Ctrl+V"},
 };
 
 std::string named(const QKeySequence& keys)

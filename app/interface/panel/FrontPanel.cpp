@@ -26,7 +26,7 @@ bool isEmptyName(const QString& name)
     return name.isEmpty() || name == QLatin1String("-");
 }
 
-QString accessibleNameOf(int pot, const QString& name, int page, int pages)
+QString placeOf(int pot, const QString& name, int page, int pages)
 {
     const QString number = QString::number(pot);
     if (pages < 1)
@@ -36,6 +36,12 @@ QString accessibleNameOf(int pot, const QString& name, int page, int pages)
         return FrontPanel::tr("Pot %1, empty, page %2 of %3")
             .arg(number, QString::number(page), QString::number(pages));
     return FrontPanel::tr("Pot %1, %2, page %3 of %4").arg(number, name, QString::number(page), QString::number(pages));
+}
+
+QString accessibleNameOf(const Pot& pot, const QString& name, int page, int pages)
+{
+    const QString place = placeOf(pot.number(), name, page, pages);
+    return pot.isChosen() ? FrontPanel::tr("%1, chosen").arg(place) : place;
 }
 
 /// The pot's number in what is dragged, or 0.
@@ -101,6 +107,10 @@ void FrontPanel::makePots()
         const auto at = static_cast<std::size_t>(number - 1);
         auto* pot = pots_[at] = new Pot(number, this);
         connect(pot, &Pot::pulled, this, [this, pot] { dragPot(pot); });
+        connect(pot, &Pot::clickedToChoose, this, [this, number](auto modifiers) { extendChoice(number, modifiers); });
+        connect(pot, &Pot::reached, this, [this, number] { beginChoiceAt(number); });
+        connect(pot, &Pot::pressed, this, [this, number] { beginChoiceAt(number); });
+        connect(pot, &Pot::clicked, this, [this, number] { beginChoiceAt(number); });
         labels_[at] = makeDisplay(QStringLiteral("kvControl%1").arg(number), 2, this);
         labels_[at]->setText(QStringLiteral("-"));
     }
@@ -108,9 +118,85 @@ void FrontPanel::makePots()
 
 void FrontPanel::setShownPage(int page, int pages)
 {
+    if (page != page_)
+        giveUpChoice();
     page_ = page;
     pages_ = pages;
     followLabels();
+}
+
+std::vector<int> FrontPanel::chosenPots() const
+{
+    std::vector<int> chosen;
+    for (const Pot* pot : pots_) {
+        if (pot->isChosen())
+            chosen.push_back(pot->number());
+    }
+    return chosen;
+}
+
+void FrontPanel::leaveChoice()
+{
+    beginChoiceAt(kNoPot);
+}
+
+void FrontPanel::mean(const Pot& pot)
+{
+    if (!pot.isChosen())
+        beginChoiceAt(pot.number());
+}
+
+void FrontPanel::beginChoiceAt(int pot)
+{
+    choiceBegin_ = pot;
+    setChoice({});
+}
+
+void FrontPanel::giveUpChoice()
+{
+    const auto focused = std::find_if(pots_.begin(), pots_.end(), [](const Pot* pot) { return pot->hasFocus(); });
+    beginChoiceAt(focused != pots_.end() ? (*focused)->number() : kNoPot);
+}
+
+void FrontPanel::setChoice(const Choice& choice)
+{
+    if (choice == choice_)
+        return;
+    choice_ = choice;
+    for (std::size_t i = 0; i < pots_.size(); ++i)
+        pots_[i]->setChosen(choice[i]);
+    followLabels();
+    Q_EMIT choiceChanged();
+}
+
+void FrontPanel::extendChoice(int pot, Qt::KeyboardModifiers modifiers)
+{
+    const int begin = choiceBegin_ == kNoPot ? pot : choiceBegin_;
+    Choice choice;
+    if (modifiers & Qt::ShiftModifier) {
+        choiceBegin_ = begin;
+        for (int each = std::min(begin, pot); each <= std::max(begin, pot); ++each)
+            choice.set(static_cast<std::size_t>(each - 1));
+    } else {
+        const auto clicked = static_cast<std::size_t>(pot - 1);
+        choice = choice_;
+        if (choice.none())
+            choice.set(static_cast<std::size_t>(begin - 1)).set(clicked);
+        else
+            choice.flip(clicked);
+        choiceBegin_ = pot;
+    }
+    setChoice(choice);
+}
+
+void FrontPanel::goTo(Pot& pot, Qt::FocusReason reason, Qt::KeyboardModifiers modifiers)
+{
+    const int begin = choiceBegin_;
+    pot.setFocus(reason);
+    if (!(modifiers & Qt::ShiftModifier))
+        return;
+    choiceBegin_ = begin;
+    extendChoice(pot.number(), Qt::ShiftModifier);
 }
 
 void FrontPanel::followLabels()
@@ -118,7 +204,7 @@ void FrontPanel::followLabels()
     for (std::size_t i = 0; i < pots_.size(); ++i) {
         const QString name = labels_[i]->text();
         pots_[i]->setMapped(!isEmptyName(name));
-        const QString spoken = accessibleNameOf(pots_[i]->number(), name, page_, pages_);
+        const QString spoken = accessibleNameOf(*pots_[i], name, page_, pages_);
         if (spoken != pots_[i]->accessibleName())
             pots_[i]->setAccessibleName(spoken);
     }
@@ -224,9 +310,13 @@ void FrontPanel::keyPressEvent(QKeyEvent* event)
     const auto focused = std::find_if(pots_.begin(), pots_.end(), [](const Pot* pot) { return pot->hasFocus(); });
     // The hardware's pots stand from left to right in every language.
     if (focused != pots_.end() && event->key() == Qt::Key_Left && focused != pots_.begin())
-        (*std::prev(focused))->setFocus(Qt::BacktabFocusReason);
+        goTo(**std::prev(focused), Qt::BacktabFocusReason, event->modifiers());
     else if (focused != pots_.end() && event->key() == Qt::Key_Right && std::next(focused) != pots_.end())
-        (*std::next(focused))->setFocus(Qt::TabFocusReason);
+        goTo(**std::next(focused), Qt::TabFocusReason, event->modifiers());
+    else if (focused != pots_.end() && event->matches(QKeySequence::SelectAll))
+        setChoice(Choice().set());
+    else if (event->key() == Qt::Key_Escape && choice_.any())
+        giveUpChoice();
     else
         QFrame::keyPressEvent(event);
 }

@@ -8,6 +8,8 @@
 #include <QPixmap>
 
 #include <array>
+#include <bitset>
+#include <vector>
 
 namespace platform::qt {
 class ElidedLabel;
@@ -26,6 +28,14 @@ public:
     /// The page that the labels are of, from 1; 0 pages without a mapping. Pots follow the labels by themselves.
     void setShownPage(int page, int pages);
 
+    /// Pots, 1 to 8 and ascending, that were chosen to be meant together: by Shift and Ctrl with a click, by Shift with
+    /// Left and Right, all by the key for that. A press, Escape, and going elsewhere give it up.
+    std::vector<int> chosenPots() const;
+    /// Nobody is on the panel.
+    void leaveChoice();
+    /// Somebody means a pot without pressing it: those chosen where it is one of them, else it alone.
+    void mean(const Pot& pot);
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
@@ -34,6 +44,7 @@ Q_SIGNALS:
     void parameterDropped(int pot);
     /// A pot was dropped on another one, both 1 to 8.
     void potDropped(int from, int onto);
+    void choiceChanged();
 
 protected:
     bool event(QEvent* event) override;
@@ -41,7 +52,7 @@ protected:
     void showEvent(QShowEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-    /// Left and Right move from pot to pot.
+    /// Left and Right move from pot to pot, and with Shift choose them.
     void keyPressEvent(QKeyEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
@@ -50,6 +61,7 @@ protected:
 
 private:
     static constexpr int kNoPot = 0;
+    using Choice = std::bitset<PanelLayout::kPots>;
 
     void makeReadOuts();
     void makePots();
@@ -58,6 +70,11 @@ private:
     void placeChildren();
     void drawAnew();
     void dragPot(Pot* pot);
+    void setChoice(const Choice& choice);
+    void beginChoiceAt(int pot);
+    void giveUpChoice();
+    void extendChoice(int pot, Qt::KeyboardModifiers modifiers);
+    void goTo(Pot& pot, Qt::FocusReason reason, Qt::KeyboardModifiers modifiers);
     int targetOf(const QDropEvent& event) const;
     void setTarget(int pot);
 
@@ -71,6 +88,8 @@ private:
     int page_ = 0;
     int pages_ = 0;
     int target_ = kNoPot;
+    Choice choice_;            ///< none: the pot with the focus is meant
+    int choiceBegin_ = kNoPot; ///< the pot where somebody was last, from which Shift goes on
 };
 
 } // namespace interface

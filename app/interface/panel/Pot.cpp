@@ -3,6 +3,7 @@
 #include "app/interface/panel/PotDrawing.h"
 
 #include <QApplication>
+#include <QFocusEvent>
 #include <QHoverEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -33,6 +34,14 @@ void Pot::setDropTarget(bool isTarget)
     if (isTarget == isDropTarget_)
         return;
     isDropTarget_ = isTarget;
+    update();
+}
+
+void Pot::setChosen(bool isChosen)
+{
+    if (isChosen == isChosen_)
+        return;
+    isChosen_ = isChosen;
     update();
 }
 
@@ -77,6 +86,7 @@ PotLook Pot::look() const
     look.isPressed = isDown();
     look.hasFocus = hasFocus();
     look.isDropTarget = isDropTarget_;
+    look.isChosen = isChosen_;
     return look;
 }
 
@@ -84,6 +94,18 @@ void Pot::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     drawPot(painter, QRectF(rect()), look(), panelColours(palette()), font());
+}
+
+void Pot::focusInEvent(QFocusEvent* event)
+{
+    QPushButton::focusInEvent(event);
+    switch (event->reason()) {
+    case Qt::TabFocusReason:
+    case Qt::BacktabFocusReason:
+    case Qt::ShortcutFocusReason:
+    case Qt::OtherFocusReason: Q_EMIT reached(); return;
+    default: return; // a click tells by itself what it means; from a menu or another window it comes back
+    }
 }
 
 void Pot::keyPressEvent(QKeyEvent* event)
@@ -104,8 +126,13 @@ void Pot::keyPressEvent(QKeyEvent* event)
 
 void Pot::mousePressEvent(QMouseEvent* event)
 {
-    isPulled_ = false;
     pressedAt_ = event->pos();
+    const bool chooses = event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier);
+    isPulled_ = chooses && event->button() == Qt::LeftButton && hitButton(pressedAt_);
+    if (isPulled_) {
+        Q_EMIT clickedToChoose(event->modifiers());
+        return;
+    }
     QPushButton::mousePressEvent(event);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 // One pot of the front panel: a push button that looks like a knob. It is pressed inside the circle only, and pulled
-// further than the system's drag distance it is dragged instead of pressed.
+// further than the system's drag distance it is dragged instead of pressed. Several can be chosen.
 
 #include <QPushButton>
 
@@ -21,15 +21,23 @@ public:
     bool isMapped() const { return isMapped_; }
     /// Whether what is being dragged would be dropped here.
     void setDropTarget(bool isTarget);
+    /// Whether it is one of several that operations are meant for.
+    void setChosen(bool isChosen);
+    bool isChosen() const { return isChosen_; }
 
 Q_SIGNALS:
     /// The mouse has pulled far enough for a drag; no click follows.
     void pulled();
+    /// Clicked with Shift or Ctrl, which presses nothing.
+    void clickedToChoose(Qt::KeyboardModifiers modifiers);
+    /// Got the focus otherwise than by mouse.
+    void reached();
 
 protected:
     bool hitButton(const QPoint& position) const override;
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -44,8 +52,9 @@ private:
     int number_;
     bool isMapped_ = false;
     bool isDropTarget_ = false;
+    bool isChosen_ = false;
     bool isHovered_ = false;
-    bool isPulled_ = false;
+    bool isPulled_ = false; ///< the mouse is held for something else than a press
     QPoint pressedAt_;
 };
 

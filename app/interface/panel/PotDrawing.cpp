@@ -225,6 +225,28 @@ void drawMarks(const Drawing& d)
     }
 }
 
+/// Under the pot a plate, so that chosen ones are seen to belong together.
+void drawPlate(const Drawing& d)
+{
+    const QRectF plate = d.circle(0.985);
+    d.painter.setPen(QPen(d.c.focus, std::max(1.0, d.at(0.02))));
+    d.painter.setBrush(faded(d.c.focus, 56));
+    d.painter.drawRoundedRect(plate, d.at(0.16), d.at(0.16));
+}
+
+/// A tick in a disc, in the corner that nothing else needs.
+void drawTick(const Drawing& d)
+{
+    const double radius = std::max(6.0, d.at(0.17));
+    const QPointF centre = d.centre + QPointF(d.at(0.94) - radius, radius - d.at(0.94));
+    const auto at = [&](double x, double y) { return centre + QPointF(x, y) * radius; };
+    d.painter.setPen(QPen(d.c.faceTop, radius * 0.14));
+    d.painter.setBrush(d.c.focus);
+    d.painter.drawEllipse(centre, radius, radius);
+    d.painter.setPen(QPen(d.c.faceTop, radius * 0.26, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    d.painter.drawPolyline(QPolygonF{at(-0.45, 0.05), at(-0.12, 0.4), at(0.48, -0.38)});
+}
+
 void drawBody(const Drawing& d)
 {
     const double pointer = d.look.isMapped ? kMappedPointer : -kTurn;
@@ -273,10 +295,14 @@ void drawPot(QPainter& painter, const QRectF& square, const PotLook& look, const
              const QFont& font)
 {
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.drawPixmap(square.topLeft(), bodyOf(square.size(), painter.deviceTransform().m11(), look, colours));
     const Drawing d{painter, square.center(), std::min(square.width(), square.height()) / 2, look, colours};
+    if (look.isChosen)
+        drawPlate(d);
+    painter.drawPixmap(square.topLeft(), bodyOf(square.size(), painter.deviceTransform().m11(), look, colours));
     drawNumber(d, font);
     drawMarks(d);
+    if (look.isChosen)
+        drawTick(d);
 }
 
 } // namespace interface

@@ -18,6 +18,7 @@ struct PotLook {
     bool isPressed = false;
     bool hasFocus = false;
     bool isDropTarget = false;
+    bool isChosen = false;
 };
 
 /// Fills the square; the cap lies in its middle.
