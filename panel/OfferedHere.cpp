@@ -9,33 +9,67 @@ namespace panel {
 
 namespace {
 
-using Index = std::unordered_map<std::string, const platform::Record*>;
-
-/// The first parameter for each key. The blank entry is none.
-template <typename Key>
-Index indexOf(std::span<const platform::Record> parameters, const Key& key)
-{
-    Index index;
-    for (const platform::Record& parameter : parameters) {
-        if (!mapping::isEmptyEntry(parameter))
-            index.emplace(key(parameter), &parameter);
-    }
-    return index;
-}
-
-std::string nameOf(const platform::Record& parameter)
-{
-    return std::string(parameter.text(mapping::kParameter));
-}
-
-std::string elementOf(const SlotContent& content)
-{
-    return content.number + ' ' + content.name;
-}
-
 bool isEmpty(const SlotContent& content)
 {
     return content.name == mapping::kEmptyName;
+}
+
+/// What the list has of one wanted name: null until it is found.
+struct Named {
+    const platform::Record* first = nullptr;
+    std::unordered_map<std::string_view, const platform::Record*> byNumber; ///< of the wanted numbers
+};
+
+using Wanted = std::unordered_map<std::string_view, Named>;
+
+Wanted wantedNames(std::span<const SlotContent> contents)
+{
+    Wanted wanted;
+    for (const SlotContent& content : contents) {
+        if (!isEmpty(content))
+            wanted[content.name].byNumber.emplace(content.number, nullptr);
+    }
+    return wanted;
+}
+
+/// Takes the first of several.
+void take(const platform::Record*& found, const platform::Record& parameter)
+{
+    if (!found)
+        found = &parameter;
+}
+
+void findNames(Wanted& wanted, std::span<const platform::Record> parameters)
+{
+    for (const platform::Record& parameter : parameters) {
+        const auto named = wanted.find(parameter.text(mapping::kParameter));
+        if (named == wanted.end())
+            continue;
+        take(named->second.first, parameter);
+        const auto numbered = named->second.byNumber.find(parameter.text(mapping::kParamNum));
+        if (numbered != named->second.byNumber.end())
+            take(numbered->second, parameter);
+    }
+}
+
+void findFoldedNames(Wanted& wanted, std::span<const platform::Record> parameters, const FoldName& fold)
+{
+    std::unordered_map<std::string, std::vector<Named*>> missing;
+    for (auto& [name, named] : wanted) {
+        if (!named.first)
+            missing[fold(name)].push_back(&named);
+    }
+    for (const platform::Record& parameter : parameters) {
+        if (missing.empty())
+            return;
+        const auto alike =
+            mapping::isEmptyEntry(parameter) ? missing.end() : missing.find(fold(parameter.text(mapping::kParameter)));
+        if (alike == missing.end())
+            continue;
+        for (Named* named : alike->second)
+            named->first = &parameter;
+        missing.erase(alike);
+    }
 }
 
 } // namespace
@@ -43,29 +77,21 @@ bool isEmpty(const SlotContent& content)
 std::vector<std::optional<SlotContent>> offeredHere(std::span<const SlotContent> contents,
                                                     std::span<const platform::Record> parameters, const FoldName& fold)
 {
-    const Index byElement = indexOf(parameters, mapping::elementFromEntry);
-    std::optional<Index> byName, byFoldedName; // made when they are asked for
-    const auto find = [&](const SlotContent& content) -> const platform::Record* {
-        if (const auto same = byElement.find(elementOf(content)); same != byElement.end())
-            return same->second;
-        if (!byName) {
-            byName = indexOf(parameters, nameOf);
-            byFoldedName = indexOf(parameters, [&](const auto& parameter) { return fold(nameOf(parameter)); });
-        }
-        if (const auto named = byName->find(content.name); named != byName->end())
-            return named->second;
-        const auto alike = byFoldedName->find(fold(content.name));
-        return alike != byFoldedName->end() ? alike->second : nullptr;
-    };
+    // What is wanted is little, the list is long: so the list is gone through, and folded only where something is
+    // missing.
+    Wanted wanted = wantedNames(contents);
+    findNames(wanted, parameters);
+    findFoldedNames(wanted, parameters, fold);
     std::vector<std::optional<SlotContent>> found;
     for (const SlotContent& content : contents) {
-        const platform::Record* parameter = isEmpty(content) ? nullptr : find(content);
-        if (parameter)
-            found.emplace_back(contentOf(*parameter));
-        else if (isEmpty(content))
+        if (isEmpty(content)) {
             found.emplace_back(content);
-        else
-            found.emplace_back();
+            continue;
+        }
+        const Named& named = wanted.at(content.name);
+        const platform::Record* same = named.byNumber.at(content.number);
+        const platform::Record* parameter = same ? same : named.first;
+        found.push_back(parameter ? std::optional(contentOf(*parameter)) : std::nullopt);
     }
     return found;
 }

@@ -213,9 +213,6 @@ QLayout* makeStatusRow()
     auto* layout = new QHBoxLayout;
     layout->setSpacing(14);
     layout->addWidget(makeLabel("labelHelperDisplay"), 5);
-    auto* placed = makeLabel("placedHint");
-    placed->hide();
-    layout->addWidget(placed, 5);
     layout->addWidget(makeLabel("pageLimitWarning"), 0);
     auto* unsaved = makeLabel("unsavedReadOut");
     unsaved->setFont(boldFont(unsaved->font()));
@@ -282,6 +279,9 @@ MainWindow::MainWindow()
     layout->addLayout(makeHeader());
     layout->addWidget(new DraftBar);
     layout->addWidget(makeViews(), 1);
+    auto* placed = makeLabel("placedHint");
+    placed->hide();
+    layout->addWidget(placed); // a line of its own, with room for names
     layout->addLayout(makeStatusRow());
     setCentralWidget(content);
     connect(findChild<QAction*>(QStringLiteral("findParameter")), &QAction::triggered, this, [this] {

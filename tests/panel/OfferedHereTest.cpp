@@ -18,14 +18,13 @@ using testing::ElementsAre;
 std::string lower(std::string_view name)
 {
     std::string folded(name);
-    std::transform(folded.begin(), folded.end(), folded.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
+    std::transform(folded.begin(), folded.end(), folded.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
     return folded;
 }
 
-const std::vector<platform::Record> kList = mapping::parameterList(std::vector<std::string>{
-    "1 Volume", "2 Cutoff", "3 CUTOFF", "4 Drive", "5 Drive", "6 resonance"});
+const std::vector<platform::Record> kList = mapping::parameterList(
+    std::vector<std::string>{"1 Volume", "2 Cutoff", "3 CUTOFF", "4 Drive", "5 Drive", "6 resonance"});
 
 /// "number name" of what is found; "?" for what is not offered.
 std::string found(const SlotContent& wanted)
@@ -49,6 +48,7 @@ TEST(OfferedHere, IsWhatHasTheSameNumberAndNameElseTheSameName)
              Row{{"9", "CUTOFF"}, "3 CUTOFF"}, // as it is written before as it is folded
              Row{{"9", "cutOff"}, "2 Cutoff"},
              Row{{"6", "Resonance"}, "6 resonance"},
+             Row{{"6", "RESONANCE"}, "6 resonance"},
              Row{{"1", "Air"}, "?"},
              Row{{"", ""}, "?"},
              Row{{"0", "-"}, "0 -"},
@@ -59,7 +59,7 @@ TEST(OfferedHere, IsWhatHasTheSameNumberAndNameElseTheSameName)
 
 TEST(OfferedHere, IsCountedWithoutEmptySlotsAndWhatIsMissingIsNamedOnce)
 {
-    const std::vector<SlotContent> wanted = {{"1", "Volume"}, {"0", "-"}, {"8", "Drift"},
+    const std::vector<SlotContent> wanted = {{"1", "Volume"}, {"0", "-"},     {"8", "Drift"},
                                              {"9", "Air"},    {"3", "Drift"}, {"4", "Drive"}};
     const panel::Placed placed = panel::placedOf(wanted, panel::offeredHere(wanted, kList, lower));
     EXPECT_EQ(placed.wanted, 5u);
@@ -67,7 +67,7 @@ TEST(OfferedHere, IsCountedWithoutEmptySlotsAndWhatIsMissingIsNamedOnce)
     EXPECT_THAT(placed.missing, ElementsAre("Drift", "Air"));
 }
 
-TEST(OfferedHere, FoldsNoNameWhereAllAreThereAndEachOnceWhereNot)
+TEST(OfferedHere, FoldsNoNameWhereAllAreThereAndEachOnceWhereOneIsNot)
 {
     int folds = 0;
     const auto counting = [&folds](std::string_view name) {
@@ -77,7 +77,7 @@ TEST(OfferedHere, FoldsNoNameWhereAllAreThereAndEachOnceWhereNot)
     panel::offeredHere(std::vector<SlotContent>(100, {"4", "Drive"}), kList, counting);
     EXPECT_EQ(folds, 0);
     panel::offeredHere(std::vector<SlotContent>(100, {"4", "Air"}), kList, counting);
-    EXPECT_EQ(folds, 6 + 100);
+    EXPECT_EQ(folds, 6 + 1);
 }
 
 } // namespace
