@@ -213,6 +213,10 @@ public:
     void kvCreateChart(Sender sender = nullptr);
     /// Writes the chart beside the plug-in's file and opens it. The format is not consulted: it is always HTML.
     void outputChartAs(const std::string& format);
+    /// Prints a chart of the mapping as it is now, with names of any script.
+    void printChart(Sender = nullptr);
+    /// Writes the same to a PDF, where the user says, and opens it.
+    void chartPdf(Sender = nullptr);
 
     // Community account. An absent name or PIN is sent as "(null)".
 
@@ -274,6 +278,7 @@ private:
     /// What the mapping and its mode are now is what the file holds.
     void noteSaved();
     std::shared_ptr<TextField> knobLabel(std::int32_t number) const;
+    platform::PrintedTable printedChart() const;
     /// Sends a request without a body and returns the reply's text.
     std::string sendRequest(const std::string& address);
     std::string selectedPlugin() const;

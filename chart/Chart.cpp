@@ -1,6 +1,7 @@
 #include "chart/Chart.h"
 
 #include "mapping/ParameterOrder.h"
+#include "platform/Utf8.h"
 
 namespace chart {
 
@@ -42,6 +43,11 @@ void appendRow(std::string& document, const std::vector<platform::Record>& entri
 void appendEnd(std::string& document)
 {
     document += "</table></body></html>";
+}
+
+bool canBeWritten(std::string_view document)
+{
+    return platform::isAscii(document);
 }
 
 } // namespace chart

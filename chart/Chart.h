@@ -23,4 +23,7 @@ void appendRow(std::string& document, const std::vector<platform::Record>& entri
 
 void appendEnd(std::string& document);
 
+/// Whether a document can be a file: that holds ASCII, so one name or path with any other letter keeps it from it.
+bool canBeWritten(std::string_view document);
+
 } // namespace chart

@@ -56,7 +56,7 @@ picture of the front panel, puts any of them on any pot of any page, and keeps
 the mapping as it stood before the first save and before the last one.
 The mapping can be written as a chart and shared through a community library.")
 # The libraries that the program is linked with. Qt's platform plug-ins for X11 and for no screen at all are in
-# libqt6gui6, so nothing has to be added to them.
+# libqt6gui6, and the one for printers in libqt6printsupport6, so nothing has to be added to them.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # Wayland sessions, opening the chart, and fonts for the letters that plug-in makers use in names.
 string(CONCAT CPACK_DEBIAN_PACKAGE_RECOMMENDS

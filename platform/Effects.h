@@ -1,5 +1,5 @@
 #pragma once
-// What controller and delegate do to the world beyond files: alerts and errors, opening a file for the user,
+// What controller and delegate do to the world beyond files: alerts and errors, opening a file for the user, printing,
 // well-known folders, the log, preferences, JSON and HTTP, translated texts, the clipboard and undo managers. `main`
 // composes the real ones and hands them over in one Platform.
 
@@ -50,6 +50,25 @@ public:
     virtual ~Workspace() = default;
     /// Opens a file in the user's default application for it, whether or not the file exists.
     virtual void openFile(const std::filesystem::path& path) = 0;
+};
+
+/// A table for paper. Texts are shown as they are, never as markup.
+struct PrintedTable {
+    std::string title;
+    std::vector<std::string> lines; ///< below the title
+    std::vector<std::string> header;
+    std::vector<std::vector<std::string>> rows; ///< as wide as the header
+};
+
+class Printing {
+public:
+    virtual ~Printing() = default;
+    /// Asks the user how, and prints. False when it failed, but not when the user gave it up.
+    virtual bool print(const PrintedTable& table) = 0;
+    /// The bytes of a PDF file.
+    virtual std::string pdf(const PrintedTable& table) = 0;
+    /// Asks the user where to save a file, and whether to replace the one there; none when that was given up.
+    virtual std::optional<std::filesystem::path> whereToSave(const std::string& proposedName) = 0;
 };
 
 class Folders {
@@ -120,6 +139,7 @@ public:
 struct Platform {
     Alerts& alerts;
     Workspace& workspace;
+    Printing& printing;
     Folders& folders;
     Log& log;
     Http& http;

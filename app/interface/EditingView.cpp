@@ -7,6 +7,8 @@
 #include "app/interface/SearchField.h"
 #include "app/interface/panel/FrontPanel.h"
 #include "app/interface/panel/PageOverview.h"
+#include "chart/Chart.h"
+#include "chart/ChartState.h"
 #include "mapping/EditingState.h"
 #include "mapping/ParameterOrder.h"
 #include "panel/Pages.h"
@@ -99,7 +101,7 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
 {
     for (const auto& [kept, name] :
          {std::pair{&clearAll_, "clearAllPagesButtonPressed"}, std::pair{&newPage_, "newPageButtonPressed"},
-          std::pair{&save_, "kvExportToPlist"}}) {
+          std::pair{&save_, "kvExportToPlist"}, std::pair{&chart_, "kvCreateChart"}}) {
         auto* button = loaded.find<QAbstractButton>(name);
         *kept = {button, button->toolTip()};
     }
@@ -188,6 +190,7 @@ void EditingView::refresh()
     const bool hasMapping = controller_.isMappingLoaded();
     panel_->setShownPage(mapping::curPage, hasMapping ? mapping::totalPages : 0);
     showLeftovers();
+    showWhatTheChartHolds();
     if (std::exchange(historyRevision_, controller_.historyRevision()) != controller_.historyRevision())
         search_->giveUpUndo();
     if (unmappedOnly_->isChecked())
@@ -384,6 +387,15 @@ void EditingView::showLeftovers()
              all > mapping::kPotsPerPage
                  ? tr("What stands beyond page 1 stays in the file; \u201cStart From Scratch\u201d leaves nothing")
                  : QString());
+}
+
+void EditingView::showWhatTheChartHolds()
+{
+    const bool isMissing = controller_.isPluginBeingEdited() && !chart::canBeWritten(chart::bHTML);
+    describe(chart_.button, chart_.toolTip,
+             isMissing ? tr("A name or the path has letters outside ASCII, which this chart cannot hold; "
+                            "\u201cChart as PDF\u201d in the File menu can")
+                       : QString());
 }
 
 void EditingView::describeBackup(const RecallButton& recall)

@@ -50,9 +50,9 @@ private:
         const char* suffix;
         QString toolTip; ///< without the backup
     };
-    struct LeavingButton {
+    struct ToldButton {
         QAbstractButton* button;
-        QString toolTip; ///< without what it does with what is left over
+        QString toolTip; ///< without what there is to know of it now
     };
 
     void showOnlyUnmapped(bool only);
@@ -63,6 +63,7 @@ private:
     void showMapped();
     void showHints();
     void showLeftovers();
+    void showWhatTheChartHolds();
     void showDraft();
     void showPlaced();
     void markPlugins();
@@ -88,9 +89,10 @@ private:
     std::vector<RecallButton> recalls_;
     QLabel* leftoverHint_;
     QLabel* placedHint_;
-    LeavingButton clearAll_;
-    LeavingButton newPage_;
-    LeavingButton save_;
+    ToldButton clearAll_;
+    ToldButton newPage_;
+    ToldButton save_;
+    ToldButton chart_;
     std::uint64_t historyRevision_ = 0;
     QTimer backupsChanged_;
     DraftBar* draftBar_;

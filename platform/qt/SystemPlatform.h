@@ -7,6 +7,7 @@
 #include "platform/UserPreferences.h"
 #include "platform/qt/CompletionGate.h"
 #include "platform/qt/CurlHttp.h"
+#include "platform/qt/DesktopPrinting.h"
 #include "platform/qt/QtJson.h"
 #include "platform/qt/SystemEffects.h"
 #include "platform/qt/UndoStack.h"
@@ -22,6 +23,7 @@ struct Instead {
     Folders* folders = nullptr;
     Log* log = nullptr;
     ErrorPresentation* errors = nullptr;
+    Printing* printing = nullptr;
 };
 
 struct SystemPlatform {
@@ -39,6 +41,7 @@ struct SystemPlatform {
     CompletionGate gate;
     MessageBoxAlerts alerts{gate};
     DesktopWorkspace workspace;
+    DesktopPrinting printing{gate};
     UserFolders folders;
     const std::unique_ptr<Log> log;
     CurlHttp http;
@@ -51,6 +54,7 @@ struct SystemPlatform {
     ErrorAlerts errors{either(instead.alerts, alerts)};
     Platform platform{either(instead.alerts, alerts),
                       either(instead.workspace, workspace),
+                      either(instead.printing, printing),
                       either(instead.folders, folders),
                       either(instead.log, *log),
                       http,

@@ -172,6 +172,7 @@ class DebianPackage(unittest.TestCase):
             "libcurl.so": "libcurl4",
             "libQt6Core.so": "libqt6core6",
             "libQt6Gui.so": "libqt6gui6",
+            "libQt6PrintSupport.so": "libqt6printsupport6",
             "libQt6Svg.so": "libqt6svg6",
             "libQt6Widgets.so": "libqt6widgets6",
             "libstdc++.so": "libstdc++6",
@@ -180,6 +181,7 @@ class DebianPackage(unittest.TestCase):
                 self.assertEqual(package in needed, f"[{library}." in linked)
         self.assertIn("libqt6widgets6", needed)
         self.assertIn("libcurl4", needed)
+        self.assertIn("libqt6printsupport6", needed)
         self.assertEqual(len(needed), len(set(needed)), needed)
         for unwanted in needed:
             self.assertNotRegex(unwanted, r"-dev$|gtest|qt6test|sqlite")
