@@ -7,6 +7,7 @@
 //   Plug-in library        plugins/ViewControllerPlugins.cpp
 //   Mapping document       mapping/ViewControllerMapping.cpp
 //   Drafts                 mapping/ViewControllerDrafts.cpp
+//   Comparing              mapping/ViewControllerComparing.cpp
 //   History                app/ViewControllerHistory.cpp
 //   Control panel          panel/ViewControllerPanel.cpp
 //   Pages                  panel/ViewControllerPages.cpp
@@ -15,11 +16,14 @@
 //   Chart                  chart/ViewControllerChart.cpp
 //   Community account      community/ViewControllerAccount.cpp
 //   Community sharing      community/ViewControllerSharing.cpp
+//   Shared preview         community/ViewControllerPreview.cpp
 
 #include "app/Outlets.h"
+#include "mapping/Comparison.h"
 #include "mapping/Drafts.h"
 #include "mapping/EditingSnapshot.h"
 #include "mapping/MappedPots.h"
+#include "mapping/MappingFile.h"
 #include "mapping/MappingStore.h"
 #include "panel/OfferedHere.h"
 #include "panel/PotChoice.h"
@@ -81,6 +85,8 @@ public:
     bool isMappingLoaded() const;
     /// A mapping is loaded and its plug-in is still the selected row.
     bool isPluginBeingEdited() const;
+    /// The list offered for assignment; while a rescan, which is no edit, has emptied it, the one offered before.
+    platform::SharedRecords offeredParameters() const;
     /// Writes the plug-in's catalogue into the file, once.
     void korvelizePlistFile(const std::string& path);
     /// Replaces the editing state by the file's. Check mode 1 takes the editing mode from the file, any other keeps it.
@@ -110,6 +116,32 @@ public:
     bool isDraftLeftOf(std::string_view path) const { return drafts_.isLeftOf(path); }
     /// Other drafts are left than before, of whichever plug-in.
     platform::Signal<> draftsChanged;
+
+    // Comparing. The other side is read when it is chosen and when a save, a recall or a download has changed it, and
+    // never written. Another plug-in begins without a comparison.
+
+    void compareWithNothing(Sender = nullptr);
+    /// With what the file held when it was last read or written, as `changedPots` has it.
+    void compareWithSaved(Sender = nullptr);
+    void compareWithPrevious(Sender = nullptr);
+    void compareWithOriginal(Sender = nullptr);
+    void compareWithDownloaded(Sender = nullptr);
+    bool canCompareWith(mapping::ComparedWith side) const;
+    /// As the mapping is now.
+    const mapping::Comparison& comparison() const { return comparison_; }
+    /// The slots of the other side.
+    const std::vector<platform::Record>& comparedEntries() const;
+    /// What was chosen last and could not be read; nothing is compared then.
+    mapping::ComparedWith unreadableSide() const { return unreadableSide_; }
+    /// Shows the next pot that differs, behind the focused one or on the shown page, and begins anew at the end.
+    void nextDifference(Sender = nullptr);
+    void previousDifference(Sender = nullptr);
+    /// Sent with the pot (0 to 7) of the shown page that was gone to.
+    platform::Signal<std::int32_t> potGoneTo;
+    /// Puts on the focused pot what the other side has there.
+    void takePot(Sender = nullptr);
+    /// The same for the shown page. One that the other side does not have becomes empty.
+    void takePage(Sender = nullptr);
 
     // History. Every edit of the mapping is one step with a name; loading another plug-in begins anew. Memory only.
 
@@ -253,13 +285,28 @@ public:
     /// How far the running downloads are.
     platform::Property<platform::DownloadProgress>& downloadProgress() { return platform_.http.downloadProgress; }
 
+    // Shared preview. What is looked at stays in memory, is not registered and is no edit.
+
+    struct SharedPreview {
+        enum class State { none, fetching, shown, unreachable, refused, unreadable };
+
+        State state = State::none;
+        std::string description;        ///< why it is unreachable
+        long status = 0;                ///< with which it was refused
+        mapping::LoadedMapping mapping; ///< while it is shown
+    };
+    /// Fetches the selected entry's mapping, in place of one looked at before. Ignored without a selected entry.
+    void previewShared(Sender = nullptr);
+    /// Forgets what is looked at or still fetched.
+    void endPreview();
+    const SharedPreview& sharedPreview() const { return sharedPreview_; }
+    platform::Signal<> sharedPreviewChanged;
+
 private:
     class Operation;
     /// What a step of the history does with drafts: those it makes are undone with it.
     enum class DraftStep { none, leavesEdits, bringsBack };
 
-    /// The list offered for assignment; while a rescan, which is no edit, has emptied it, the one offered before.
-    platform::SharedRecords offeredParameters() const;
     void finishEdit(const std::string& name, const mapping::EditingSnapshot& before, const std::string& pathBefore);
     /// Keeps what is edited now; false when that failed.
     bool keepEdits();
@@ -269,6 +316,13 @@ private:
     void lookForDraft();
     /// A draft was left, or what is edited now was one: then it is the draft being edited, and nothing left.
     void settleDrafts();
+    void compareWith(mapping::ComparedWith side);
+    void compare();
+    /// Reads the other side again, whose file may have changed, or leaves it with its plug-in.
+    void followComparedFile();
+    void showPreview(SharedPreview preview);
+    void goToDifference(std::optional<std::int32_t> position);
+    void takeSlots(const std::string& name, std::int32_t first, std::int32_t count);
     std::size_t potsThatDiffer(const mapping::Draft& draft) const;
     void goThrough(const mapping::EditingChange& change, bool forward, DraftStep draftStep);
     /// By its file: after a rescan no row is selected, but the mapping still has its plug-in.
@@ -302,6 +356,13 @@ private:
     std::time_t editedAt_ = 0;
     std::uint64_t datedRevision_ = 0;
     DraftStep draftStep_ = DraftStep::none; ///< the one being made
+    mapping::Comparison comparison_;
+    mapping::LoadedMapping compared_; ///< the other side, where it is a file's
+    SharedPreview sharedPreview_;
+    std::uint64_t previewFetch_ = 0;
+    platform::Record previewedEntry_;
+    std::string comparedPath_; ///< of the plug-in
+    mapping::ComparedWith unreadableSide_ = mapping::ComparedWith::nothing;
     mapping::MappedPots mappedPots_;
     std::uint64_t mappedRevision_ = 0;
     int operationDepth_ = 0;

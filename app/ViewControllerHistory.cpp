@@ -40,6 +40,7 @@ ViewController::Operation::~Operation()
         controller_.mappedPots_ = mapping::MappedPots(parameters->content());
     }
     controller_.mappedPots_.setEntries(mapping::plistBuild, mapping::totalPages);
+    controller_.compare();
     controller_.editingChanged.emit();
 }
 

@@ -22,6 +22,7 @@ void ViewController::kvCommunityUploadBtn(Sender)
 
 void ViewController::kvCommunityLibraryDownload(Sender)
 {
+    endPreview();
     arrayController_downloadList()->setContent({});
     const std::string listing = checkForDownloads(selectedPlugin());
     arrayController_downloadList()->addObjects(platform_.json.objectsOf(listing));
@@ -33,6 +34,9 @@ void ViewController::kvCommunityLibraryDownload(Sender)
 
 void ViewController::cwin_DownloadAvalableHighlighted(Sender)
 {
+    const platform::Record* entry = arrayController_downloadList()->selection();
+    if (!entry || *entry != previewedEntry_)
+        endPreview(); // it would seem to be that of the entry selected now
     cwinUploadedComments()->stringValue.set(arrayController_downloadList()->selectionText(community::kUserComments));
 }
 
@@ -93,6 +97,7 @@ void ViewController::downloadDidFinish(Sender)
         populateKnobLabels(1);
         arrayControllerPlistSelected()->setSelectionIndex(0);
         lookForDraft();
+        followComparedFile();
     }
     alertUserAndSub("OK Done", "Loaded cloud file into interface memory, please remember to save if you wish to make "
                                "this your new default mapping");

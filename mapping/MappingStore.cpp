@@ -63,6 +63,18 @@ LoadedMapping readMapping(const Path& file, std::optional<std::int32_t> keptMode
     return content ? loadMapping(*content->document.root.asDictionary(), keptMode) : loadMapping({}, keptMode);
 }
 
+std::optional<LoadedMapping> mappingIn(std::string bytes)
+{
+    auto content = parsed(std::move(bytes));
+    return content ? std::optional(loadMapping(dictionaryOf(*content), std::nullopt)) : std::nullopt;
+}
+
+std::optional<LoadedMapping> mappingOfFile(const Path& file)
+{
+    auto bytes = files::read(file, kLargestFile);
+    return bytes ? mappingIn(std::move(*bytes)) : std::nullopt;
+}
+
 std::optional<KnownContent> markFile(const Path& file)
 {
     auto bytes = files::read(file, kLargestFile);

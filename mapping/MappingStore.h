@@ -32,6 +32,12 @@ struct KnownContent {
 LoadedMapping readMapping(const Path& file, std::optional<std::int32_t> keptMode,
                           const std::optional<KnownContent>& known = {});
 
+/// The mapping that the bytes of a file hold; none when they are no property-list dictionary.
+std::optional<LoadedMapping> mappingIn(std::string bytes);
+
+/// That of a file; none also when it cannot be read.
+std::optional<LoadedMapping> mappingOfFile(const Path& file);
+
 /// Writes the plug-in's catalogue into the file unless it carries one. One that is no dictionary is moved out of the
 /// way and nothing takes its place; that is meant. Answers what the file should hold now.
 std::optional<KnownContent> markFile(const Path& file);

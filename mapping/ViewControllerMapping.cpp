@@ -56,6 +56,7 @@ void ViewController::exportToPlist()
             drafts_.discard(left.file);
         lookForDraft();
     }
+    followComparedFile();
     alertUserAndSub("New Mapping has been saved",
                     "Please remember to close and re-open plugin within Logic so that changes are updated\n\n\n"
                     "Backup of previous plist file has been saved here:\n\n" +

@@ -65,6 +65,12 @@ SlotContent contentOf(const platform::Record& entry)
     return {std::string(entry.text(mapping::kParamNum)), std::string(entry.text(mapping::kParameter))};
 }
 
+SlotContent contentAt(const Entries& entries, std::int32_t position)
+{
+    const auto index = static_cast<std::size_t>(position);
+    return index < entries.size() ? contentOf(entries[index]) : SlotContent{mapping::kEmptyNumber, mapping::kEmptyName};
+}
+
 void setContent(platform::Record& entry, const SlotContent& content)
 {
     entry.set(mapping::kParamNum, content.number);

@@ -50,6 +50,9 @@ struct SlotContent {
 
 SlotContent contentOf(const platform::Record& entry);
 
+/// That of the slot at a position (from 0); an empty slot's where the mapping ends before it.
+SlotContent contentAt(const Entries& entries, std::int32_t position);
+
 /// Puts a parameter into a slot; the slot keeps its own page and position.
 void setContent(platform::Record& entry, const SlotContent& content);
 

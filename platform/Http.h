@@ -1,7 +1,7 @@
 #pragma once
-// HTTP as the community library needs it: requests that block until the reply is there, and downloads into a file that
-// run beside everything else. Addresses are sent byte for byte; a blank or control character in one fails the request,
-// and what follows a `#` stays here, as in every address.
+// HTTP as the community library needs it: requests that block until the reply is there, and downloads into a file or
+// into memory that run beside everything else. Addresses are sent byte for byte; a blank or control character in one
+// fails the request, and what follows a `#` stays here, as in every address.
 //
 // Both follow redirects as browsers do, ten at most and to http and https only. A blocking request ends after 60
 // seconds in all, a download after 60 seconds without progress. Four downloads run at once, the others wait for their
@@ -30,6 +30,18 @@ struct DownloadHandlers {
     std::function<void(const DownloadError&)> failed;
 };
 
+/// What a server has sent into memory.
+struct Reply {
+    long status = 0;
+    std::string body;
+};
+
+/// As `DownloadHandlers`.
+struct FetchHandlers {
+    std::function<void(Reply)> finished;
+    std::function<void(const DownloadError&)> failed;
+};
+
 /// The running downloads taken together.
 struct DownloadProgress {
     int running = 0;
@@ -52,6 +64,11 @@ public:
     /// the status does not matter, more than 64 MiB is a failure.
     virtual void download(const std::string& address, const std::filesystem::path& destination,
                           DownloadHandlers handlers) = 0;
+
+    /// Starts a download into memory, which takes its turn with the others. It can be given up while it has not
+    /// completed: then nobody is told.
+    virtual std::uint64_t fetch(const std::string& address, FetchHandlers handlers) = 0;
+    virtual void giveUp(std::uint64_t fetch) = 0;
 
     Property<DownloadProgress> downloadProgress;
 };

@@ -49,6 +49,7 @@ void ViewController::plugInSelected()
     korvelizePlistFile(path);
     readPlistFileCheckMode(path, 1);
     noteSaved();
+    followComparedFile();
     populateKnobLabels(1);
     arrayControllerPlistSelected()->setSelectionIndex(0);
     lookForDraft();

@@ -28,7 +28,7 @@ struct Keys {
 };
 
 /// The menus of the bar, from the left. That of the window is for Macs, where windows bring no such menu themselves.
-enum class Menu { none, file, edit, page, community, window, help };
+enum class Menu { none, file, edit, page, compare, community, window, help };
 
 /// An item that stays marked: by itself, or as the one chosen of its section.
 enum class Mark { none, check, choice };

@@ -3,6 +3,7 @@
 #include "app/interface/Actions.h"
 #include "app/interface/Widgets.h"
 #include "community/Listing.h"
+#include "platform/qt/ElidedLabel.h"
 #include "platform/qt/RecordListView.h"
 #include "platform/qt/Text.h"
 
@@ -15,6 +16,8 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QShortcut>
+#include <QStackedWidget>
+#include <QTableView>
 #include <QVBoxLayout>
 
 #include <initializer_list>
@@ -90,6 +93,36 @@ QWidget* makeSharedList()
     return list;
 }
 
+/// The pages of a mapping that is looked at, and what there is to say of it; until there is one, what to do.
+QWidget* makePreview()
+{
+    auto* table = new QTableView;
+    table->setObjectName(QStringLiteral("previewTable"));
+    table->setAccessibleName(QObject::tr("Pages of the shared mapping"));
+    table->setTabKeyNavigation(false);
+    table->setWordWrap(false);
+    table->setAlternatingRowColors(true);
+    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    auto* hint = new QLabel;
+    hint->setObjectName(QStringLiteral("previewHint"));
+    hint->setTextFormat(Qt::PlainText);
+    hint->setAlignment(Qt::AlignCenter);
+    hint->setWordWrap(true);
+    auto* content = new QWidget;
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(makeLabel("previewSummary"));
+    layout->addWidget(table, 1);
+    auto* preview = new QStackedWidget;
+    preview->setObjectName(QStringLiteral("sharedPreview"));
+    preview->addWidget(hint);
+    preview->addWidget(content);
+    return preview;
+}
+
 } // namespace
 
 QWidget* makeAccountWindow()
@@ -146,11 +179,14 @@ QWidget* makeDownloadWindow()
     window->layout()->addWidget(makeSharedList());
     window->layout()->addWidget(makeHeading(QObject::tr("Comments")));
     window->layout()->addWidget(comments);
+    window->layout()->addWidget(makeHeading(QObject::tr("Preview")));
+    window->layout()->addWidget(makePreview());
     auto* load = makeButton(Action::named("kvCommunityLoadSelectedDownload"));
     QHBoxLayout* end = atTheEnd(load);
     end->insertWidget(0, makeProgressBar(), 1);
+    end->insertWidget(2, makeButton(Action::named("previewShared")));
     layoutOf(window)->addLayout(end);
-    window->resize(720, 460);
+    window->resize(820, 640);
     return window;
 }
 

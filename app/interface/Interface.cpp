@@ -3,9 +3,11 @@
 #include "app/ViewController.h"
 #include "app/interface/Actions.h"
 #include "app/interface/CommunityWindows.h"
+#include "app/interface/ComparisonView.h"
 #include "app/interface/ContextMenus.h"
 #include "app/interface/EditingView.h"
 #include "app/interface/MainWindow.h"
+#include "app/interface/PreviewView.h"
 #include "app/interface/panel/FrontPanel.h"
 #include "app/interface/panel/PageOverview.h"
 #include "app/interface/panel/Pot.h"
@@ -180,6 +182,8 @@ Interface::Interface(ViewController& controller) : controller_(controller), logg
     connectPanel();
     qt::bind(controller_.downloadProgress(), find<QProgressBar>("downloadProgress"));
     editing_ = std::make_unique<EditingView>(controller_, *this);
+    comparison_ = std::make_unique<ComparisonView>(controller_, *this);
+    preview_ = std::make_unique<PreviewView>(controller_, *this);
 }
 
 Interface::~Interface()

@@ -18,7 +18,9 @@ class ViewController;
 namespace interface {
 
 class ContextMenus;
+class ComparisonView;
 class EditingView;
+class PreviewView;
 struct Action;
 
 class Interface {
@@ -64,7 +66,9 @@ private:
     std::shared_ptr<platform::TextField> loggedInAs_;
     std::vector<platform::Connection> connections_;
     std::unique_ptr<ContextMenus> contextMenus_;
-    std::unique_ptr<EditingView> editing_; // goes first: it follows the others
+    std::unique_ptr<EditingView> editing_; // these go first: they follow the others
+    std::unique_ptr<ComparisonView> comparison_;
+    std::unique_ptr<PreviewView> preview_;
 };
 
 } // namespace interface

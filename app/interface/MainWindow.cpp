@@ -248,6 +248,9 @@ QWidget* makeLowerView()
     panel->setObjectName(QStringLiteral("frontPanel"));
     layout->addWidget(panel, 1);
     layout->addWidget(new PageOverview(lower));
+    auto* difference = makeLabel("differenceHint"); // hidden while nothing is compared
+    difference->hide();
+    layout->addWidget(difference);
     layout->addWidget(makeLeftoverRow());
     layout->addLayout(makePageControls());
     return lower;

@@ -9,6 +9,7 @@
 #include <QMenuBar>
 
 #include <map>
+#include <utility>
 
 namespace interface {
 
@@ -45,6 +46,7 @@ void makeMenus(QMainWindow& window, bool hasWindowMenu)
         {Menu::file, bar->addMenu(QObject::tr("&File"))},
         {Menu::edit, bar->addMenu(QObject::tr("&Edit"))},
         {Menu::page, bar->addMenu(QObject::tr("&Page"))},
+        {Menu::compare, bar->addMenu(QObject::tr("C&ompare"))},
         {Menu::community, bar->addMenu(QObject::tr("&Community"))},
         {Menu::window, bar->addMenu(QObject::tr("&Window"))},
         {Menu::help, bar->addMenu(QObject::tr("&Help"))},
@@ -54,6 +56,7 @@ void makeMenus(QMainWindow& window, bool hasWindowMenu)
         if (menu)
             menu->setToolTipsVisible(true);
     }
+    const QMenu* former = nullptr;
     QActionGroup* choices = nullptr;
     for (const Action& action : Action::all()) {
         QMenu* menu = menus.at(action.menu);
@@ -67,10 +70,11 @@ void makeMenus(QMainWindow& window, bool hasWindowMenu)
             item->setToolTip(action.translated(action.toolTip));
         if (action.symbol)
             item->setIcon(platform::qt::symbolIcon(QString::fromLatin1(action.symbol)));
-        if (action.beginsSection) {
+        if (action.beginsSection)
             menu->addSeparator();
-            choices = new QActionGroup(menu);
-        }
+        const bool isOtherMenu = std::exchange(former, menu) != menu;
+        if (action.beginsSection || isOtherMenu)
+            choices = new QActionGroup(item->parent());
         if (action.mark == Mark::choice)
             choices->addAction(item);
         if (menu)

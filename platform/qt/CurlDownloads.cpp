@@ -19,18 +19,25 @@ constexpr std::size_t kMostRunning = 4;
 } // namespace
 
 struct CurlDownloads::Download {
-    Download(std::string address, std::size_t limit, const files::Path& destination, DownloadHandlers toTell,
-             std::function<void()> progressed)
-        : file(destination),
-          handlers(std::move(toTell)),
-          transfer({std::move(address), false, {}, {}}, limit, [this, progressed](std::string_view bytes) {
+    Download(Waiting begun, std::size_t limit, std::function<void()> progressed)
+        : number(begun.number),
+          handlers(std::move(begun.handlers)),
+          transfer({std::move(begun.address), false, {}, {}}, limit, [this, progressed](std::string_view bytes) {
               progressed();
-              return file.append(bytes);
+              if (file)
+                  return file->append(bytes);
+              body += bytes;
+              return true;
           })
-    {}
+    {
+        if (begun.destination)
+            file.emplace(*begun.destination);
+    }
 
-    files::PartialFile file;
-    DownloadHandlers handlers;
+    std::uint64_t number;
+    std::optional<files::PartialFile> file; ///< none: into `body`
+    std::string body;
+    FetchHandlers handlers;
     CurlTransfer transfer;
     int looksInVain = 0;
 };
@@ -58,7 +65,32 @@ CurlDownloads::~CurlDownloads()
 void CurlDownloads::start(const std::string& address, const std::filesystem::path& destination,
                           DownloadHandlers handlers)
 {
-    waiting_.push_back({address, destination, std::move(handlers)});
+    waiting_.push_back(
+        {++lastNumber_,
+         address,
+         destination,
+         {[finished = std::move(handlers.finished)](const Reply&) { finished(); }, std::move(handlers.failed)}});
+    fillPlaces();
+}
+
+std::uint64_t CurlDownloads::fetch(const std::string& address, FetchHandlers handlers)
+{
+    waiting_.push_back({++lastNumber_, address, std::nullopt, std::move(handlers)});
+    fillPlaces();
+    return lastNumber_;
+}
+
+void CurlDownloads::giveUp(std::uint64_t fetch)
+{
+    const auto isIt = [fetch](const auto& each) { return each.number == fetch; };
+    std::erase_if(waiting_, isIt);
+    std::erase_if(completed_, isIt);
+    std::erase_if(running_, [&](const auto& download) {
+        if (!isIt(*download))
+            return false;
+        curl_multi_remove_handle(multi_.get(), download->transfer.handle());
+        return true;
+    });
     fillPlaces();
 }
 
@@ -78,13 +110,12 @@ void CurlDownloads::fillPlaces()
 
 void CurlDownloads::begin(Waiting next)
 {
-    running_.push_back(std::make_unique<Download>(std::move(next.address), sizeLimit_, next.destination,
-                                                  std::move(next.handlers), [this] { Q_EMIT progressed(); }));
+    running_.push_back(std::make_unique<Download>(std::move(next), sizeLimit_, [this] { Q_EMIT progressed(); }));
     Download& download = *running_.back();
-    if (download.file.isOpen())
-        goOn(download, CURLE_OK);
-    else
+    if (download.file && !download.file->isOpen())
         end(download, CURLE_WRITE_ERROR);
+    else
+        goOn(download, CURLE_OK);
 }
 
 DownloadProgress CurlDownloads::progress() const
@@ -174,19 +205,23 @@ void CurlDownloads::endStalled()
 
 void CurlDownloads::end(Download& download, CURLcode result)
 {
-    if (result == CURLE_OK && !download.file.finish())
+    if (result == CURLE_OK && download.file && !download.file->finish())
         result = CURLE_WRITE_ERROR;
     if (result == CURLE_OK)
-        complete(std::move(download.handlers.finished));
+        complete(download.number, [finished = std::move(download.handlers.finished),
+                                   reply = Reply{download.transfer.status(), std::move(download.body)}]() mutable {
+            finished(std::move(reply));
+        });
     else
-        complete([failed = std::move(download.handlers.failed),
+        complete(download.number,
+                 [failed = std::move(download.handlers.failed),
                   error = DownloadError{curl_easy_strerror(result), download.transfer.address()}] { failed(error); });
     std::erase_if(running_, [&](const auto& each) { return each.get() == &download; });
 }
 
-void CurlDownloads::complete(std::function<void()> tell)
+void CurlDownloads::complete(std::uint64_t number, std::function<void()> tell)
 {
-    completed_.push_back(std::move(tell));
+    completed_.push_back({number, std::move(tell)});
     scheduleDelivery();
 }
 
@@ -201,9 +236,9 @@ void CurlDownloads::deliver()
     if (!gate_.isOpen() || completed_.empty())
         return; // the gate calls back
     const CompletionGate::Hold hold(gate_);
-    const auto tell = std::move(completed_.front());
+    const Completion completed = std::move(completed_.front());
     completed_.pop_front();
-    tell();
+    completed.tell();
 }
 
 } // namespace platform::qt

@@ -1,7 +1,7 @@
 #pragma once
-// Downloads into files, driven by the event loop: libcurl says which sockets and which time it waits for, notifiers and
-// a timer report them. No thread. Four run at once, the others wait in the order in which they came. A completion is
-// handed out when the gate is open, one after the other.
+// Downloads into files and into memory, driven by the event loop: libcurl says which sockets and which time it waits
+// for, notifiers and a timer report them. No thread. Four run at once, the others wait in the order in which they came.
+// A completion is handed out when the gate is open, one after the other.
 
 #include "platform/Http.h"
 #include "platform/files/Files.h"
@@ -13,11 +13,13 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +36,9 @@ public:
     ~CurlDownloads() override;
 
     void start(const std::string& address, const std::filesystem::path& destination, DownloadHandlers handlers);
+    std::uint64_t fetch(const std::string& address, FetchHandlers handlers);
+    /// Ends a fetch, wherever it is; nobody is told.
+    void giveUp(std::uint64_t fetch);
     DownloadProgress progress() const;
 
 Q_SIGNALS:
@@ -42,9 +47,14 @@ Q_SIGNALS:
 private:
     struct Download;
     struct Waiting {
+        std::uint64_t number;
         std::string address;
-        std::filesystem::path destination;
-        DownloadHandlers handlers;
+        std::optional<std::filesystem::path> destination; ///< none: into memory
+        FetchHandlers handlers;
+    };
+    struct Completion {
+        std::uint64_t number;
+        std::function<void()> tell;
     };
     struct Notifiers {
         QSocketNotifier* readable;
@@ -60,7 +70,7 @@ private:
     void goOn(Download& download, CURLcode result);
     void endStalled();
     void end(Download& download, CURLcode result);
-    void complete(std::function<void()> tell);
+    void complete(std::uint64_t number, std::function<void()> tell);
     void scheduleDelivery();
     void deliver();
 
@@ -71,7 +81,8 @@ private:
     QTimer watch_; ///< for stalled ones
     std::vector<std::unique_ptr<Download>> running_;
     std::deque<Waiting> waiting_;
-    std::deque<std::function<void()>> completed_;
+    std::deque<Completion> completed_;
+    std::uint64_t lastNumber_ = 0;
     MultiHandle multi_;
 };
 

@@ -121,4 +121,14 @@ void CurlHttp::download(const std::string& address, const std::filesystem::path&
     downloads_->start(address, destination, std::move(handlers));
 }
 
+std::uint64_t CurlHttp::fetch(const std::string& address, FetchHandlers handlers)
+{
+    return downloads_->fetch(address, std::move(handlers));
+}
+
+void CurlHttp::giveUp(std::uint64_t fetch)
+{
+    downloads_->giveUp(fetch);
+}
+
 } // namespace platform::qt

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -33,6 +34,8 @@ public:
                                     std::string_view body) override;
     void download(const std::string& address, const std::filesystem::path& destination,
                   DownloadHandlers handlers) override;
+    std::uint64_t fetch(const std::string& address, FetchHandlers handlers) override;
+    void giveUp(std::uint64_t fetch) override;
 
 private:
     CompletionGate& gate_;

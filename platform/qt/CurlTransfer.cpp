@@ -100,11 +100,17 @@ CURLcode CurlTransfer::setUp()
     return result;
 }
 
-bool CurlTransfer::isRedirect() const
+long CurlTransfer::status() const
 {
     long status = 0;
     curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
-    return hasLocation_ && (status == 301 || status == 302 || status == 303 || status == 307 || status == 308);
+    return status;
+}
+
+bool CurlTransfer::isRedirect() const
+{
+    const long code = status();
+    return hasLocation_ && (code == 301 || code == 302 || code == 303 || code == 307 || code == 308);
 }
 
 bool CurlTransfer::nextHop(CURLcode& result)
@@ -125,10 +131,8 @@ bool CurlTransfer::nextHop(CURLcode& result)
         result = CURLE_TOO_MANY_REDIRECTS;
         return false;
     }
-    long status = 0;
-    curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
     request_.address = target;
-    if (status <= 303) { // browsers turn a POST into a GET here; the others mean the same request elsewhere
+    if (status() <= 303) { // browsers turn a POST into a GET here; the others mean the same request elsewhere
         request_.isPost = false;
         request_.body.clear();
     }

@@ -45,6 +45,8 @@ public:
     std::int64_t received() const { return static_cast<std::int64_t>(received_); }
     /// Size of the body as announced, 0 when it was not.
     std::int64_t expected() const;
+    /// The status of the reply that came last.
+    long status() const;
     /// The address of the hop that came last.
     const std::string& address() const { return request_.address; }
 

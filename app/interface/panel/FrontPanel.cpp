@@ -199,6 +199,23 @@ void FrontPanel::goTo(Pot& pot, Qt::FocusReason reason, Qt::KeyboardModifiers mo
     extendChoice(pot.number(), Qt::ShiftModifier);
 }
 
+void FrontPanel::setDifferences(const std::array<QString, PanelLayout::kPots>& differences)
+{
+    for (std::size_t i = 0; i < pots_.size(); ++i) {
+        const bool wasDifferent = pots_[i]->differs();
+        pots_[i]->setDifference(differences[i]);
+        if (!differences[i].isEmpty())
+            labels_[i]->setToolTip(differences[i]);
+        else if (wasDifferent)
+            labels_[i]->setToolTip(labels_[i]->text());
+    }
+}
+
+void FrontPanel::focusPot(int pot)
+{
+    pots_[static_cast<std::size_t>(pot - 1)]->setFocus(Qt::ShortcutFocusReason);
+}
+
 void FrontPanel::followLabels()
 {
     for (std::size_t i = 0; i < pots_.size(); ++i) {

@@ -36,6 +36,11 @@ public:
     /// Somebody means a pot without pressing it: those chosen where it is one of them, else it alone.
     void mean(const Pot& pot);
 
+    /// What each pot of that page holds on the other side of a comparison; empty where that is the same.
+    void setDifferences(const std::array<QString, PanelLayout::kPots>& differences);
+    /// Gives a pot, 1 to 8, the keyboard focus.
+    void focusPot(int pot);
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 

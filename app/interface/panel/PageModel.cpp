@@ -25,6 +25,11 @@ void PageModel::setSource(std::function<QString(int page, int pot)> name)
     endResetModel();
 }
 
+void PageModel::setDifferences(std::function<QString(int page, int pot)> difference)
+{
+    difference_ = std::move(difference);
+}
+
 void PageModel::refresh(int pages, int shownPage, int leftOver)
 {
     const int before = rowCount();
@@ -71,6 +76,7 @@ QVariant PageModel::data(const QModelIndex& index, int role) const
     case MappedPots: return mappedPots(page);
     case IsShown: return page == shown_;
     case IsLeftOver: return page > pages_;
+    case DifferingPots: return differingPots(page);
     default: return {};
     }
 }
@@ -91,14 +97,31 @@ unsigned PageModel::mappedPots(int page) const
     return mapped;
 }
 
+QString PageModel::differenceAt(int page, int pot) const
+{
+    return difference_ ? difference_(page, pot) : QString();
+}
+
+unsigned PageModel::differingPots(int page) const
+{
+    unsigned differing = 0;
+    for (int pot = 1; pot <= kPots; ++pot)
+        differing |= differenceAt(page, pot).isEmpty() ? 0U : 1U << static_cast<unsigned>(pot - 1);
+    return differing;
+}
+
 QString PageModel::spokenText(int page) const
 {
     const int mapped = std::popcount(mappedPots(page));
+    const int differing = std::popcount(differingPots(page));
+    QString difference;
+    if (differing > 0)
+        difference = differing == 1 ? tr(", 1 pot differs") : tr(", %1 pots differ").arg(differing);
     if (page > pages_)
-        return tr("Page %1, left behind the last page, %2 of 8 pots mapped").arg(page).arg(mapped);
+        return tr("Page %1, left behind the last page, %2 of 8 pots mapped").arg(page).arg(mapped) + difference;
     const QString text = tr("Page %1 of %2, %3 of 8 pots mapped");
     const QString shown = tr("Page %1 of %2, %3 of 8 pots mapped, shown");
-    return (page == shown_ ? shown : text).arg(page).arg(pages_).arg(mapped);
+    return (page == shown_ ? shown : text).arg(page).arg(pages_).arg(mapped) + difference;
 }
 
 QString PageModel::namesText(int page) const
@@ -106,8 +129,11 @@ QString PageModel::namesText(int page) const
     QStringList lines;
     if (page > pages_)
         lines << tr("Left behind the last page; \u201cNew Page\u201d brings the first such page back");
-    for (int pot = 1; pot <= kPots; ++pot)
-        lines << QString::number(pot) + QStringLiteral("  ") + shortened(nameAt(page, pot));
+    for (int pot = 1; pot <= kPots; ++pot) {
+        const QString difference = differenceAt(page, pot);
+        lines << QString::number(pot) + QStringLiteral("  ") +
+                     (difference.isEmpty() ? shortened(nameAt(page, pot)) : difference);
+    }
     return lines.join(QLatin1Char('\n'));
 }
 

@@ -20,12 +20,16 @@ public:
         IsShown,
         /// Whether it lies behind the last page, where it is kept but can be neither shown nor edited.
         IsLeftOver,
+        /// A bit for each pot that differs from the other side of a comparison.
+        DifferingPots,
     };
     static constexpr int kPots = mapping::kPotsPerPage;
 
     using QAbstractListModel::QAbstractListModel;
 
     void setSource(std::function<QString(int page, int pot)> name);
+    /// What a pot that differs from the other side of a comparison holds on either; empty where they are the same.
+    void setDifferences(std::function<QString(int page, int pot)> difference);
     /// Rows are pages, then those left over behind them; names may have changed everywhere.
     void refresh(int pages, int shownPage, int leftOver);
     /// Without those left over.
@@ -38,10 +42,13 @@ public:
 private:
     QString nameAt(int page, int pot) const;
     unsigned mappedPots(int page) const;
+    QString differenceAt(int page, int pot) const;
+    unsigned differingPots(int page) const;
     QString spokenText(int page) const;
     QString namesText(int page) const;
 
     std::function<QString(int page, int pot)> name_;
+    std::function<QString(int page, int pot)> difference_;
     int pages_ = 0;
     int leftOver_ = 0;
     int shown_ = 0;

@@ -1,5 +1,6 @@
 #include "app/interface/panel/PageOverview.h"
 
+#include "app/interface/panel/DifferenceBadge.h"
 #include "app/interface/panel/PageModel.h"
 #include "app/interface/panel/PanelColours.h"
 
@@ -20,6 +21,7 @@ constexpr int kCell = 7;
 constexpr int kCellGap = 4;
 constexpr int kTilePadding = 8;
 constexpr int kTileGap = 3;
+constexpr double kBadge = 6;
 constexpr double kDimmed = 0.45; ///< a page that is left over
 
 QSize tileSize(const QFontMetrics& metrics)
@@ -63,6 +65,8 @@ public:
         const double cells = PageModel::kPots * kCell + (PageModel::kPots - 1) * kCellGap;
         drawCells(*painter, {tile.center().x() - cells / 2, tile.bottom() - kCell - 6},
                   index.data(PageModel::MappedPots).toUInt(), colours);
+        if (index.data(PageModel::DifferingPots).toUInt() != 0)
+            drawDifferenceBadge(*painter, tile.topRight() + QPointF(-kBadge - 3, kBadge + 3), kBadge, colours);
         painter->restore();
     }
 
@@ -137,6 +141,11 @@ void PageOverview::setSource(Source name)
 {
     const QScopedValueRollback guard(isRefreshing_, true);
     model_->setSource(std::move(name));
+}
+
+void PageOverview::setDifferences(Source difference)
+{
+    model_->setDifferences(std::move(difference));
 }
 
 void PageOverview::refresh(int pages, int shownPage, int leftOver)

@@ -20,6 +20,8 @@ public:
     explicit PageOverview(QWidget* parent = nullptr);
 
     void setSource(Source name);
+    /// What a pot that differs from the other side of a comparison holds on either; empty where they are the same.
+    void setDifferences(Source difference);
     /// Shows so many pages as they are now, one of them marked and in sight, and dimmed those left over behind them.
     /// 0 pages: a hint instead.
     void refresh(int pages, int shownPage, int leftOver = 0);

@@ -43,6 +43,8 @@ PanelColours graphite()
     c.shadow = QColor(0, 0, 0, 170);
     c.focus = 0x7cc4ff;
     c.target = 0xffd08a;
+    c.differs = 0xd9b8ff;
+    c.differsSign = 0x1d1130;
     c.tile = 0x2b2f34;
     c.tileHover = 0x454b53;
     c.tileShown = 0x3d434b;
@@ -81,6 +83,8 @@ PanelColours aluminium()
     c.shadow = QColor(30, 34, 40, 120);
     c.focus = 0x0a52bd;
     c.target = 0x8a4600;
+    c.differs = 0x5c2c8c;
+    c.differsSign = 0xffffff;
     c.tile = 0xf4f5f7;
     c.tileHover = 0xffffff;
     c.tileShown = 0xdde1e6;

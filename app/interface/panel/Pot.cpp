@@ -29,6 +29,17 @@ void Pot::setMapped(bool isMapped)
     update();
 }
 
+void Pot::setDifference(const QString& difference)
+{
+    if (difference == difference_)
+        return;
+    const QString usual = difference_.isEmpty() ? toolTip() : toolTip().mid(difference_.size() + 1);
+    setToolTip(difference.isEmpty() ? usual : difference + QLatin1Char('\n') + usual);
+    setAccessibleDescription(difference);
+    difference_ = difference;
+    update();
+}
+
 void Pot::setDropTarget(bool isTarget)
 {
     if (isTarget == isDropTarget_)
@@ -87,6 +98,7 @@ PotLook Pot::look() const
     look.hasFocus = hasFocus();
     look.isDropTarget = isDropTarget_;
     look.isChosen = isChosen_;
+    look.differs = differs();
     return look;
 }
 

@@ -19,6 +19,9 @@ public:
     /// Whether a parameter stands on it: turned up and lit, or turned down.
     void setMapped(bool isMapped);
     bool isMapped() const { return isMapped_; }
+    /// What it holds on the other side of a comparison: marks it and tells; empty where that is the same.
+    void setDifference(const QString& difference);
+    bool differs() const { return !difference_.isEmpty(); }
     /// Whether what is being dragged would be dropped here.
     void setDropTarget(bool isTarget);
     /// Whether it is one of several that operations are meant for.
@@ -50,6 +53,7 @@ private:
     PotLook look() const;
 
     int number_;
+    QString difference_;
     bool isMapped_ = false;
     bool isDropTarget_ = false;
     bool isChosen_ = false;

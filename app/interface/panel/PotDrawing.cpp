@@ -1,6 +1,7 @@
 #include "app/interface/panel/PotDrawing.h"
 
 #include "app/interface/Fonts.h"
+#include "app/interface/panel/DifferenceBadge.h"
 #include "platform/qt/ReadableColours.h"
 
 #include <QPainter>
@@ -31,6 +32,8 @@ constexpr double kTickInner = 0.815;
 constexpr double kGroove = 0.755;
 constexpr double kSkirt = 0.685;
 constexpr double kCap = 0.53;
+constexpr double kBadge = 0.2;
+constexpr double kBadgeCentre = 0.79; // along both axes
 
 struct Drawing {
     QPainter& painter;
@@ -223,6 +226,8 @@ void drawMarks(const Drawing& d)
         d.painter.setPen(QPen(d.c.focus, width));
         d.painter.drawEllipse(d.circle(kFocusRing));
     }
+    if (d.look.differs) // in the corner that the circle leaves free
+        drawDifferenceBadge(d.painter, d.centre + QPointF(d.at(kBadgeCentre), -d.at(kBadgeCentre)), d.at(kBadge), d.c);
 }
 
 /// Under the pot a plate, so that chosen ones are seen to belong together.

@@ -19,6 +19,7 @@ struct PotLook {
     bool hasFocus = false;
     bool isDropTarget = false;
     bool isChosen = false;
+    bool differs = false; ///< from what the mapping is compared with
 };
 
 /// Fills the square; the cap lies in its middle.

@@ -1,0 +1,73 @@
+#include "mapping/Comparison.h"
+
+#include "mapping/MappingStore.h"
+#include "mapping/ParameterOrder.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace mapping {
+
+namespace {
+
+using Records = std::vector<platform::Record>;
+
+bool holdTheSame(const platform::Record& one, const platform::Record& other)
+{
+    if (one == other)
+        return true;
+    const auto name = one.text(kParameter);
+    return name == other.text(kParameter) && (name == kEmptyName || one.text(kParamNum) == other.text(kParamNum));
+}
+
+} // namespace
+
+std::filesystem::path comparedFile(const std::filesystem::path& file, ComparedWith side)
+{
+    switch (side) {
+    case ComparedWith::previous: return backupPath(file, "prev");
+    case ComparedWith::original: return backupPath(file, "original");
+    case ComparedWith::downloaded: return backupPath(file, "downloaded");
+    default: return {};
+    }
+}
+
+std::vector<std::int32_t> differingPositions(const Records& one, const Records& other)
+{
+    std::vector<std::int32_t> positions;
+    const std::size_t shorter = std::min(one.size(), other.size());
+    const Records& longer = one.size() > shorter ? one : other;
+    for (std::size_t i = 0; i < longer.size(); ++i) {
+        const bool isSame = i < shorter ? holdTheSame(one[i], other[i]) : isEmptyEntry(longer[i]);
+        if (!isSame)
+            positions.push_back(static_cast<std::int32_t>(i));
+    }
+    return positions;
+}
+
+std::int32_t pagesFilledBy(std::size_t entries)
+{
+    return static_cast<std::int32_t>((entries + kPotsPerPage - 1) / kPotsPerPage);
+}
+
+std::optional<std::int32_t> positionAfter(const std::vector<std::int32_t>& positions, std::int32_t from,
+                                          std::int32_t end)
+{
+    const auto last = std::ranges::lower_bound(positions, end);
+    if (last == positions.begin())
+        return std::nullopt;
+    const auto next = std::upper_bound(positions.begin(), last, from);
+    return next == last ? positions.front() : *next;
+}
+
+std::optional<std::int32_t> positionBefore(const std::vector<std::int32_t>& positions, std::int32_t from,
+                                           std::int32_t end)
+{
+    const auto last = std::ranges::lower_bound(positions, end);
+    if (last == positions.begin())
+        return std::nullopt;
+    const auto next = std::lower_bound(positions.begin(), last, from);
+    return *std::prev(next == positions.begin() ? last : next);
+}
+
+} // namespace mapping

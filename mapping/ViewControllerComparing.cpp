@@ -1,0 +1,141 @@
+#include "app/ViewControllerOperation.h"
+#include "mapping/Comparison.h"
+#include "mapping/EditingState.h"
+#include "mapping/MappingStore.h"
+#include "mapping/ParameterOrder.h"
+#include "panel/Edits.h"
+#include "panel/Pages.h"
+#include "platform/files/Files.h"
+
+#include <utility>
+
+using mapping::ComparedWith;
+
+void ViewController::compareWithNothing(Sender)
+{
+    compareWith(ComparedWith::nothing);
+}
+
+void ViewController::compareWithSaved(Sender)
+{
+    compareWith(ComparedWith::saved);
+}
+
+void ViewController::compareWithPrevious(Sender)
+{
+    compareWith(ComparedWith::previous);
+}
+
+void ViewController::compareWithOriginal(Sender)
+{
+    compareWith(ComparedWith::original);
+}
+
+void ViewController::compareWithDownloaded(Sender)
+{
+    compareWith(ComparedWith::downloaded);
+}
+
+bool ViewController::canCompareWith(ComparedWith side) const
+{
+    const auto file = mapping::comparedFile(labPluginPlistLocation()->stringValue.get(), side);
+    return isMappingLoaded() && (file.empty() || platform::files::exists(file));
+}
+
+void ViewController::compareWith(ComparedWith side)
+{
+    const Operation operation(*this);
+    comparedPath_ = labPluginPlistLocation()->stringValue.get();
+    comparison_.side = ComparedWith::nothing;
+    compared_ = {};
+    unreadableSide_ = ComparedWith::nothing;
+    if (!isMappingLoaded())
+        return;
+    if (const auto file = mapping::comparedFile(comparedPath_, side); !file.empty()) {
+        auto read = mapping::mappingOfFile(file);
+        if (!read) {
+            unreadableSide_ = side;
+            return;
+        }
+        compared_ = std::move(*read);
+    }
+    comparison_.side = side;
+}
+
+void ViewController::followComparedFile()
+{
+    if (labPluginPlistLocation()->stringValue.get() != comparedPath_)
+        compareWith(ComparedWith::nothing);
+    else if (comparison_.side != ComparedWith::nothing)
+        compareWith(comparison_.side);
+}
+
+const std::vector<platform::Record>& ViewController::comparedEntries() const
+{
+    return comparison_.side == ComparedWith::saved ? savedEntries_ : compared_.entries;
+}
+
+void ViewController::compare()
+{
+    const ComparedWith side = comparison_.side;
+    comparison_ = {};
+    if (side == ComparedWith::nothing)
+        return;
+    comparison_.side = side;
+    comparison_.positions = mapping::differingPositions(mapping::plistBuild, comparedEntries());
+    comparison_.morePages =
+        mapping::pagesFilledBy(comparedEntries().size()) - mapping::pagesFilledBy(mapping::plistBuild.size());
+    const std::int32_t mode = side == ComparedWith::saved ? savedMode_ : compared_.mode;
+    if (mode != mapping::plugin_Mode)
+        comparison_.otherMode = mode;
+}
+
+void ViewController::nextDifference(Sender)
+{
+    const std::int32_t pot = potChoice.get().focusedPot;
+    const std::int32_t from = pot != panel::PotChoice::kNone ? panel::slotFor(mapping::curPage, pot)
+                                                             : panel::firstSlotOf(mapping::curPage) - 1;
+    goToDifference(mapping::positionAfter(comparison_.positions, from, panel::firstSlotOf(mapping::totalPages + 1)));
+}
+
+void ViewController::previousDifference(Sender)
+{
+    const std::int32_t pot = potChoice.get().focusedPot;
+    const std::int32_t from = pot != panel::PotChoice::kNone ? panel::slotFor(mapping::curPage, pot)
+                                                             : panel::firstSlotOf(mapping::curPage + 1);
+    goToDifference(mapping::positionBefore(comparison_.positions, from, panel::firstSlotOf(mapping::totalPages + 1)));
+}
+
+void ViewController::goToDifference(std::optional<std::int32_t> position)
+{
+    if (!position)
+        return;
+    const std::int32_t pot = *position % mapping::kPotsPerPage;
+    if (const std::int32_t page = *position / mapping::kPotsPerPage + 1; page != mapping::curPage)
+        showPage(page);
+    potChoice.set({pot, {pot}, false});
+    potGoneTo.emit(pot);
+}
+
+void ViewController::takePot(Sender)
+{
+    const std::int32_t pot = potChoice.get().focusedPot;
+    if (pot != panel::PotChoice::kNone)
+        takeSlots("Take Pot", panel::slotFor(mapping::curPage, pot), 1);
+}
+
+void ViewController::takePage(Sender)
+{
+    takeSlots("Take Page", panel::firstSlotOf(mapping::curPage), mapping::kPotsPerPage);
+}
+
+void ViewController::takeSlots(const std::string& name, std::int32_t first, std::int32_t count)
+{
+    if (comparison_.side == ComparedWith::nothing)
+        return;
+    editMapping(name, [&](panel::Mapping& edited) {
+        for (std::int32_t position = first; position < first + count; ++position)
+            panel::setContent(edited.entries.at(static_cast<std::size_t>(position)),
+                              panel::contentAt(comparedEntries(), position));
+    });
+}
