@@ -3,9 +3,53 @@
 #include "mapping/ParameterOrder.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstddef>
+#include <limits>
+#include <system_error>
 
 namespace mapping {
+
+namespace {
+
+/// Takes a number of digits alone off the beginning of a text; 0 where there is none that counts anything.
+std::int32_t takeNumber(std::string_view& text)
+{
+    std::int32_t number = 0;
+    if (text.empty() || text.front() < '0' || text.front() > '9')
+        return 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+    return error == std::errc() ? number : 0;
+}
+
+bool take(std::string_view& text, std::string_view beginning)
+{
+    if (!text.starts_with(beginning))
+        return false;
+    text.remove_prefix(beginning.size());
+    return true;
+}
+
+} // namespace
+
+std::optional<PotRange> potsMeant(std::string_view word)
+{
+    constexpr std::int32_t kMostPages = std::numeric_limits<std::int32_t>::max() / kPotsPerPage;
+    const bool isPage = take(word, "p");
+    const std::int32_t page = takeNumber(word);
+    if (page < 1 || page > kMostPages)
+        return std::nullopt;
+    const std::int32_t first = (page - 1) * kPotsPerPage;
+    if (isPage)
+        return word.empty() ? std::optional(PotRange{first, first + kPotsPerPage - 1}) : std::nullopt;
+    if (!take(word, "·") && !take(word, "."))
+        return std::nullopt;
+    const std::int32_t pot = takeNumber(word);
+    if (!word.empty() || pot < 1 || pot > kPotsPerPage)
+        return std::nullopt;
+    return PotRange{first + pot - 1, first + pot - 1};
+}
 
 MappedPots::MappedPots(const std::vector<platform::Record>& parameters)
 {
@@ -56,6 +100,13 @@ const std::vector<std::int32_t>& MappedPots::positionsOf(const platform::Record&
     static const std::vector<std::int32_t> kNone;
     const auto use = uses_.find(elementFromEntry(parameter));
     return use == uses_.end() ? kNone : use->second.positions;
+}
+
+bool MappedPots::isOnPot(const platform::Record& parameter, const PotRange& range) const
+{
+    const auto& positions = positionsOf(parameter);
+    const auto at = std::ranges::lower_bound(positions, range.first);
+    return at != positions.end() && *at <= range.last;
 }
 
 std::string potsText(const std::vector<std::int32_t>& positions)

@@ -5,11 +5,24 @@
 #include "platform/controls/Record.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
 namespace mapping {
+
+/// Positions of neighbouring pots, both ends included.
+struct PotRange {
+    std::int32_t first;
+    std::int32_t last;
+
+    bool operator==(const PotRange&) const = default;
+};
+
+/// The pots that a word means: the one of "1·3" or "1.3", all on the page of "p1".
+std::optional<PotRange> potsMeant(std::string_view word);
 
 class MappedPots {
 public:
@@ -23,6 +36,7 @@ public:
     /// the mapping is set again.
     const std::vector<std::int32_t>& positionsOf(const platform::Record& parameter) const;
     bool isOnPot(const platform::Record& parameter) const { return !positionsOf(parameter).empty(); }
+    bool isOnPot(const platform::Record& parameter, const PotRange& range) const;
     /// How many of the offered parameters stand on a pot, and how many are offered.
     std::int32_t mappedCount() const { return mappedCount_; }
     std::int32_t parameterCount() const { return parameterCount_; }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -40,6 +41,54 @@ TEST(MappedPots, TellsWhereAParameterStands)
     EXPECT_FALSE(pots.isOnPot(emptyEntry(0, 0)));
     EXPECT_EQ(pots.mappedCount(), 2);
     EXPECT_EQ(pots.parameterCount(), 3);
+}
+
+TEST(MappedPots, AWordMeansAPotOrAPage)
+{
+    using Range = std::optional<PotRange>;
+    struct Row {
+        const char* word;
+        Range pots;
+    };
+    for (const Row& row : {
+             Row{"1\u00b73", PotRange{2, 2}},
+             Row{"1.3", PotRange{2, 2}},
+             Row{"2.8", PotRange{15, 15}},
+             Row{"p1", PotRange{0, 7}},
+             Row{"p12", PotRange{88, 95}},
+             Row{"1.9", {}},
+             Row{"1.0", {}},
+             Row{"0.1", {}},
+             Row{"1.", {}},
+             Row{".3", {}},
+             Row{"1", {}},
+             Row{"p", {}},
+             Row{"p0", {}},
+             Row{"p1.3", {}},
+             Row{"p1x", {}},
+             Row{"1.33", {}},
+             Row{"1.3.", {}},
+             Row{"-1.3", {}},
+             Row{"p-1", {}},
+             Row{"pp1", {}},
+             Row{"", {}},
+             Row{"268435455.8", PotRange{2147483639, 2147483639}},
+             Row{"268435456.1", {}},
+             Row{"p99999999999", {}},
+         })
+        EXPECT_EQ(potsMeant(row.word), row.pots) << row.word;
+}
+
+TEST(MappedPots, TellsWhetherAParameterStandsOnSomeOfThePots)
+{
+    MappedPots pots(parameterList({"3 Cutoff", "4 Level"}));
+    pots.setEntries(mapping(32, {{2, "3 Cutoff"}, {31, "3 Cutoff"}, {9, "4 Level"}}), 4);
+    EXPECT_TRUE(pots.isOnPot(kCutoff, {2, 2}));
+    EXPECT_TRUE(pots.isOnPot(kCutoff, {0, 7}));
+    EXPECT_TRUE(pots.isOnPot(kCutoff, {24, 31}));
+    EXPECT_FALSE(pots.isOnPot(kCutoff, {3, 30}));
+    EXPECT_FALSE(pots.isOnPot(kLevel, {10, 15}));
+    EXPECT_FALSE(pots.isOnPot(entryFromElement("9 Level", 0, 0), {0, 31}));
 }
 
 TEST(MappedPots, PassesOverWhatLiesBehindTheCountedPages)
