@@ -216,6 +216,12 @@ void FrontPanel::focusPot(int pot)
     pots_[static_cast<std::size_t>(pot - 1)]->setFocus(Qt::ShortcutFocusReason);
 }
 
+void FrontPanel::ringPots(unsigned pots)
+{
+    for (Pot* pot : pots_)
+        pot->setHoldsSelected((pots >> static_cast<unsigned>(pot->number() - 1)) & 1U);
+}
+
 void FrontPanel::followLabels()
 {
     for (std::size_t i = 0; i < pots_.size(); ++i) {

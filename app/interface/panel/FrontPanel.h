@@ -27,6 +27,8 @@ public:
 
     /// The page that the labels are of, from 1; 0 pages without a mapping. Pots follow the labels by themselves.
     void setShownPage(int page, int pages);
+    /// Rings the pots on which the selected parameter stands: a bit for each, pot 1 the lowest.
+    void ringPots(unsigned pots);
 
     /// Pots, 1 to 8 and ascending, that were chosen to be meant together: by Shift and Ctrl with a click, by Shift with
     /// Left and Right, all by the key for that. A press, Escape, and going elsewhere give it up.

@@ -54,6 +54,20 @@ void PageModel::refresh(int pages, int shownPage, int leftOver)
         Q_EMIT dataChanged(index(0), index(std::min(now, before) - 1));
 }
 
+void PageModel::setHolding(std::vector<int> pages)
+{
+    if (pages == holding_)
+        return;
+    holding_ = std::move(pages);
+    if (rowCount() > 0)
+        Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+}
+
+bool PageModel::holdsSelected(int page) const
+{
+    return std::binary_search(holding_.begin(), holding_.end(), page);
+}
+
 int PageModel::rowCount(const QModelIndex& parent) const
 {
     return parent.isValid() ? 0 : pages_ + leftOver_;
@@ -75,6 +89,7 @@ QVariant PageModel::data(const QModelIndex& index, int role) const
     case Qt::ToolTipRole: return namesText(page);
     case MappedPots: return mappedPots(page);
     case IsShown: return page == shown_;
+    case HoldsSelected: return holdsSelected(page);
     case IsLeftOver: return page > pages_;
     case DifferingPots: return differingPots(page);
     default: return {};
@@ -121,7 +136,8 @@ QString PageModel::spokenText(int page) const
         return tr("Page %1, left behind the last page, %2 of 8 pots mapped").arg(page).arg(mapped) + difference;
     const QString text = tr("Page %1 of %2, %3 of 8 pots mapped");
     const QString shown = tr("Page %1 of %2, %3 of 8 pots mapped, shown");
-    return (page == shown_ ? shown : text).arg(page).arg(pages_).arg(mapped) + difference;
+    const QString spoken = (page == shown_ ? shown : text).arg(page).arg(pages_).arg(mapped) + difference;
+    return holdsSelected(page) ? tr("%1, holds the selected parameter").arg(spoken) : spoken;
 }
 
 QString PageModel::namesText(int page) const

@@ -6,6 +6,7 @@
 #include <QAbstractListModel>
 
 #include <functional>
+#include <vector>
 
 namespace interface {
 
@@ -18,6 +19,8 @@ public:
         MappedPots = Qt::UserRole,
         /// Whether the panel shows this page.
         IsShown,
+        /// Whether the selected parameter stands on it.
+        HoldsSelected,
         /// Whether it lies behind the last page, where it is kept but can be neither shown nor edited.
         IsLeftOver,
         /// A bit for each pot that differs from the other side of a comparison.
@@ -32,6 +35,8 @@ public:
     void setDifferences(std::function<QString(int page, int pot)> difference);
     /// Rows are pages, then those left over behind them; names may have changed everywhere.
     void refresh(int pages, int shownPage, int leftOver);
+    /// The pages on which the selected parameter stands, ascending.
+    void setHolding(std::vector<int> pages);
     /// Without those left over.
     int pages() const { return pages_; }
 
@@ -46,12 +51,14 @@ private:
     unsigned differingPots(int page) const;
     QString spokenText(int page) const;
     QString namesText(int page) const;
+    bool holdsSelected(int page) const;
 
     std::function<QString(int page, int pot)> name_;
     std::function<QString(int page, int pot)> difference_;
     int pages_ = 0;
     int leftOver_ = 0;
     int shown_ = 0;
+    std::vector<int> holding_;
 };
 
 } // namespace interface

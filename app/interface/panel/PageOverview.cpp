@@ -61,6 +61,11 @@ public:
         if (index.data(PageModel::IsLeftOver).toBool())
             painter->setOpacity(kDimmed);
         drawTile(*painter, tile, option, isShown, colours);
+        if (index.data(PageModel::HoldsSelected).toBool()) {
+            painter->setBrush(Qt::NoBrush);
+            painter->setPen(QPen(colours.where, 2));
+            painter->drawRoundedRect(tile.adjusted(3, 3, -3, -3), 3, 3); // inside, apart from frame and focus
+        }
         drawNumber(*painter, tile, option, index, isShown, colours);
         const double cells = PageModel::kPots * kCell + (PageModel::kPots - 1) * kCellGap;
         drawCells(*painter, {tile.center().x() - cells / 2, tile.bottom() - kCell - 6},
@@ -162,6 +167,11 @@ void PageOverview::refresh(int pages, int shownPage, int leftOver)
     // Qt would lay out when events are next handled, and an alert that comes up before shows an empty strip.
     if (isOtherCount)
         doItemsLayout();
+}
+
+void PageOverview::ringPages(std::vector<int> pages)
+{
+    model_->setHolding(std::move(pages));
 }
 
 QSize PageOverview::sizeHint() const

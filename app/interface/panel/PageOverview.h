@@ -5,6 +5,7 @@
 #include <QListView>
 
 #include <functional>
+#include <vector>
 
 namespace interface {
 
@@ -25,6 +26,9 @@ public:
     /// Shows so many pages as they are now, one of them marked and in sight, and dimmed those left over behind them.
     /// 0 pages: a hint instead.
     void refresh(int pages, int shownPage, int leftOver = 0);
+
+    /// Rings the pages (from 1, ascending) on which the selected parameter stands.
+    void ringPages(std::vector<int> pages);
 
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
     QSize sizeHint() const override;

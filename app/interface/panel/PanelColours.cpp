@@ -45,6 +45,8 @@ PanelColours graphite()
     c.target = 0xffd08a;
     c.differs = 0xd9b8ff;
     c.differsSign = 0x1d1130;
+    c.where = 0x5fe3d0;
+    c.whereOnPot = 0x5fe3d0;
     c.tile = 0x2b2f34;
     c.tileHover = 0x454b53;
     c.tileShown = 0x3d434b;
@@ -85,6 +87,7 @@ PanelColours aluminium()
     c.target = 0x8a4600;
     c.differs = 0x5c2c8c;
     c.differsSign = 0xffffff;
+    c.where = 0x00695e;
     c.tile = 0xf4f5f7;
     c.tileHover = 0xffffff;
     c.tileShown = 0xdde1e6;

@@ -26,9 +26,10 @@ struct PanelColours {
     QColor groove, lit; ///< the ring round a pot: out, and on for a pot that has a parameter
     QColor shadow;
 
+    QColor differs, differsSign; ///< badge of what differs from the other side of a comparison
     QColor focus;                ///< ring of what has the keyboard's focus, on the face
     QColor target;               ///< ring of what something would be dropped on
-    QColor differs, differsSign; ///< badge of what differs from the other side of a comparison
+    QColor where, whereOnPot;    ///< ring of what holds the selected parameter: a page's tile, a pot
 
     // Pages of the overview.
     QColor tile, tileHover, tileShown, tileFrame, tileText;

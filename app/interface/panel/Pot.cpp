@@ -35,9 +35,28 @@ void Pot::setDifference(const QString& difference)
         return;
     const QString usual = difference_.isEmpty() ? toolTip() : toolTip().mid(difference_.size() + 1);
     setToolTip(difference.isEmpty() ? usual : difference + QLatin1Char('\n') + usual);
-    setAccessibleDescription(difference);
     difference_ = difference;
+    describe();
     update();
+}
+
+void Pot::setHoldsSelected(bool holdsSelected)
+{
+    if (holdsSelected == holdsSelected_)
+        return;
+    holdsSelected_ = holdsSelected;
+    describe();
+    update();
+}
+
+void Pot::describe()
+{
+    QStringList words;
+    if (holdsSelected_)
+        words += tr("Holds the selected parameter");
+    if (differs())
+        words += difference_;
+    setAccessibleDescription(words.join(QLatin1String("; ")));
 }
 
 void Pot::setDropTarget(bool isTarget)
@@ -99,6 +118,7 @@ PotLook Pot::look() const
     look.isDropTarget = isDropTarget_;
     look.isChosen = isChosen_;
     look.differs = differs();
+    look.holdsSelected = holdsSelected_;
     return look;
 }
 

@@ -22,6 +22,8 @@ public:
     /// What it holds on the other side of a comparison: marks it and tells; empty where that is the same.
     void setDifference(const QString& difference);
     bool differs() const { return !difference_.isEmpty(); }
+    /// Whether it is the selected parameter that stands on it.
+    void setHoldsSelected(bool holdsSelected);
     /// Whether what is being dragged would be dropped here.
     void setDropTarget(bool isTarget);
     /// Whether it is one of several that operations are meant for.
@@ -51,10 +53,12 @@ private:
     /// Further from where the mouse was pressed than a press may slide.
     bool isFar(const QPoint& position) const;
     PotLook look() const;
+    void describe();
 
     int number_;
     QString difference_;
     bool isMapped_ = false;
+    bool holdsSelected_ = false;
     bool isDropTarget_ = false;
     bool isChosen_ = false;
     bool isHovered_ = false;

@@ -31,6 +31,7 @@ constexpr double kTickOuter = 0.905;
 constexpr double kTickInner = 0.815;
 constexpr double kGroove = 0.755;
 constexpr double kSkirt = 0.685;
+constexpr double kWhere = 0.635; // on the dark skirt, apart from the rings round the pot
 constexpr double kCap = 0.53;
 constexpr double kBadge = 0.2;
 constexpr double kBadgeCentre = 0.79; // along both axes
@@ -219,6 +220,10 @@ void drawMarks(const Drawing& d)
 {
     d.painter.setBrush(Qt::NoBrush);
     const double width = std::max(2.0, d.at(0.04));
+    if (d.look.holdsSelected) {
+        d.painter.setPen(QPen(d.c.whereOnPot, std::max(2.0, d.at(0.065))));
+        d.painter.drawEllipse(d.circle(kWhere));
+    }
     if (d.look.isDropTarget) {
         d.painter.setPen(QPen(d.c.target, width * 1.3, Qt::DashLine, Qt::FlatCap));
         d.painter.drawEllipse(d.circle(kFocusRing));

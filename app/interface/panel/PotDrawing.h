@@ -19,7 +19,8 @@ struct PotLook {
     bool hasFocus = false;
     bool isDropTarget = false;
     bool isChosen = false;
-    bool differs = false; ///< from what the mapping is compared with
+    bool differs = false;       ///< from what the mapping is compared with
+    bool holdsSelected = false; ///< the parameter that is selected in the list
 };
 
 /// Fills the square; the cap lies in its middle.
