@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 namespace platform::qt {
 
@@ -20,31 +22,36 @@ bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-/// The text with every whole number that 64 bits cannot hold in quotes, because Qt would round it. `json` is valid.
-QByteArray withLongNumbersQuoted(std::string_view json)
+/// Whether 64 bits cannot hold a number that is whole.
+bool isLong(std::string_view number)
 {
-    QByteArray result;
-    bool isInText = false;
-    std::size_t i = 0;
-    while (i < json.size()) {
-        std::size_t end = i + 1;
-        bool isQuoted = false;
-        if (isInText && json[i] == '\\') {
-            ++end;
-        } else if (json[i] == '"') {
-            isInText = !isInText;
-        } else if (!isInText && (isDigit(json[i]) || json[i] == '-')) {
-            end = std::min(json.find_first_not_of("+-.0123456789Ee", i), json.size());
+    std::int64_t value = 0;
+    return number.find_first_of(".Ee") == std::string_view::npos &&
+           std::from_chars(number.data(), number.data() + number.size(), value).ec != std::errc();
+}
+
+/// The text with every such number in quotes, because Qt would round it; empty where there is none. `json` is valid.
+std::string withLongNumbersQuoted(std::string_view json)
+{
+    std::string result;
+    std::size_t taken = 0;
+    for (std::size_t i = 0; i < json.size(); ++i) {
+        if (json[i] == '"') {
+            for (++i; i < json.size() && json[i] != '"'; ++i) {
+                if (json[i] == '\\')
+                    ++i;
+            }
+        } else if (isDigit(json[i]) || json[i] == '-') {
+            const std::size_t end = std::min(json.find_first_not_of("+-.0123456789Ee", i), json.size());
             const std::string_view number = json.substr(i, end - i);
-            std::int64_t value = 0;
-            isQuoted = number.find_first_of(".Ee") == std::string_view::npos &&
-                       std::from_chars(number.data(), number.data() + number.size(), value).ec != std::errc();
+            if (isLong(number)) {
+                result.append(json.substr(taken, i - taken)).append("\"").append(number).append("\"");
+                taken = end;
+            }
+            i = end - 1;
         }
-        const QByteArrayView piece(json.data() + i, static_cast<qsizetype>(end - i));
-        result.append(isQuoted ? "\"" : "").append(piece).append(isQuoted ? "\"" : "");
-        i = end;
     }
-    return result;
+    return taken == 0 ? result : result.append(json.substr(taken));
 }
 
 std::string numberText(const QJsonValue& number)
@@ -81,9 +88,14 @@ Record recordOf(const QJsonObject& object)
 
 std::vector<Record> QtJson::objectsOf(std::string_view json) const
 {
-    if (!QJsonDocument::fromJson(QByteArray::fromRawData(json.data(), static_cast<qsizetype>(json.size()))).isArray())
+    const auto parsed = [](std::string_view text) {
+        return QJsonDocument::fromJson(QByteArray::fromRawData(text.data(), static_cast<qsizetype>(text.size())));
+    };
+    const QJsonDocument document = parsed(json);
+    if (!document.isArray())
         return {};
-    const QJsonArray array = QJsonDocument::fromJson(withLongNumbersQuoted(json)).array();
+    const std::string quoted = withLongNumbersQuoted(json);
+    const QJsonArray array = quoted.empty() ? document.array() : parsed(quoted).array();
     std::vector<Record> records;
     for (const QJsonValueConstRef element : array) {
         if (element.isObject())

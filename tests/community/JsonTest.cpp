@@ -26,6 +26,17 @@ TEST(Json, ReadsNumbersInTheirDigits)
     EXPECT_EQ(textOf("-0.25"), "-0.25");
 }
 
+TEST(Json, ReadsLongNumbersBesideTextsThatHoldWhatLooksLikeThem)
+{
+    const auto records = QtJson().objectsOf(
+        R"([{"a": 12345678901234567890, "b\\": "\" 12345678901234567890", "c":[-98765432109876543210,1]},{"a":2}])");
+    ASSERT_EQ(records.size(), 2u);
+    EXPECT_EQ(records[0].text("a"), "12345678901234567890");
+    EXPECT_EQ(records[0].text("b\\"), "\" 12345678901234567890");
+    EXPECT_EQ(records[0].text("c"), "[\"-98765432109876543210\",1]");
+    EXPECT_EQ(records[1].text("a"), "2");
+}
+
 TEST(Json, KeepsTextsAsTheyStand)
 {
     EXPECT_EQ(textOf("\"42\""), "42");
