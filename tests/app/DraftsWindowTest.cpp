@@ -100,18 +100,20 @@ TEST_F(DraftsWindowTest, TheBarLiesBetweenTitleAndLists)
 TEST_F(DraftsWindowTest, ADoubleClickLoadsNoOtherPluginThatTheBarMovedUnderThePointer)
 {
     for (int number = 0; number < 8; ++number)
-        writeDictionary(builtIn("Z" + std::to_string(number)), orderFile(numbered(3)));
+        writeDictionary(builtIn("A" + std::to_string(number)), orderFile(numbered(3)));
     click("btnRunCheck");
     leaveDraft(8, QDateTime::currentDateTime());
-    select("Z7");
+    select("A0");
     QApplication::processEvents();
     ASSERT_FALSE(isBarShown());
     QWidget* list = find<QTreeView>("pluginTableView")->viewport();
-    const QPoint where = list->mapToGlobal(find<QTreeView>("pluginTableView")->visualRect(row(1)).center());
+    const QPoint where = list->mapToGlobal(find<QTreeView>("pluginTableView")->visualRect(row(9)).center());
     const auto place = [&] { return list->mapFromGlobal(where); };
     QTest::mouseClick(list, Qt::LeftButton, {}, place());
     QApplication::processEvents();
     ASSERT_TRUE(isBarShown());
+    const int under = find<QTreeView>("pluginTableView")->indexAt(place()).row();
+    ASSERT_TRUE(under >= 0 && under < 9) << "another row has come there";
     QTest::mouseDClick(list, Qt::LeftButton, {}, place()); // its second press alone
     QTest::mouseRelease(list, Qt::LeftButton, {}, place());
     EXPECT_EQ(controller().myArrayController()->selectionText("Plugin"), "Synth");
