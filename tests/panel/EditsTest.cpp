@@ -302,6 +302,7 @@ TEST(Edits, TidyingUpClosesUpAndLeavesThePagesThatAreNeeded)
              Row{"", 1, "", 1},
              Row{"a b c d e f g h", 1, "a b c d e f g h", 1},
              Row{"a b c d e - g h | i j k | l m", 3, "a b c d e g h i | j k l m", 2}, // l stays in sight
+             Row{"a - b c d e f g | h i j k", 2, "a b c d e f g h | i j k", 1},       // its first one does
              Row{"a b c d e f g h | i | | j", 3, "a b c d e f g h | i j", 2},         // of the empty page the last
              Row{"a b c d e f g h | - i", 2, "a b c d e f g h | i", 2},
          }) {
