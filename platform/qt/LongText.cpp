@@ -72,7 +72,11 @@ bool hasSlowWord(const QString& text)
     });
 }
 
-QString inBlocks(const QString& text)
+namespace {
+
+enum class LongLines { stay, gainBreaks };
+
+QString inBlocks(const QString& text, LongLines longLines)
 {
     QString result;
     result.reserve(text.size() + text.size() / kLine + 1);
@@ -92,7 +96,8 @@ QString inBlocks(const QString& text)
             continue;
         }
         const qsizetype length = result.size() - lineStart;
-        const bool isPlace = !isWhole && length >= kLine && (text[i - 1].isSpace() || length >= kLine + kSearched);
+        const bool isPlace = longLines == LongLines::gainBreaks && !isWhole && length >= kLine &&
+                             (text[i - 1].isSpace() || length >= kLine + kSearched);
         if (isPlace && !c.isLowSurrogate() && (length >= kMost || !belongsToTheOneBefore(c))) {
             result += QChar::ParagraphSeparator;
             blockStart = lineStart = result.size();
@@ -100,6 +105,13 @@ QString inBlocks(const QString& text)
         result += c;
     }
     return result;
+}
+
+} // namespace
+
+QString inBlocks(const QString& text)
+{
+    return inBlocks(text, LongLines::gainBreaks);
 }
 
 QString partInBlocks(const QString& text, qsizetype from, qsizetype to)
@@ -138,6 +150,19 @@ QMimeData* LongTextField::createMimeDataFromSelection() const
     auto* copied = new QMimeData;
     copied->setText(partInBlocks(textInBlocks_, selected.selectionStart(), selected.selectionEnd()));
     return copied;
+}
+
+void LongTextField::insertFromMimeData(const QMimeData* source)
+{
+    const QString text = source->text();
+    if (isReadOnly() || !isLong(text)) {
+        QPlainTextEdit::insertFromMimeData(source);
+        return;
+    }
+    if (hasEndlessWord(text))
+        setWordWrapMode(QTextOption::WrapAnywhere);
+    insertPlainText(inBlocks(text, LongLines::stay));
+    ensureCursorVisible();
 }
 
 } // namespace platform::qt

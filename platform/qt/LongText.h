@@ -6,6 +6,8 @@
 #include <QPlainTextEdit>
 #include <QString>
 
+class QMimeData;
+
 namespace platform::qt {
 
 /// Has more than 4,000 characters.
@@ -22,6 +24,8 @@ QString inBlocks(const QString& text);
 /// What of the text stands between two places in `inBlocks(text)`, without the breaks that it gained.
 QString partInBlocks(const QString& text, qsizetype from, qsizetype to);
 
+/// A field for a text of any length. Into one to write in a long text can be pasted: it is wrapped in the way that takes
+/// least before it comes in, and its lines share blocks; what the field holds is what was pasted.
 class LongTextField final : public QPlainTextEdit {
     Q_OBJECT
 
@@ -31,6 +35,7 @@ public:
 
 protected:
     QMimeData* createMimeDataFromSelection() const override;
+    void insertFromMimeData(const QMimeData* source) override;
 
 private:
     QString textInBlocks_; ///< empty while no text is shown so

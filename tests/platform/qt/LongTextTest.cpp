@@ -23,6 +23,7 @@
 #include <QTextOption>
 #include <QTimer>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 
@@ -163,6 +164,31 @@ TEST(LongText, IsWrappedBetweenWordsUnlessOneIsEndless)
     });
     field.showText(QStringLiteral("short"));
     EXPECT_EQ(field.wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
+}
+
+TEST(LongText, ThatIsPastedIsHeldUnchangedInFewBlocksAndWrappedAnywhereBeforeAnEndlessWordComesIn)
+{
+    for (const auto& [name, text] : kinds()) {
+        const QString part = text.left(10'000);
+        QPlainTextEdit plain;
+        plain.setLineWrapMode(QPlainTextEdit::NoWrap);
+        plain.setPlainText(part);
+        LongTextField field;
+        field.setPlainText(QStringLiteral("before"));
+        field.moveCursor(QTextCursor::End);
+        QTextOption::WrapMode modeThen{};
+        QObject::connect(&field, &QPlainTextEdit::textChanged, [&] { modeThen = field.wordWrapMode(); });
+        QApplication::clipboard()->setText(part);
+        field.paste();
+        EXPECT_EQ(field.toPlainText(), QStringLiteral("before") + plain.toPlainText()) << name;
+        EXPECT_LE(field.blockCount(), 11) << name;
+        const bool isEndless = std::none_of(part.begin(), part.end(), [](QChar c) { return c.isSpace(); });
+        if (isEndless) {
+            EXPECT_EQ(modeThen, QTextOption::WrapAnywhere) << name;
+        }
+        field.undo();
+        EXPECT_EQ(field.toPlainText(), QStringLiteral("before")) << name;
+    }
 }
 
 class AlertTest : public testing::Test {
