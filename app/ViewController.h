@@ -130,7 +130,7 @@ public:
     /// As the mapping is now.
     const mapping::Comparison& comparison() const { return comparison_; }
     /// The slots of the other side.
-    const std::vector<platform::Record>& comparedEntries() const;
+    const std::vector<platform::Record>& comparedEntries() const { return differences_.other(); }
     /// What was chosen last and could not be read; nothing is compared then.
     mapping::ComparedWith unreadableSide() const { return unreadableSide_; }
     /// Shows the next pot that differs, behind the focused one or on the shown page, and begins anew at the end.
@@ -357,7 +357,8 @@ private:
     std::uint64_t datedRevision_ = 0;
     DraftStep draftStep_ = DraftStep::none; ///< the one being made
     mapping::Comparison comparison_;
-    mapping::LoadedMapping compared_; ///< the other side, where it is a file's
+    mapping::Differences differences_;
+    std::int32_t comparedMode_ = 0;
     SharedPreview sharedPreview_;
     std::uint64_t previewFetch_ = 0;
     platform::Record previewedEntry_;

@@ -4,7 +4,7 @@
 #include "mapping/ParameterOrder.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <utility>
 
 namespace mapping {
 
@@ -32,17 +32,28 @@ std::filesystem::path comparedFile(const std::filesystem::path& file, ComparedWi
     }
 }
 
-std::vector<std::int32_t> differingPositions(const Records& one, const Records& other)
+Differences::Differences(Records other) : other_(std::move(other)) {}
+
+void Differences::follow(const Records& entries)
 {
-    std::vector<std::int32_t> positions;
-    const std::size_t shorter = std::min(one.size(), other.size());
-    const Records& longer = one.size() > shorter ? one : other;
-    for (std::size_t i = 0; i < longer.size(); ++i) {
-        const bool isSame = i < shorter ? holdTheSame(one[i], other[i]) : isEmptyEntry(longer[i]);
-        if (!isSame)
-            positions.push_back(static_cast<std::int32_t>(i));
+    static const platform::Record kNothing = emptyEntry(0, 0);
+    const auto at = [](const Records& records, std::size_t i) -> const platform::Record& {
+        return i < records.size() ? records[i] : kNothing;
+    };
+    const std::size_t known = seen_.size();
+    const std::size_t count = std::max(entries.size(), other_.size());
+    seen_.resize(count);
+    differs_.resize(count);
+    positions_.clear();
+    for (std::size_t i = 0; i < count; ++i) {
+        const platform::Record& entry = at(entries, i);
+        if (i >= known || seen_[i] != entry) {
+            seen_[i] = entry;
+            differs_[i] = !holdTheSame(entry, at(other_, i));
+        }
+        if (differs_[i])
+            positions_.push_back(static_cast<std::int32_t>(i));
     }
-    return positions;
 }
 
 std::int32_t pagesFilledBy(std::size_t entries)

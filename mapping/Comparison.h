@@ -4,6 +4,7 @@
 
 #include "platform/controls/Record.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -27,9 +28,24 @@ struct Comparison {
     std::optional<std::int32_t> otherMode; ///< only where it differs
 };
 
-/// Positions (from 0, ascending) of the slots in which a save would write other parameters.
-std::vector<std::int32_t> differingPositions(const std::vector<platform::Record>& one,
-                                             const std::vector<platform::Record>& other);
+/// The slots in which a save would write other parameters than another mapping holds. Kept current edit by edit, since
+/// comparing ten thousand slots anew costs as much as the press that changed one.
+class Differences {
+public:
+    Differences() = default;
+    explicit Differences(std::vector<platform::Record> other);
+
+    void follow(const std::vector<platform::Record>& entries);
+    /// From 0, ascending.
+    const std::vector<std::int32_t>& positions() const { return positions_; }
+    const std::vector<platform::Record>& other() const { return other_; }
+
+private:
+    std::vector<platform::Record> other_;
+    std::vector<platform::Record> seen_; ///< what was compared last, a record a slot of the longer side
+    std::vector<bool> differs_;          ///< one a slot
+    std::vector<std::int32_t> positions_;
+};
 
 /// Pages that so many entries fill, the last one perhaps in part.
 std::int32_t pagesFilledBy(std::size_t entries);

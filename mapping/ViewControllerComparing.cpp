@@ -47,7 +47,7 @@ void ViewController::compareWith(ComparedWith side)
     const Operation operation(*this);
     comparedPath_ = labPluginPlistLocation()->stringValue.get();
     comparison_.side = ComparedWith::nothing;
-    compared_ = {};
+    differences_ = {};
     unreadableSide_ = ComparedWith::nothing;
     if (!isMappingLoaded())
         return;
@@ -57,7 +57,11 @@ void ViewController::compareWith(ComparedWith side)
             unreadableSide_ = side;
             return;
         }
-        compared_ = std::move(*read);
+        differences_ = mapping::Differences(std::move(read->entries));
+        comparedMode_ = read->mode;
+    } else if (side == ComparedWith::saved) {
+        differences_ = mapping::Differences(savedEntries_);
+        comparedMode_ = savedMode_;
     }
     comparison_.side = side;
 }
@@ -70,11 +74,6 @@ void ViewController::followComparedFile()
         compareWith(comparison_.side);
 }
 
-const std::vector<platform::Record>& ViewController::comparedEntries() const
-{
-    return comparison_.side == ComparedWith::saved ? savedEntries_ : compared_.entries;
-}
-
 void ViewController::compare()
 {
     const ComparedWith side = comparison_.side;
@@ -82,12 +81,12 @@ void ViewController::compare()
     if (side == ComparedWith::nothing)
         return;
     comparison_.side = side;
-    comparison_.positions = mapping::differingPositions(mapping::plistBuild, comparedEntries());
+    differences_.follow(mapping::plistBuild);
+    comparison_.positions = differences_.positions();
     comparison_.morePages =
         mapping::pagesFilledBy(comparedEntries().size()) - mapping::pagesFilledBy(mapping::plistBuild.size());
-    const std::int32_t mode = side == ComparedWith::saved ? savedMode_ : compared_.mode;
-    if (mode != mapping::plugin_Mode)
-        comparison_.otherMode = mode;
+    if (comparedMode_ != mapping::plugin_Mode)
+        comparison_.otherMode = comparedMode_;
 }
 
 void ViewController::nextDifference(Sender)

@@ -63,6 +63,7 @@ void ViewController::changePlugInModeAndReadPlist(std::int32_t mode, std::int32_
     if (readPlist == 1) {
         readPlistFileCheckMode(myArrayController()->selectionText(plugins::kFileLocation), 0);
         savedEntries_ = mapping::plistBuild; // the mode is not: the file is only read
+        followComparedFile();
     }
     populateKnobLabels(1);
     arrayControllerPlistSelected()->setSelectionIndex(0);

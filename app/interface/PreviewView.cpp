@@ -70,6 +70,7 @@ void PreviewView::show()
     }
     hint_->setText(hint);
     model_->setEntries(preview.mapping.entries);
+    differences_ = mapping::Differences(preview.mapping.entries);
     countedIn_ = {};
     followEdit();
     places_->setCurrentIndex(isShown ? 1 : 0);
@@ -91,13 +92,13 @@ void PreviewView::followEdit()
     } else {
         if (const auto here = controller_.offeredParameters(); std::exchange(countedIn_, here) != here)
             count_ = mapping::countOffered(preview.mapping.entries, mapping::Offered(*here));
-        auto differing = mapping::differingPositions(preview.mapping.entries, mapping::plistBuild);
-        const auto pots = differing.size();
+        differences_.follow(mapping::plistBuild);
+        const auto pots = differences_.positions().size();
         parts << tr("%1 of %2 offered here").arg(locale.toString(count_.offered), locale.toString(count_.all));
         parts << (pots == 0   ? tr("no pot differs from the mapping being edited")
                   : pots == 1 ? tr("1 pot differs from the mapping being edited")
                               : tr("%1 pots differ from the mapping being edited").arg(locale.toString(pots)));
-        model_->setOther(mapping::plistBuild, std::move(differing));
+        model_->setOther(mapping::plistBuild, differences_.positions());
     }
     summary_->setText(parts.join(QStringLiteral(" \u00b7 ")));
 }

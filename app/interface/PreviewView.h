@@ -2,6 +2,7 @@
 // Shows in the download window the shared mapping that is looked at: its pages as a table, what of it the loaded
 // plug-in offers, and how it differs from the mapping being edited. Follows the controller; closing the window ends it.
 
+#include "mapping/Comparison.h"
 #include "mapping/Offered.h"
 #include "platform/controls/Record.h"
 #include "platform/controls/Signal.h"
@@ -38,6 +39,7 @@ private:
     QLabel* summary_;
     QAction* preview_;
     PreviewModel* model_;
+    mapping::Differences differences_;
     platform::SharedRecords countedIn_; ///< the list in which was looked for what is offered
     mapping::OfferedCount count_;
     std::vector<platform::Connection> connections_;

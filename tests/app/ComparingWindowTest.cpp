@@ -197,7 +197,7 @@ TEST_F(ComparingWindow, TheMarkIsDrawnOnPotsAndTiles)
         EXPECT_NE(before.first, after.first);
         EXPECT_NE(before.second, after.second);
         if (const QByteArray folder = qgetenv("KV_PICTURES"); !folder.isEmpty())
-            window->grab().save(QString::fromLocal8Bit(folder) + (isDark ? "/dark.png" : "/light.png"));
+            window->grab().save(QString::fromLocal8Bit(folder + (isDark ? "/dark.png" : "/light.png")));
     }
 }
 

@@ -31,7 +31,7 @@ using Connection = ScriptedPeer::Connection;
 using Lines = std::vector<std::string>;
 namespace fs = std::filesystem;
 
-constexpr char kTwoEntries[] = R"([
+constexpr char kTwoToPreview[] = R"([
     {"patchID": 42, "fileLocation": "files/one.plist", "userComments": "first"},
     {"patchID": 43, "fileLocation": "files/the second.plist", "userComments": "second"}
 ])";
@@ -51,7 +51,7 @@ protected:
 
     void browse()
     {
-        peer_.play(test::reply(kTwoEntries));
+        peer_.play(test::reply(kTwoToPreview));
         click("kv_btn_cloudLibraryDownload");
     }
     void open()

@@ -15,6 +15,17 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Positions = std::vector<std::int32_t>;
 
+namespace {
+
+Positions differing(const std::vector<platform::Record>& one, std::vector<platform::Record> other)
+{
+    mapping::Differences differences(std::move(other));
+    differences.follow(one);
+    return differences.positions();
+}
+
+} // namespace
+
 TEST(Comparison, FindsTheSlotsThatWouldBeWrittenDifferently)
 {
     struct Case {
@@ -41,9 +52,30 @@ TEST(Comparison, FindsTheSlotsThatWouldBeWrittenDifferently)
         {"moved by one", {"1 A", "2 B", "3 C"}, {"-1", "1 A", "2 B", "3 C"}, {0, 1, 2, 3}},
     };
     for (const Case& each : cases)
-        EXPECT_EQ(mapping::differingPositions(mapping::mappingOf(each.one), mapping::mappingOf(each.other)),
-                  each.differing)
-            << each.name;
+        EXPECT_EQ(differing(mapping::mappingOf(each.one), mapping::mappingOf(each.other)), each.differing) << each.name;
+}
+
+TEST(Comparison, KeepsUpWithEveryEdit)
+{
+    auto entries = mapping::mappingOf(numbered(24));
+    const auto other = entries;
+    mapping::Differences followed(other);
+    const auto expectCurrent = [&](const char* edit) {
+        followed.follow(entries);
+        EXPECT_EQ(followed.positions(), differing(entries, other)) << edit;
+    };
+    expectCurrent("none");
+    EXPECT_THAT(followed.positions(), IsEmpty());
+    entries[3].set(mapping::kParameter, "Other");
+    expectCurrent("a slot");
+    EXPECT_THAT(followed.positions(), ElementsAre(3));
+    entries.erase(entries.begin(), entries.begin() + 8);
+    expectCurrent("a page fewer");
+    entries.insert(entries.end(), 16, mapping::emptyEntry(9, 9));
+    expectCurrent("pages more");
+    entries = other;
+    expectCurrent("taken back");
+    EXPECT_THAT(followed.positions(), IsEmpty());
 }
 
 TEST(Comparison, GoesRoundTheDifferencesThatCanBeShown)
