@@ -165,6 +165,7 @@ TEST_F(Preview, AnotherOneReplacesIt)
     });
     click("previewShared");
     EXPECT_EQ(hint(), kFetching);
+    EXPECT_TRUE(test::waitUntil([&] { return peer_.requestLines().back() == "GET /files/one.plist"; }));
     clickRow("cwinPlistAvailable", "second");
     EXPECT_EQ(hint(), kEmptyState); // what is fetched is of the other entry
     preview(test::reply(test::orderBytes({"1 Later"})));
