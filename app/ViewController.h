@@ -171,6 +171,8 @@ public:
     void updateHelperDisplay(const std::string& text);
     /// Shows a page (from 1); one that does not exist is not shown.
     void showPage(std::int32_t page);
+    /// Shows the first page on which the selected parameter stands, from there the next, and after the last the first.
+    void showOnPanel(Sender = nullptr);
 
     // Pages
 

@@ -102,11 +102,15 @@ const std::vector<std::int32_t>& MappedPots::positionsOf(const platform::Record&
     return use == uses_.end() ? kNone : use->second.positions;
 }
 
-bool MappedPots::isOnPot(const platform::Record& parameter, const PotRange& range) const
+std::vector<platform::Record> MappedPots::entriesOn(const PotRange& range) const
 {
-    const auto& positions = positionsOf(parameter);
-    const auto at = std::ranges::lower_bound(positions, range.first);
-    return at != positions.end() && *at <= range.last;
+    std::vector<platform::Record> entries;
+    const auto behind = std::min(static_cast<std::size_t>(range.last) + 1, placed_.size());
+    for (auto i = static_cast<std::size_t>(range.first); i < behind; ++i) {
+        if (!isEmptyEntry(placed_[i]))
+            entries.push_back(placed_[i]);
+    }
+    return entries;
 }
 
 std::string potsText(const std::vector<std::int32_t>& positions)

@@ -36,7 +36,8 @@ public:
     /// the mapping is set again.
     const std::vector<std::int32_t>& positionsOf(const platform::Record& parameter) const;
     bool isOnPot(const platform::Record& parameter) const { return !positionsOf(parameter).empty(); }
-    bool isOnPot(const platform::Record& parameter, const PotRange& range) const;
+    /// What stands on some of the pots.
+    std::vector<platform::Record> entriesOn(const PotRange& range) const;
     /// How many of the offered parameters stand on a pot, and how many are offered.
     std::int32_t mappedCount() const { return mappedCount_; }
     std::int32_t parameterCount() const { return parameterCount_; }

@@ -37,6 +37,11 @@ bool isEmptyEntry(const Record& entry)
     return entry.text(kParameter) == kEmptyName;
 }
 
+bool isSameParameter(const platform::Record& one, const platform::Record& other)
+{
+    return one.text(kParamNum) == other.text(kParamNum) && one.text(kParameter) == other.text(kParameter);
+}
+
 std::string_view nameAt(const std::vector<Record>& entries, std::int32_t position)
 {
     const auto index = static_cast<std::size_t>(position);

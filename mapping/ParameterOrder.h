@@ -45,6 +45,9 @@ platform::Record emptyEntry(std::int32_t page, std::int32_t controlNo);
 
 bool isEmptyEntry(const platform::Record& entry);
 
+/// Whether two entries have the same number and name.
+bool isSameParameter(const platform::Record& one, const platform::Record& other);
+
 /// Name of the parameter at a position (from 0); an empty slot's where the mapping ends before it.
 std::string_view nameAt(const std::vector<platform::Record>& entries, std::int32_t position);
 

@@ -3,6 +3,7 @@
 #include "chart/ChartState.h"
 #include "mapping/EditingState.h"
 #include "mapping/ParameterOrder.h"
+#include "panel/Finding.h"
 #include "panel/Pages.h"
 #include "plugins/PluginScan.h"
 
@@ -48,6 +49,15 @@ void ViewController::showPage(std::int32_t page)
 {
     if (isMappingLoaded() && page >= 1 && page <= mapping::totalPages)
         populateKnobLabels(page);
+}
+
+void ViewController::showOnPanel(Sender)
+{
+    const platform::Record* selected = arrayControllerPlistSelected()->selection();
+    if (!selected)
+        return;
+    if (const auto page = panel::nextPageOf(mappedPots_.positionsOf(*selected), mapping::curPage))
+        showPage(*page);
 }
 
 std::shared_ptr<platform::TextField> ViewController::knobLabel(std::int32_t number) const

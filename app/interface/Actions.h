@@ -38,6 +38,7 @@ enum class Needs {
     nothing, ///< or what only its own operation knows, which enables it: undo, redo, drafts, share
     mapping, ///< one is loaded
     plugin,  ///< and its plug-in is the selected row
+    placed,  ///< a mapping, and the selected parameter stands on a pot of it
     pot,     ///< a mapping, and a pot has the focus
     slots,   ///< or the tile of a page has
     copied,  ///< and slots that were copied are on the clipboard

@@ -28,10 +28,14 @@
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLocale>
+#include <QStringList>
 
 #include <algorithm>
+#include <functional>
+#include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace interface {
 
@@ -66,6 +70,14 @@ QString leftoverText(std::size_t parameters, std::size_t entries, std::int32_t p
     return text.arg(locale.toString(parameters > 0 ? parameters : entries), locale.toString(pages));
 }
 
+/// Whether what a search finds depends on where parameters stand.
+bool findsPots(const std::string& filterText)
+{
+    const QStringList words = qt::searchWords(filterText);
+    return std::any_of(words.begin(), words.end(),
+                       [](const QString& word) { return mapping::potsMeant(qt::fromQt(word)).has_value(); });
+}
+
 QString potsOf(const platform::Record& parameter, const mapping::MappedPots& pots)
 {
     if (mapping::isEmptyEntry(parameter))
@@ -83,10 +95,12 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
       window_(loaded.mainWindow()),
       panel_(loaded.find<FrontPanel>("frontPanel")),
       overview_(loaded.find<PageOverview>("pageOverview")),
+      pluginSearch_(loaded.find<SearchField>("pluginSearch")),
       search_(loaded.find<SearchField>("parameterSearch")),
       plugins_(loaded.find<qt::RecordListView>("pluginTableView")),
       parameters_(loaded.find<qt::RecordListView>("tablePlistOfSelectedPlugin")),
       shared_(loaded.find<qt::RecordListView>("cwinPlistAvailable")),
+      foundPlugins_(loaded.find<QLabel>("pluginReadOut")),
       mapped_(loaded.find<QLabel>("mappedReadOut")),
       unsaved_(loaded.find<QLabel>("unsavedReadOut")),
       unmappedOnly_(loaded.find<QCheckBox>("unmappedOnly")),
@@ -136,8 +150,9 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
         for (const RecallButton& recall : recalls_)
             describeBackup(recall);
     });
-    connect(unmappedOnly_, &QCheckBox::toggled, this, &EditingView::showOnlyUnmapped);
-    showOnlyUnmapped(false);
+    arrangeParameters();
+    connect(unmappedOnly_, &QCheckBox::toggled, this,
+            [rows = controller_.arrayControllerPlistSelected()] { rows->rearrange(); });
 
     connections_.push_back(controller_.editingChanged.connect([this] { refresh(); }));
     connections_.push_back(controller_.potChoice.onChange([this](const auto&) { enableWhatCanBeDone(); }));
@@ -150,6 +165,18 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
     for (const auto& rows : {controller_.myArrayController(), controller_.arrayControllerPlistSelected(),
                              controller_.arrayController_downloadList()})
         connections_.push_back(rows->arrangedChanged.connect([this] { showHints(); }));
+    connections_.push_back(controller_.myArrayController()->arrangedChanged.connect([this] { showFoundPlugins(); }));
+    showFoundPlugins();
+    connections_.push_back(controller_.arrayControllerPlistSelected()->selectionChanged.connect([this] {
+        showWhere();
+        enableWhatCanBeDone();
+    }));
+    connect(loaded.find<QAction>("findInList"), &QAction::triggered, this, &EditingView::findInList);
+    connect(parameters_, &QAbstractItemView::doubleClicked, this,
+            [this, show = loaded.find<QAction>("showOnPanel")](const QModelIndex& cell) {
+                if (parameters_->records().isMadeText(cell.column()))
+                    show->trigger();
+            });
     showDraft();
     refresh();
 }
@@ -165,24 +192,37 @@ bool EditingView::eventFilter(QObject* watched, QEvent* event)
     return false;
 }
 
-void EditingView::showOnlyUnmapped(bool only)
+void EditingView::arrangeParameters()
 {
-    auto matching = qt::matchingAny({mapping::kParamNum, mapping::kParameter});
-    const auto parameters = controller_.arrayControllerPlistSelected();
-    if (!only) {
-        parameters->setArrangement(std::move(matching));
-        return;
-    }
-    // The selected row stays although it was mapped just now: the next press goes on from it.
-    parameters->setArrangement([this, matching = std::move(matching)](const platform::ArrayController& list) {
-        auto rows = matching(list);
+    qt::Search search{{mapping::kParamNum, mapping::kParameter}};
+    search.findsToo = [this](const QString& word) -> std::function<bool(const platform::Record&)> {
+        const auto pots = mapping::potsMeant(qt::fromQt(word));
+        if (!pots)
+            return nullptr;
+        return [there = controller_.mappedPots().entriesOn(*pots)](const platform::Record& parameter) {
+            return std::any_of(there.begin(), there.end(), [&](const platform::Record& entry) {
+                return mapping::isSameParameter(entry, parameter);
+            });
+        };
+    };
+    // Above the parameters stands the blank entry. And while an edit changes what is on the pots that are searched, the
+    // selected row stays: the next press goes on from it.
+    search.stays = [this](const platform::ArrayController& list, std::size_t row) {
+        return row == 0 || (&list.content()[row] == list.selection() && list.filterText.get() == searched_);
+    };
+    const auto arranged = [this, found = qt::searching(std::move(search))](const platform::ArrayController& list) {
+        auto rows = found(list);
+        searched_ = list.filterText.get();
+        // The selected row stays although it was mapped just now, for the same reason.
         const auto isMapped = [&](std::size_t row) {
             const platform::Record& parameter = list.content()[row];
             return &parameter != list.selection() && controller_.mappedPots().isOnPot(parameter);
         };
-        rows.erase(std::remove_if(rows.begin(), rows.end(), isMapped), rows.end());
+        if (unmappedOnly_->isChecked())
+            std::erase_if(rows, isMapped);
         return rows;
-    });
+    };
+    controller_.arrayControllerPlistSelected()->setArrangement(arranged);
 }
 
 void EditingView::refresh()
@@ -191,10 +231,13 @@ void EditingView::refresh()
     panel_->setShownPage(mapping::curPage, hasMapping ? mapping::totalPages : 0);
     showLeftovers();
     showWhatTheChartHolds();
-    if (std::exchange(historyRevision_, controller_.historyRevision()) != controller_.historyRevision())
-        search_->giveUpUndo();
-    if (unmappedOnly_->isChecked())
+    if (std::exchange(historyRevision_, controller_.historyRevision()) != controller_.historyRevision()) {
+        for (SearchField* search : {pluginSearch_, search_})
+            search->giveUpUndo();
+    }
+    if (unmappedOnly_->isChecked() || findsPots(controller_.arrayControllerPlistSelected()->filterText.get()))
         controller_.arrayControllerPlistSelected()->rearrange();
+    showWhere();
     enableWhatCanBeDone();
     showTitle();
     showHistory();
@@ -272,6 +315,7 @@ void EditingView::enableWhatCanBeDone()
     const auto canBeDone = [&](Needs needs) {
         switch (needs) {
         case Needs::plugin: return hasPlugin;
+        case Needs::placed: return hasMapping && isSelectedPlaced_;
         case Needs::pot: return hasPot;
         case Needs::slots: return hasSlots;
         case Needs::copied: return hasSlots && controller_.canPaste();
@@ -332,10 +376,6 @@ void EditingView::showMapped()
 void EditingView::showHints()
 {
     const auto found = controller_.myArrayController();
-    plugins_->setHint(found->content().empty()
-                          ? tr("No plug-ins were found.\n\nSave a 'default' setting of a plug-in in Logic, "
-                               "then press \u201cScan for plugins\u201d.")
-                          : QString());
     const auto offered = controller_.arrayControllerPlistSelected();
     const QString searched = qt::toQt(offered->filterText.get());
     QString hint;
@@ -360,6 +400,79 @@ void EditingView::showHints()
     else
         hint = tr("Choose a plug-in in the main window to see what others shared for it.");
     shared_->setHint(hint);
+}
+
+void EditingView::showWhere()
+{
+    const platform::Record* selected = controller_.arrayControllerPlistSelected()->selection();
+    unsigned pots = 0;
+    std::vector<int> pages;
+    if (selected && controller_.isMappingLoaded()) {
+        for (const std::int32_t position : controller_.mappedPots().positionsOf(*selected)) {
+            const int page = position / mapping::kPotsPerPage + 1;
+            if (pages.empty() || pages.back() != page)
+                pages.push_back(page);
+            if (page == mapping::curPage)
+                pots |= 1U << static_cast<unsigned>(position % mapping::kPotsPerPage);
+        }
+    }
+    isSelectedPlaced_ = !pages.empty();
+    panel_->ringPots(pots);
+    overview_->ringPages(std::move(pages));
+}
+
+void EditingView::findInList()
+{
+    const std::int32_t pot = controller_.potChoice.get().focusedPot;
+    const auto position = static_cast<std::size_t>(panel::slotFor(mapping::curPage, pot));
+    if (pot == panel::PotChoice::kNone || position >= mapping::plistBuild.size())
+        return;
+    const platform::Record& sought = mapping::plistBuild[position];
+    if (mapping::isEmptyEntry(sought))
+        return;
+    const auto list = controller_.arrayControllerPlistSelected();
+    const auto isSought = [&sought](const platform::Record& parameter) {
+        return mapping::isSameParameter(parameter, sought);
+    };
+    if (std::none_of(list->content().begin(), list->content().end(), isSought))
+        return;
+    const auto select = [&] {
+        std::int32_t row = 0;
+        while (row < list->arrangedCount() && !isSought(*list->arrangedObject(row)))
+            ++row;
+        list->setSelectionIndex(row == list->arrangedCount() ? platform::ArrayController::kNoSelection : row);
+        return list->selection() != nullptr;
+    };
+    if (!select()) {
+        unmappedOnly_->setChecked(false); // which hides all that stand on a pot
+        if (!select()) {
+            search_->clear();
+            select();
+        }
+    }
+    parameters_->scrollTo(parameters_->model()->index(list->selectionIndex(), 0));
+}
+
+void EditingView::showFoundPlugins()
+{
+    const auto listed = controller_.myArrayController();
+    const QString searched = qt::toQt(listed->filterText.get());
+    const QStringList words = qt::searchWords(listed->filterText.get());
+    const platform::Record* selected = listed->selection();
+    const bool isKept = selected && !qt::holdsWords(*selected, {plugins::kPlugin, plugins::kType}, words);
+    const std::int32_t found = listed->arrangedCount() - (isKept ? 1 : 0);
+    const QLocale locale;
+    foundPlugins_->setText(words.isEmpty() || listed->content().empty()
+                               ? QString()
+                               : tr("%1 of %2").arg(locale.toString(found), locale.toString(listed->content().size())));
+    QString hint;
+    if (listed->content().empty())
+        hint = tr("No plug-ins were found.\n\nSave a 'default' setting of a plug-in in Logic, "
+                  "then press \u201cScan for plugins\u201d.");
+    else if (found == 0)
+        hint = tr("No plug-in found for \u201c%1\u201d.\n\nPress Escape in the search field to see all again.")
+                   .arg(searched.left(80));
+    plugins_->setHint(hint);
 }
 
 void EditingView::showLeftovers()

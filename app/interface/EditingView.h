@@ -55,13 +55,19 @@ private:
         QString toolTip; ///< without what there is to know of it now
     };
 
-    void showOnlyUnmapped(bool only);
+    void arrangeParameters();
     void refresh();
     void enableWhatCanBeDone();
     void showTitle();
     void showHistory();
     void showMapped();
     void showHints();
+    /// Where the selected parameter stands.
+    void showWhere();
+    /// Selects the parameter of the pot that has the focus, in sight whatever was searched.
+    void findInList();
+    /// Which plug-ins the filter leaves.
+    void showFoundPlugins();
     void showLeftovers();
     void showWhatTheChartHolds();
     void showDraft();
@@ -74,10 +80,12 @@ private:
     QWidget* window_;
     FrontPanel* panel_;
     PageOverview* overview_;
+    SearchField* pluginSearch_;
     SearchField* search_;
     platform::qt::RecordListView* plugins_;
     platform::qt::RecordListView* parameters_;
     platform::qt::RecordListView* shared_;
+    QLabel* foundPlugins_;
     QLabel* mapped_;
     QLabel* unsaved_;
     QCheckBox* unmappedOnly_;
@@ -93,6 +101,8 @@ private:
     ToldButton newPage_;
     ToldButton save_;
     ToldButton chart_;
+    bool isSelectedPlaced_ = false; ///< on a pot
+    std::string searched_;          ///< what the parameters shown were searched for
     std::uint64_t historyRevision_ = 0;
     QTimer backupsChanged_;
     DraftBar* draftBar_;

@@ -23,7 +23,7 @@ GoToPage::GoToPage(QWidget* strip, QWidget* parent)
     : QFrame(parent), strip_(strip), field_(new QLineEdit), message_(new QLabel)
 {
     setObjectName(QStringLiteral("goToPagePopup"));
-    setFrameStyle(QFrame::StyledPanel | QFrame::Raised);
+    setFrameStyle(QFrame::Box | QFrame::Plain);
     setAutoFillBackground(true);
     auto* words = new QLabel(tr("Go to page"));
     words->setBuddy(field_);

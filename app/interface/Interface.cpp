@@ -6,14 +6,19 @@
 #include "app/interface/ComparisonView.h"
 #include "app/interface/ContextMenus.h"
 #include "app/interface/EditingView.h"
+#include "app/interface/GoToPage.h"
 #include "app/interface/MainWindow.h"
 #include "app/interface/PreviewView.h"
 #include "app/interface/panel/FrontPanel.h"
 #include "app/interface/panel/PageOverview.h"
 #include "app/interface/panel/Pot.h"
+#include "mapping/EditingState.h"
+#include "panel/Finding.h"
 #include "platform/qt/Bindings.h"
 #include "platform/qt/LongText.h"
 #include "platform/qt/RecordListView.h"
+#include "platform/qt/RecordSort.h"
+#include "platform/qt/Text.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -297,6 +302,15 @@ void Interface::connectPanel()
     });
     QObject::connect(panel, &FrontPanel::choiceChanged, contextMenus_.get(),
                      [this] { choosePots(QApplication::focusWidget()); });
+    auto* goToPage = find<GoToPage>("goToPagePopup");
+    goToPage->setGoTo([this](const QString& text) {
+        const auto folded = [](std::string_view name) { return qt::fromQt(qt::foldedForSearch(qt::toQt(name))); };
+        const auto page = panel::pageMeant(qt::fromQt(text), mapping::plistBuild, mapping::totalPages, folded);
+        if (page)
+            controller_.showPage(*page);
+        return page.has_value();
+    });
+    QObject::connect(find<QAction>("goToPage"), &QAction::triggered, goToPage, &GoToPage::open);
     QObject::connect(overview, &PageOverview::pageChosen, overview, [this](int page) { controller_.showPage(page); });
 }
 

@@ -4,6 +4,7 @@
 #include "app/interface/DraftBar.h"
 #include "app/interface/DragData.h"
 #include "app/interface/Fonts.h"
+#include "app/interface/GoToPage.h"
 #include "app/interface/Menus.h"
 #include "app/interface/SearchField.h"
 #include "app/interface/Widgets.h"
@@ -11,7 +12,6 @@
 #include "app/interface/panel/PageOverview.h"
 #include "mapping/ParameterOrder.h"
 #include "platform/controls/ArrayController.h"
-#include "platform/qt/Bindings.h"
 #include "platform/qt/ElidedLabel.h"
 #include "platform/qt/RecordListView.h"
 #include "platform/qt/Typing.h"
@@ -118,6 +118,17 @@ QLayout* makeHeader()
     return layout;
 }
 
+QWidget* makeColumn(QLayout* top, QLayout* narrowing, QWidget* list)
+{
+    auto* column = new QWidget;
+    auto* layout = new QVBoxLayout(column);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addLayout(top);
+    layout->addLayout(narrowing);
+    layout->addWidget(list, 1);
+    return column;
+}
+
 QWidget* makePluginColumn()
 {
     auto* heading = makeHeading(QObject::tr("Plugins"));
@@ -126,18 +137,22 @@ QWidget* makePluginColumn()
                            {QObject::tr("Type"), plugins::kType, 160},
                            {QObject::tr("State"), plugins::kState, 80}},
                           plugins::kFileLocation);
+    list->records().setSearchedKeys({plugins::kPlugin, plugins::kType});
     list->setSortingEnabled(true);
     list->sortByColumn(0, Qt::AscendingOrder);
     list->chooseDeliberately();
-    QHBoxLayout* top = row({heading});
-    top->addStretch(1);
-    addGroup(top, ButtonRow::scan);
-    auto* column = new QWidget;
-    auto* layout = new QVBoxLayout(column);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addLayout(top);
-    layout->addWidget(list, 1);
-    return column;
+    list->leaveTypingToTheWindow();
+    auto* search = new SearchField;
+    search->setObjectName(QStringLiteral("pluginSearch"));
+    search->setList(list, QObject::tr("Search plug-ins"));
+    search->leadIntoList();
+    QHBoxLayout* top = row({heading, makeLabel("pluginReadOut")});
+    top->setSpacing(14);
+    top->setStretch(1, 1);
+    QHBoxLayout* narrowing = row({search});
+    narrowing->setStretch(0, 1);
+    addGroup(narrowing, ButtonRow::scan);
+    return makeColumn(top, narrowing, list);
 }
 
 /// A press while searching is meant for what was found, never for the blank entry, which every search leaves on top.
@@ -159,26 +174,17 @@ QWidget* makeParameterColumn()
     list->leaveTypingToTheWindow();
     auto* search = new SearchField;
     search->setObjectName(QStringLiteral("parameterSearch"));
-    search->setPlaceholderText(QObject::tr("Search parameters"));
-    search->setAccessibleName(QObject::tr("Search parameters"));
-    search->setList(list);
-    platform::qt::bindFilter(list->rows(), search);
+    search->setList(list, QObject::tr("Search parameters"));
     QObject::connect(search, &QLineEdit::textChanged, list, [list] { selectFound(*list->rows()); });
     auto* unmapped = new QCheckBox;
     label(*unmapped, Action::named("unmappedOnlyItem"));
-    QHBoxLayout* top = row({heading});
     auto* readOut = makeLabel("mappedReadOut");
     readOut->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    top->addWidget(readOut, 1);
+    QHBoxLayout* top = row({heading, readOut});
+    top->setStretch(1, 1);
     QHBoxLayout* narrowing = row({search, unmapped});
     narrowing->setStretch(0, 1);
-    auto* column = new QWidget;
-    auto* layout = new QVBoxLayout(column);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addLayout(top);
-    layout->addLayout(narrowing);
-    layout->addWidget(list, 1);
-    return column;
+    return makeColumn(top, narrowing, list);
 }
 
 QWidget* makeLists()
@@ -287,8 +293,9 @@ MainWindow::MainWindow()
     layout->addWidget(placed); // a line of its own, with room for names
     layout->addLayout(makeStatusRow());
     setCentralWidget(content);
+    new GoToPage(findChild<PageOverview*>(), content);
     connect(findChild<QAction*>(QStringLiteral("findParameter")), &QAction::triggered, this, [this] {
-        auto* search = findChild<SearchField*>();
+        auto* search = findChild<SearchField*>(QStringLiteral("parameterSearch"));
         search->setFocus(Qt::ShortcutFocusReason);
         search->selectAll();
     });
@@ -311,11 +318,13 @@ void MainWindow::onWindowInFront(const char* item, void (*work)(QWidget& front))
 
 void MainWindow::keyPressEvent(QKeyEvent* event)
 {
-    auto* search = findChild<SearchField*>();
-    if (!platform::qt::isTyping(*event) || search->hasFocus()) {
+    const QWidget* focused = focusWidget();
+    if (!platform::qt::isTyping(*event) || qobject_cast<const SearchField*>(focused)) {
         QMainWindow::keyPressEvent(event);
         return;
     }
+    const bool isInPlugins = focused && focused->objectName() == QLatin1String("pluginTableView");
+    auto* search = findChild<SearchField*>(QLatin1String(isInPlugins ? "pluginSearch" : "parameterSearch"));
     search->setFocus(Qt::ShortcutFocusReason);
     QApplication::sendEvent(search, event);
 }

@@ -1,7 +1,9 @@
 #include "app/interface/SearchField.h"
 
+#include "platform/qt/Bindings.h"
+#include "platform/qt/RecordListView.h"
+
 #include <QAbstractButton>
-#include <QAbstractItemView>
 #include <QApplication>
 #include <QKeyEvent>
 
@@ -13,6 +15,14 @@ SearchField::SearchField(QWidget* parent) : QLineEdit(parent)
     if (auto* clearButton = findChild<QAbstractButton*>())
         clearButton->setAccessibleName(tr("Clear the search"));
     connect(this, &QLineEdit::textEdited, this, [this] { wasTypedInto_ = true; });
+}
+
+void SearchField::setList(platform::qt::RecordListView* list, const QString& words)
+{
+    list_ = list;
+    setPlaceholderText(words);
+    setAccessibleName(words);
+    platform::qt::bindFilter(list->rows(), this);
 }
 
 bool SearchField::event(QEvent* event)
@@ -35,8 +45,10 @@ void SearchField::keyPressEvent(QKeyEvent* event)
     switch (event->key()) {
     case Qt::Key_Up:
     case Qt::Key_Down:
-        if (list_)
+        if (list_ && !leadsIntoList_)
             QApplication::sendEvent(list_, event);
+        else if (list_ && event->key() == Qt::Key_Down)
+            list_->enterFromSearch();
         return;
     case Qt::Key_Escape:
         if (!text().isEmpty())
@@ -46,7 +58,9 @@ void SearchField::keyPressEvent(QKeyEvent* event)
         return;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        if (list_)
+        if (list_ && leadsIntoList_)
+            list_->enterFromSearch();
+        else if (list_)
             list_->setFocus(Qt::ShortcutFocusReason);
         return;
     default: QLineEdit::keyPressEvent(event);

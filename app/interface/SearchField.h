@@ -1,10 +1,13 @@
 #pragma once
-// The search over the parameter list. While it has the focus the list is still moved through with the arrow keys, so
-// that a parameter is found, chosen and put on a pot without leaving the keyboard.
+// A search over a list. From the parameters' the list is still moved through with the arrow keys, so that a parameter
+// is found, chosen and put on a pot without leaving the keyboard. From the plug-ins', where moving loads, they lead
+// into the list.
 
 #include <QLineEdit>
 
-class QAbstractItemView;
+namespace platform::qt {
+class RecordListView;
+}
 
 namespace interface {
 
@@ -14,8 +17,10 @@ class SearchField final : public QLineEdit {
 public:
     explicit SearchField(QWidget* parent = nullptr);
 
-    /// The list that is searched.
-    void setList(QAbstractItemView* list) { list_ = list; }
+    /// Searches a list, and says of what it is in its hint and to screen readers.
+    void setList(platform::qt::RecordListView* list, const QString& words);
+    /// Arrow keys lead into the list instead of moving in it from here.
+    void leadIntoList() { leadsIntoList_ = true; }
     /// The last thing done was an edit of the mapping, so undo means that edit and no longer what was typed here.
     void giveUpUndo() { wasTypedInto_ = false; }
 
@@ -24,7 +29,8 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    QAbstractItemView* list_ = nullptr;
+    platform::qt::RecordListView* list_ = nullptr;
+    bool leadsIntoList_ = false;
     bool wasTypedInto_ = false;
 };
 

@@ -157,6 +157,14 @@ void RecordListView::dataChanged(const QModelIndex& topLeft, const QModelIndex& 
         viewport()->update();
 }
 
+void RecordListView::enterFromSearch()
+{
+    setFocus(Qt::ShortcutFocusReason);
+    const int first = rows_->selectionIndex() == 0 && model()->rowCount() > 1 ? 1 : 0;
+    if (!rows_->filterText.get().empty() && selectedRow() != first)
+        selectionModel()->setCurrentIndex(model()->index(first, 0), QItemSelectionModel::NoUpdate);
+}
+
 void RecordListView::startDrag(Qt::DropActions actions)
 {
     const QModelIndexList rows = selectionModel()->selectedRows();
@@ -225,10 +233,11 @@ QItemSelectionModel::SelectionFlags RecordListView::selectionCommand(const QMode
 
 QModelIndex RecordListView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
 {
-    // While nothing is selected Qt has the cursor on the first row already; the first key goes to it, not past it.
+    // The cursor may stand on a row that is not selected, as Qt has it while none is; the first key goes to that row,
+    // not past it.
     const bool goesOn = action == MoveDown || action == MoveNext || action == MovePageDown;
-    if (goesOn && selectedRow() == ArrayController::kNoSelection)
-        return model()->index(0, 0);
+    if (goesOn && !selectionModel()->isSelected(currentIndex()))
+        return currentIndex().isValid() ? currentIndex() : model()->index(0, 0);
     return QTreeView::moveCursor(action, modifiers);
 }
 
@@ -243,8 +252,8 @@ bool RecordListView::event(QEvent* event)
 
 void RecordListView::keyPressEvent(QKeyEvent* event)
 {
-    if (isTyping(*event) && (leavesTyping_ || isDeliberate_)) {
-        event->setAccepted(!leavesTyping_);
+    if (isTyping(*event) && leavesTyping_) {
+        event->ignore();
         return;
     }
     if (!isDeliberate_) {
@@ -268,7 +277,7 @@ void RecordListView::moveByKey(QKeyEvent* event)
 {
     QTreeView::keyPressEvent(event);
     // The cursor was there already, so Qt moved nothing and selected nothing.
-    if (movesInList(*event) && selectedRow() == ArrayController::kNoSelection && currentIndex().isValid())
+    if (movesInList(*event) && currentIndex().isValid() && !selectionModel()->isSelected(currentIndex()))
         selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 

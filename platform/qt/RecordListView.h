@@ -36,8 +36,12 @@ public:
     void leaveTypingToTheWindow() { leavesTyping_ = true; }
     /// A row is chosen when the left button is let go where it was pressed, by Return or Space, or when the keys that
     /// move have rested on it. Until then it is only marked, the array controller keeps the row chosen before, and
-    /// whatever rearranges the rows marks that one again. What is typed goes nowhere.
+    /// whatever rearranges the rows marks that one again.
     void chooseDeliberately() { isDeliberate_ = true; }
+
+    /// Takes the focus, for somebody who comes from the field that narrows the list: the keys begin at the first row
+    /// that is not selected already. Chooses nothing.
+    void enterFromSearch();
 
 protected:
     bool event(QEvent* event) override;

@@ -6,6 +6,9 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <numeric>
 #include <optional>
@@ -65,74 +68,113 @@ QString withoutStroke(QChar letter)
     }
 }
 
-/// The folded texts of the content a filter last saw, so that a keystroke does not fold them all again.
-class FoldedTexts {
-public:
-    explicit FoldedTexts(std::vector<std::string> keys) : keys_(std::move(keys)) {}
+std::vector<QString> foldedTexts(const Record& record, const std::vector<std::string>& keys)
+{
+    std::vector<QString> folded;
+    for (const std::string& key : keys)
+        folded.push_back(foldedForSearch(toQt(record.text(key))));
+    return folded;
+}
 
-    const std::vector<std::vector<QString>>& of(const ArrayController& controller)
+bool holds(const std::vector<QString>& texts, const QString& word)
+{
+    return std::ranges::any_of(texts, [&](const QString& text) { return text.contains(word); });
+}
+
+/// What was made of the content when it was last looked at, so that a keystroke does not make it all again.
+template <typename T>
+class MadeOfContent {
+public:
+    template <typename Make>
+    const T& of(const ArrayController& controller, const Make& make)
     {
-        if (std::exchange(revision_, controller.contentRevision()) != controller.contentRevision()) {
-            texts_.clear();
-            for (const Record& record : controller.content())
-                texts_.push_back(fold(record));
-        }
-        return texts_;
+        if (std::exchange(revision_, controller.contentRevision()) != controller.contentRevision() || !made_)
+            made_ = make(controller.content());
+        return *made_;
     }
 
 private:
-    std::vector<QString> fold(const Record& record) const
-    {
-        std::vector<QString> folded;
-        for (const std::string& key : keys_)
-            folded.push_back(foldedForSearch(toQt(record.text(key))));
-        return folded;
-    }
-
-    std::vector<std::string> keys_;
     std::uint64_t revision_ = 0;
-    std::vector<std::vector<QString>> texts_;
+    std::optional<T> made_;
 };
+
+Rows sorted(const std::vector<Record>& content, const std::vector<std::string>& keys, Qt::SortOrder order)
+{
+    std::vector<SortKeys> sortKeys;
+    for (const std::string& key : keys)
+        sortKeys.emplace_back(content, key);
+    Rows rows(content.size());
+    std::iota(rows.begin(), rows.end(), std::size_t{0});
+    std::stable_sort(rows.begin(), rows.end(), [&](std::size_t a, std::size_t b) {
+        for (std::size_t k = 0; k < keys.size(); ++k) {
+            const int comparison = sortKeys[k].of(a).compare(sortKeys[k].of(b));
+            if (comparison != 0)
+                return (comparison < 0) == (k > 0 || order == Qt::AscendingOrder);
+        }
+        return false;
+    });
+    return rows;
+}
 
 } // namespace
 
 ArrayController::Arrangement sortedBy(std::vector<std::string> keys, Qt::SortOrder order)
 {
-    return [keys = std::move(keys), order](const ArrayController& controller) {
-        std::vector<SortKeys> sortKeys;
-        for (const std::string& key : keys)
-            sortKeys.emplace_back(controller.content(), key);
-        Rows rows(controller.content().size());
-        std::iota(rows.begin(), rows.end(), std::size_t{0});
-        std::stable_sort(rows.begin(), rows.end(), [&](std::size_t a, std::size_t b) {
-            for (std::size_t k = 0; k < keys.size(); ++k) {
-                const int comparison = sortKeys[k].of(a).compare(sortKeys[k].of(b));
-                if (comparison != 0)
-                    return (comparison < 0) == (k > 0 || order == Qt::AscendingOrder);
-            }
-            return false;
+    const auto cache = std::make_shared<MadeOfContent<Rows>>();
+    return [cache, keys = std::move(keys), order](const ArrayController& controller) {
+        return cache->of(controller, [&](const auto& content) { return sorted(content, keys, order); });
+    };
+}
+
+ArrayController::Arrangement searching(Search search)
+{
+    using Texts = std::vector<std::vector<QString>>;
+    const auto cache = std::make_shared<MadeOfContent<Texts>>();
+    return [cache, search = std::move(search)](const ArrayController& controller) {
+        const std::vector<Record>& content = controller.content();
+        Rows rows;
+        if (search.order) {
+            rows = search.order(controller);
+        } else {
+            rows.resize(content.size());
+            std::iota(rows.begin(), rows.end(), std::size_t{0});
+        }
+        const QStringList words = searchWords(controller.filterText.get());
+        if (words.isEmpty())
+            return rows;
+        const Texts& texts = cache->of(controller, [&](const auto& records) {
+            Texts folded;
+            for (const Record& record : records)
+                folded.push_back(foldedTexts(record, search.keys));
+            return folded;
         });
+        std::vector<std::function<bool(const Record&)>> others;
+        for (const QString& word : words)
+            others.push_back(search.findsToo ? search.findsToo(word) : nullptr);
+        const auto isFound = [&](std::size_t row) {
+            for (std::size_t i = 0; i < others.size(); ++i) {
+                if (!holds(texts[row], words[static_cast<qsizetype>(i)]) && !(others[i] && others[i](content[row])))
+                    return false;
+            }
+            return true;
+        };
+        const auto isLeftOut = [&](std::size_t row) {
+            return !isFound(row) && !(search.stays && search.stays(controller, row));
+        };
+        std::erase_if(rows, isLeftOut);
         return rows;
     };
 }
 
-ArrayController::Arrangement matchingAny(std::vector<std::string> keys)
+QStringList searchWords(const std::string& filterText)
 {
-    const auto cache = std::make_shared<FoldedTexts>(std::move(keys));
-    return [cache](const ArrayController& controller) {
-        Rows rows(controller.content().size());
-        std::iota(rows.begin(), rows.end(), std::size_t{0});
-        if (controller.filterText.get().empty() || rows.empty())
-            return rows;
-        const QString needle = foldedForSearch(toQt(controller.filterText.get()));
-        const auto& texts = cache->of(controller);
-        const auto misses = [&](std::size_t row) {
-            const auto holds = [&](const QString& text) { return text.contains(needle); };
-            return std::none_of(texts[row].begin(), texts[row].end(), holds);
-        };
-        rows.erase(std::remove_if(rows.begin() + 1, rows.end(), misses), rows.end());
-        return rows;
-    };
+    return foldedForSearch(toQt(filterText)).simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+bool holdsWords(const Record& record, const std::vector<std::string>& keys, const QStringList& words)
+{
+    const auto texts = foldedTexts(record, keys);
+    return std::all_of(words.begin(), words.end(), [&](const QString& word) { return holds(texts, word); });
 }
 
 QString foldedForSearch(const QString& text)

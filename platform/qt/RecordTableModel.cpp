@@ -95,7 +95,15 @@ void RecordTableModel::sort(int column, Qt::SortOrder order)
     for (const RecordColumn& each : columns_)
         keys.push_back(each.key); // no list that sorts has a column without one
     std::rotate(keys.begin(), keys.begin() + column, keys.begin() + column + 1);
-    controller_->setArrangement(sortedBy(std::move(keys), order));
+    auto sorted = sortedBy(std::move(keys), order);
+    if (searchedKeys_.empty()) {
+        controller_->setArrangement(std::move(sorted));
+        return;
+    }
+    const auto isSelected = [](const ArrayController& list, std::size_t row) {
+        return &list.content()[row] == list.selection();
+    };
+    controller_->setArrangement(searching({searchedKeys_, std::move(sorted), {}, isSelected}));
 }
 
 void RecordTableModel::setTextMaker(std::function<QString(const Record&)> textOf)

@@ -6,9 +6,11 @@
 #include <QAbstractTableModel>
 #include <QIcon>
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace platform::qt {
@@ -32,6 +34,7 @@ public:
 
     /// What the columns without a key show.
     void setTextMaker(std::function<QString(const Record&)> textOf);
+    bool isMadeText(int column) const { return columns_.at(static_cast<std::size_t>(column)).key.empty(); }
     /// Those texts are others than before though the records are not.
     void refreshMadeTexts();
     /// Lets a symbol in the first column mark rows. `markOf` answers what it means, for the tool tip and screen
@@ -46,6 +49,8 @@ public:
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    /// Lets the list be searched while it sorts: by the texts under these keys. The selected row is always shown.
+    void setSearchedKeys(std::vector<std::string> keys) { searchedKeys_ = std::move(keys); }
     /// Sorts by the column first, then by the others from the left; as a person sorts (case and digits).
     void sort(int column, Qt::SortOrder order) override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
@@ -64,6 +69,7 @@ private:
     std::function<QString(const Record&)> markOf_;
     QIcon mark_;
     std::string toolTipKey_;
+    std::vector<std::string> searchedKeys_;
     QString dragType_;
     std::int32_t rows_ = 0;
     Connection arranged_;

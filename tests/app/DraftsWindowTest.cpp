@@ -239,7 +239,7 @@ TEST_F(DraftsWindowTest, TheBarIsSpokenAndReachedFromTheKeyboard)
         if (next->isVisible() && (next->focusPolicy() & Qt::TabFocus))
             order.push_back(next->objectName().toStdString());
     }
-    EXPECT_THAT(order, ElementsAre("bringBackDraft", "discardDraft", "btnRunCheck"));
+    EXPECT_THAT(order, ElementsAre("bringBackDraft", "discardDraft", "pluginSearch"));
 }
 
 } // namespace test

@@ -263,6 +263,7 @@ TEST_F(FrontPanelTest, EveryStateOfAPotLooksDifferent)
         {"hovered", [this] { QTest::mouseMove(panel_->windowHandle(), middleOf(3)); }},
         {"pressed", [this] { pot(3)->setDown(true); }},
         {"focused", [this] { pot(3)->setFocus(); }},
+        {"with the selected parameter", [this] { panel_->ringPots(1U << 2); }},
         {"disabled", [this] { pot(3)->setEnabled(false); }},
         {"drop target",
          [this] {
@@ -341,12 +342,15 @@ TEST_F(FrontPanelTest, ContrastIsSufficientInBothSchemes)
             EXPECT_GE(contrast(c.screenTextOff, screen), 4.5);
         }
         EXPECT_GE(contrast(c.lit, c.groove), 3);
+        for (const QColor& skirt : {c.skirtLight, c.skirtDark})
+            EXPECT_GE(contrast(c.whereOnPot, skirt), 3);
         for (const QColor& cap : {c.capLight, c.capMiddle, c.capDark})
             EXPECT_GE(contrast(c.pointer, cap), 3);
         for (const QColor& tile : {c.tile, c.tileHover, c.tileShown}) {
             EXPECT_GE(contrast(c.tileText, tile), 4.5);
             EXPECT_GE(contrast(c.tileEdge, tile), 3);
             EXPECT_GE(contrast(c.cellEdge, tile), 3);
+            EXPECT_GE(contrast(c.where, tile), 3);
         }
         EXPECT_GE(contrast(c.focus, palette.color(QPalette::Window)), 3);
     }

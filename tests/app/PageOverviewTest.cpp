@@ -179,6 +179,31 @@ TEST_F(PageOverviewTest, TheShownPageIsMarkedByMoreThanColour)
     }
 }
 
+TEST_F(PageOverviewTest, PagesWithTheSelectedParameterAreRingedByMoreThanColour)
+{
+    const auto grey = [this] { return pictureOfTile(2).convertToFormat(QImage::Format_Grayscale8); };
+    for (const auto& palette : {test::lightPalette(), test::darkPalette()}) {
+        open(palette);
+        refresh(5, 1);
+        const QImage plain = grey();
+        overview_->ringPages({2, 4});
+        settle();
+        const QImage ringed = grey();
+        EXPECT_GT(comparePictures(ringed, plain).share, 0.02);
+        refresh(5, 2);
+        const QImage both = grey();
+        EXPECT_GT(comparePictures(both, ringed).share, 0.02);
+        overview_->ringPages({});
+        settle();
+        const QImage shown = grey();
+        EXPECT_GT(comparePictures(shown, both).share, 0.02);
+        EXPECT_GT(comparePictures(shown, ringed).share, 0.02);
+    }
+    overview_->ringPages({4});
+    EXPECT_EQ(spoken(4), "Page 4 of 5, 5 of 8 pots mapped, holds the selected parameter");
+    EXPECT_EQ(spoken(5), "Page 5 of 5, 5 of 8 pots mapped");
+}
+
 TEST_F(PageOverviewTest, TheFocusIsVisible)
 {
     refresh(5, 1);

@@ -79,16 +79,16 @@ TEST(MappedPots, AWordMeansAPotOrAPage)
         EXPECT_EQ(potsMeant(row.word), row.pots) << row.word;
 }
 
-TEST(MappedPots, TellsWhetherAParameterStandsOnSomeOfThePots)
+TEST(MappedPots, TellsWhatStandsOnSomeOfThePots)
 {
     MappedPots pots(parameterList({"3 Cutoff", "4 Level"}));
-    pots.setEntries(mapping(32, {{2, "3 Cutoff"}, {31, "3 Cutoff"}, {9, "4 Level"}}), 4);
-    EXPECT_TRUE(pots.isOnPot(kCutoff, {2, 2}));
-    EXPECT_TRUE(pots.isOnPot(kCutoff, {0, 7}));
-    EXPECT_TRUE(pots.isOnPot(kCutoff, {24, 31}));
-    EXPECT_FALSE(pots.isOnPot(kCutoff, {3, 30}));
-    EXPECT_FALSE(pots.isOnPot(kLevel, {10, 15}));
-    EXPECT_FALSE(pots.isOnPot(entryFromElement("9 Level", 0, 0), {0, 31}));
+    const Records entries = mapping(32, {{2, "3 Cutoff"}, {9, "4 Level"}, {15, "3 Cutoff"}, {24, "4 Level"}});
+    pots.setEntries(entries, 3);
+    EXPECT_EQ(pots.entriesOn({2, 2}), Records{entries[2]});
+    EXPECT_EQ(pots.entriesOn({8, 15}), (Records{entries[9], entries[15]}));
+    EXPECT_EQ(pots.entriesOn({3, 8}), Records());
+    EXPECT_EQ(pots.entriesOn({24, 31}), Records()) << "behind the counted pages";
+    EXPECT_EQ(pots.entriesOn({800, 807}), Records());
 }
 
 TEST(MappedPots, PassesOverWhatLiesBehindTheCountedPages)

@@ -115,7 +115,8 @@ const Key kKeys[] = {
 
 constexpr int kForever = 24 * 3600 * 1000;
 
-const char* const kSearches[] = {"Knob", "1", "00", "é", "ホ", "nothing has this", "  ", "%1", "<b>"};
+const char* const kSearches[] = {"Knob", "1",  "00",  "é",      "ホ", "nothing has this",
+                                 "  ",   "%1", "<b>", "1 knob", "p1", "1.2"};
 
 Texts withGaps(Texts order)
 {
@@ -260,14 +261,15 @@ std::string RandomUser::chooseRow(Chance& chance)
 
 std::string RandomUser::typeSearch(Chance& chance)
 {
-    auto* search = find<QLineEdit>("parameterSearch");
+    const char* const name = chance.below(4) ? "parameterSearch" : "pluginSearch";
+    auto* search = find<QLineEdit>(name);
     if (chance.below(2)) {
         search->clear();
-        return "clear the search";
+        return std::string("clear ") + name;
     }
     const std::string text = chance.oneOf(kSearches);
     type(search, text);
-    return "search for \"" + text + "\"";
+    return std::string("type into ") + name + " \"" + text + "\"";
 }
 
 std::string RandomUser::pressKey(Chance& chance)

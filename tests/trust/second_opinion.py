@@ -13,6 +13,7 @@ import json
 import os
 import plistlib
 import random
+import re
 import shutil
 import subprocess
 import sys
@@ -64,6 +65,16 @@ def differing(one, other):
 def folded(text):
     """What a search compares: neither case nor accents count."""
     return "".join(c for c in unicodedata.normalize("NFKD", text).casefold() if unicodedata.category(c)[0] != "M")
+
+
+def pots_meant(word):
+    """Where in the mapping the pots lie that a word means: "1·3" or "1.3", or the page "p1"."""
+    if page := re.fullmatch(r"p0*([1-9][0-9]{0,6})", word):
+        return (int(page[1]) - 1) * 8, int(page[1]) * 8
+    if pot := re.fullmatch(r"0*([1-9][0-9]{0,6})[.·]0*([1-8])", word):
+        at = (int(pot[1]) - 1) * 8 + int(pot[2]) - 1
+        return at, at + 1
+    return None
 
 
 def exactly(value):
@@ -200,7 +211,8 @@ class Model:
         self.list = []
         self.offered = []  # the list, or while a scan, which is no edit, has emptied it, the one before
         self.search, self.only_unmapped = "", False
-        self.on_pots = set()
+        self.searched = ""  # when the list was last arranged
+        self.placed, self.on_pots = [], set()
         self.shown = []  # positions in the list, a row each
         self.selected = -1
         self.total, self.current, self.mode, self.cell = 1, 1, 0, 0
@@ -275,12 +287,20 @@ class Model:
 
     def arrange(self):
         chosen = self.shown[self.selected] if self.selected >= 0 else None
-        needle = folded(self.search)
+        words = folded(self.search).split()
+        is_same_search, self.searched = self.search == self.searched, self.search
         self.shown = [at for at, entry in enumerate(self.list)
-                      if at == 0 or not needle or needle in folded(entry[0]) or needle in folded(entry[1])]
+                      if at == 0 or (at == chosen and is_same_search) or all(self.finds(w, entry) for w in words)]
         if self.only_unmapped:
             self.shown = [at for at in self.shown if at == chosen or joined(self.list[at]) not in self.on_pots]
         self.selected = self.shown.index(chosen) if chosen in self.shown else -1
+
+    def finds(self, word, entry):
+        return word in folded(entry[0]) or word in folded(entry[1]) or joined(entry) in self.elements_on(word)
+
+    def elements_on(self, word):
+        pots = pots_meant(word)
+        return self.placed[pots[0]:pots[1]] if pots else ()
 
     def choose_row(self, row):
         self.selected = int(row) if 0 <= int(row) < len(self.shown) else -1
@@ -707,8 +727,9 @@ class Model:
             "discard": self.discard, "quit": self.quit, "crash": self.crash,
         }[operation](argument)
         if self.is_refreshed:
-            self.on_pots = {joined(entry) for entry in self.mapping[:self.total * 8]} - {"-1"}
-            if self.only_unmapped:
+            self.placed = [None if entry[1] == "-" else joined(entry) for entry in self.mapping[:self.total * 8]]
+            self.on_pots = set(self.placed)
+            if self.only_unmapped or any(pots_meant(word) for word in folded(self.search).split()):
                 self.arrange()
 
 
@@ -757,7 +778,8 @@ OPERATIONS = (["pot"] * 12 + ["row"] * 6 + ["new"] * 3 + ["delete"] * 2 + ["clea
               + ["page"] * 2 + ["move first", "move last", "move previous", "move next"] * 2 + ["exchange"] * 2
               + ["mode"] + ["save"] * 2 + ["recall original", "recall previous"] + ["chart"] + ["downloaded"]
               + ["plugin"] * 2 + ["undo"] * 5 + ["redo"] * 3 + ["keep"] * 2 + ["bring back"] * 2 + ["discard"])
-SEARCHES = ["", "", "Knob", "knob 1", "1", "GROSSE", "o", "量", "<B>", " ", "nothing has this"]
+SEARCHES = ["", "", "Knob", "knob 1", "1", "GROSSE", "o", "量", "<B>", " ", "nothing has this", "1 knob", "p1", "p2 o",
+            "1·2", "2.1", "p1 p2"]
 
 
 def random_argument(dice, operation, model):
