@@ -199,9 +199,13 @@ void EditingView::arrangeParameters()
         const auto pots = mapping::potsMeant(qt::fromQt(word));
         if (!pots)
             return nullptr;
-        return [there = controller_.mappedPots().entriesOn(*pots)](const platform::Record& parameter) {
-            return std::any_of(there.begin(), there.end(), [&](const platform::Record& entry) {
-                return mapping::isSameParameter(entry, parameter);
+        std::vector<panel::SlotContent> there;
+        for (const platform::Record& entry : controller_.mappedPots().entriesOn(*pots))
+            there.push_back(panel::contentOf(entry));
+        return [there = std::move(there)](const platform::Record& parameter) {
+            const std::string_view number = parameter.text(mapping::kParamNum);
+            return std::any_of(there.begin(), there.end(), [&](const panel::SlotContent& slot) {
+                return slot.number == number && slot.name == parameter.text(mapping::kParameter);
             });
         };
     };
