@@ -13,6 +13,7 @@
 //   Pages                  panel/ViewControllerPages.cpp
 //   Assignment             panel/ViewControllerAssignment.cpp
 //   Edits                  panel/ViewControllerEdits.cpp
+//   Filling and moving     panel/ViewControllerMoves.cpp
 //   Chart                  chart/ViewControllerChart.cpp
 //   Community account      community/ViewControllerAccount.cpp
 //   Community sharing      community/ViewControllerSharing.cpp
@@ -212,8 +213,6 @@ public:
     void clickControl(std::int32_t control);
     /// Mode 1 exchanges two slots; any other copies row `from` of the parameter list into slot `to`.
     void moveParameterPositionAndToMovePageMode(std::int32_t from, std::int32_t to, std::int32_t movePageMode);
-    /// Exchanges what two pots (0 to 7) of the shown page hold. The parameter list's selection stays.
-    void exchangeControls(std::int32_t one, std::int32_t other);
 
     // Edits of our own, each one step of the history. They leave the parameter list's selection alone.
 
@@ -239,6 +238,22 @@ public:
     void duplicatePage(Sender = nullptr);
     void mapUnmapped(Sender = nullptr);
     void tidyUp(Sender = nullptr);
+
+    // Filling and moving, likewise. Positions count from 0.
+
+    /// Lays the selected parameters, in the list's order, on the focused pot and those that follow, with as many pages
+    /// appended as that takes. Without one it begins at the first empty pot of the shown page, or of those behind it;
+    /// where all are full, on a new page.
+    void fillFromPot(Sender = nullptr);
+    /// The same from a pot (0 to 7) of the shown page on, and from the first empty pot of a page on, unless it is full.
+    void fillControls(std::int32_t control);
+    void fillPage(std::int32_t page);
+    /// Exchanges what two pots hold, of whichever pages.
+    void exchangeSlots(std::int32_t one, std::int32_t other);
+    /// Moves a pot's parameter to the first empty pot of a page, unless it is full.
+    void movePotToPage(std::int32_t position, std::int32_t page);
+    /// Moves a page before another one, or behind the last (`before` is one more then); the others keep their order.
+    void movePageBefore(std::int32_t page, std::int32_t before);
 
     // Chart
 
@@ -333,6 +348,7 @@ private:
     void showMode(const std::string& plugin);
     /// What the mapping and its mode are now is what the file holds.
     void noteSaved();
+    void fillFrom(const std::function<std::optional<std::int32_t>(panel::Mapping&)>& begin);
     std::shared_ptr<TextField> knobLabel(std::int32_t number) const;
     platform::PrintedTable printedChart() const;
     /// Sends a request without a body and returns the reply's text.

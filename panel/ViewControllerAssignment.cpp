@@ -53,16 +53,6 @@ void ViewController::clickControl(std::int32_t control)
     moveParameterPositionAndToMovePageMode(source, panel::slotFor(mapping::curPage, control), 0);
 }
 
-void ViewController::exchangeControls(std::int32_t one, std::int32_t other)
-{
-    if (!isMappingLoaded())
-        return;
-    const Operation edit(*this, "Exchange Pots");
-    panel::exchangeContents(mapping::plistBuild, panel::slotFor(mapping::curPage, one),
-                            panel::slotFor(mapping::curPage, other));
-    populateKnobLabels(mapping::curPage);
-}
-
 void ViewController::moveParameterPositionAndToMovePageMode(std::int32_t from, std::int32_t to,
                                                             std::int32_t movePageMode)
 {

@@ -117,6 +117,10 @@ std::span<const Action> Action::all()
         putOnPot(6, "kvRotBtn6_Pressed", "kvRotaryBtn6", &VC::kvRotBtn6_Pressed),
         putOnPot(7, "kvRotBtn7_Pressed", "kvRotaryBtn7", &VC::kvRotBtn7_Pressed),
         putOnPot(8, "kvRotBtn8_Pressed", "kvRotaryBtn8", &VC::kvRotBtn8_Pressed),
+        {.name = "fillFromPot", .text = QT_TR_NOOP("Fill Pots With Selection"),
+         .menu = Menu::edit, .keys = "Ctrl+Return", .needs = Needs::plugin, .call = &VC::fillFromPot,
+         .toolTip = QT_TR_NOOP("Lay the selected parameters on the focused pot, or the first empty one, and those that "
+                               "follow")},
         {.name = "modeInstrument", .text = QT_TR_NOOP("Instrument Mode"),
          .menu = Menu::edit, .beginsSection = true, .mark = Mark::choice, .keys = "Ctrl+Shift+I",
          .needs = Needs::plugin,

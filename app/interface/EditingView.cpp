@@ -3,9 +3,11 @@
 #include "app/ViewController.h"
 #include "app/interface/Actions.h"
 #include "app/interface/DraftBar.h"
+#include "app/interface/DragData.h"
 #include "app/interface/Interface.h"
 #include "app/interface/SearchField.h"
 #include "app/interface/panel/FrontPanel.h"
+#include "app/interface/panel/PageDrags.h"
 #include "app/interface/panel/PageOverview.h"
 #include "chart/Chart.h"
 #include "chart/ChartState.h"
@@ -31,6 +33,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -126,6 +129,7 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
     overview_->setSource([](int page, int pot) {
         return qt::toQt(mapping::nameAt(mapping::plistBuild, panel::slotFor(page, pot - 1)));
     });
+    letThingsBeDragged();
     for (const auto& [name, suffix] :
          {std::pair{"kvRecallOriginalMapping", "original"}, std::pair{"kvRecallPreviousMapping", "prev"}}) {
         auto* button = loaded.find<QAbstractButton>(name);
@@ -181,6 +185,25 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
     refresh();
 }
 
+void EditingView::letThingsBeDragged()
+{
+    const auto parameters = controller_.arrayControllerPlistSelected();
+    const EditState state = [this, parameters] {
+        return controller_.historyRevision() + parameters->contentRevision(); // neither ever goes back
+    };
+    panel_->setEditState(state);
+    overview_->drags().setEditState(state);
+    parameters_->setDrag(QString::fromLatin1(kParameterDrag), [parameters, state] {
+        const auto rows = parameters->selectedObjects();
+        const auto blanks = std::count_if(rows.begin(), rows.end(),
+                                          [](const platform::Record* row) { return mapping::isEmptyEntry(*row); });
+        const int count = static_cast<int>(static_cast<std::ptrdiff_t>(rows.size()) - blanks);
+        const DragData drag{.kind = DragData::Kind::parameters, .state = state(), .parameters = count};
+        const QString several = count == 1 ? tr("1 parameter") : tr("%1 parameters").arg(QLocale().toString(count));
+        return qt::RowDrag{drag.content(), rows.size() > 1 ? several : QString()};
+    });
+}
+
 bool EditingView::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::Enter || event->type() == QEvent::FocusIn) {
@@ -217,10 +240,13 @@ void EditingView::arrangeParameters()
     const auto arranged = [this, found = qt::searching(std::move(search))](const platform::ArrayController& list) {
         auto rows = found(list);
         searched_ = list.filterText.get();
-        // The selected row stays although it was mapped just now, for the same reason.
+        // Selected rows stay although they were mapped just now, for the same reason.
+        auto selected = list.selectedObjects();
+        std::ranges::sort(selected, std::less());
         const auto isMapped = [&](std::size_t row) {
             const platform::Record& parameter = list.content()[row];
-            return &parameter != list.selection() && controller_.mappedPots().isOnPot(parameter);
+            return !std::ranges::binary_search(selected, &parameter, std::less()) &&
+                   controller_.mappedPots().isOnPot(parameter);
         };
         if (unmappedOnly_->isChecked())
             std::erase_if(rows, isMapped);

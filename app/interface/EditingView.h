@@ -55,6 +55,7 @@ private:
         QString toolTip; ///< without what there is to know of it now
     };
 
+    void letThingsBeDragged();
     void arrangeParameters();
     void refresh();
     void enableWhatCanBeDone();

@@ -10,10 +10,12 @@
 #include "app/interface/MainWindow.h"
 #include "app/interface/PreviewView.h"
 #include "app/interface/panel/FrontPanel.h"
+#include "app/interface/panel/PageDrags.h"
 #include "app/interface/panel/PageOverview.h"
 #include "app/interface/panel/Pot.h"
 #include "mapping/EditingState.h"
 #include "panel/Finding.h"
+#include "panel/Pages.h"
 #include "platform/qt/Bindings.h"
 #include "platform/qt/LongText.h"
 #include "platform/qt/RecordListView.h"
@@ -288,12 +290,20 @@ void Interface::connectCall(const Action& action, QAction* item)
 void Interface::connectPanel()
 {
     auto* panel = find<FrontPanel>("frontPanel");
-    // The dragged row is the selected one, so a drop is a press.
-    QObject::connect(panel, &FrontPanel::parameterDropped, panel,
-                     [this](int pot) { controller_.clickControl(pot - 1); });
-    QObject::connect(panel, &FrontPanel::potDropped, panel,
-                     [this](int from, int onto) { controller_.exchangeControls(from - 1, onto - 1); });
     auto* overview = find<PageOverview>("pageOverview");
+    // The dragged rows are the selected ones, so a drop of one is a press.
+    QObject::connect(panel, &FrontPanel::parametersDropped, panel, [this](int pot) {
+        const bool isOne = controller_.arrayControllerPlistSelected()->selectedRows().size() == 1;
+        isOne ? controller_.clickControl(pot - 1) : controller_.fillControls(pot - 1);
+    });
+    QObject::connect(panel, &FrontPanel::potDropped, panel, [this](int page, int from, int onto) {
+        controller_.exchangeSlots(panel::slotFor(page, from - 1), panel::slotFor(mapping::curPage, onto - 1));
+    });
+    connectPages(*overview);
+    const auto endDrag = [overview](bool wasDropped) { overview->drags().end(wasDropped); };
+    QObject::connect(panel, &FrontPanel::dragEnded, overview, endDrag);
+    QObject::connect(find<qt::RecordListView>("tablePlistOfSelectedPlugin"), &qt::RecordListView::dragEnded, overview,
+                     endDrag);
     contextMenus_ = std::make_unique<ContextMenus>(*this, [this](const QWidget* meant) { choosePots(meant); });
     // A menu is opened to do something with what had the focus. Followed for as long as this has its windows.
     QObject::connect(qApp, &QApplication::focusChanged, contextMenus_.get(), [this](QWidget*, const QWidget* now) {
@@ -311,7 +321,18 @@ void Interface::connectPanel()
         return page.has_value();
     });
     QObject::connect(find<QAction>("goToPage"), &QAction::triggered, goToPage, &GoToPage::open);
-    QObject::connect(overview, &PageOverview::pageChosen, overview, [this](int page) { controller_.showPage(page); });
+}
+
+void Interface::connectPages(PageOverview& overview)
+{
+    QObject::connect(&overview, &PageOverview::pageChosen, &overview, [this](int page) { controller_.showPage(page); });
+    const PageDrags* drags = &overview.drags();
+    QObject::connect(drags, &PageDrags::parametersDropped, &overview, [this](int page) { controller_.fillPage(page); });
+    QObject::connect(drags, &PageDrags::potDropped, &overview, [this](int page, int pot, int onto) {
+        controller_.movePotToPage(panel::slotFor(page, pot - 1), onto);
+    });
+    QObject::connect(drags, &PageDrags::pageDropped, &overview,
+                     [this](int page, int before) { controller_.movePageBefore(page, before); });
 }
 
 void Interface::choosePots(const QWidget* focused)

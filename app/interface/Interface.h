@@ -20,6 +20,7 @@ namespace interface {
 class ContextMenus;
 class ComparisonView;
 class EditingView;
+class PageOverview;
 class PreviewView;
 struct Action;
 
@@ -56,6 +57,7 @@ private:
     void connectPanel();
     /// What operations that need a pot or a page mean while this has the focus.
     void choosePots(const QWidget* focused);
+    void connectPages(PageOverview& overview);
 
     ViewController& controller_;
     std::vector<std::unique_ptr<QWidget>> windows_;

@@ -2,7 +2,6 @@
 
 #include "app/interface/Actions.h"
 #include "app/interface/DraftBar.h"
-#include "app/interface/DragData.h"
 #include "app/interface/Fonts.h"
 #include "app/interface/GoToPage.h"
 #include "app/interface/Menus.h"
@@ -159,7 +158,11 @@ QWidget* makePluginColumn()
 void selectFound(platform::ArrayController& parameters)
 {
     const platform::Record* selected = parameters.selection();
-    if (!parameters.filterText.get().empty() && (!selected || mapping::isEmptyEntry(*selected)))
+    if (parameters.filterText.get().empty() || (selected && !mapping::isEmptyEntry(*selected)))
+        return;
+    if (const auto& rows = parameters.selectedRows(); rows.size() > 1)
+        parameters.setSelectedRows(rows, rows[1]); // found, too
+    else
         parameters.setSelectionIndex(1); // none when nothing was found
 }
 
@@ -170,7 +173,7 @@ QWidget* makeParameterColumn()
                           {{QObject::tr("Number"), mapping::kParamNum, 80},
                            {QObject::tr("Parameter"), mapping::kParameter},
                            {QObject::tr("On pots"), {}, 240}});
-    list->setDragType(QString::fromLatin1(kParameterDrag));
+    list->selectSeveral();
     list->leaveTypingToTheWindow();
     auto* search = new SearchField;
     search->setObjectName(QStringLiteral("parameterSearch"));

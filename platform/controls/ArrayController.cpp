@@ -6,6 +6,18 @@
 
 namespace platform {
 
+namespace {
+
+std::int32_t rowFrom(const std::vector<std::int32_t>& rows, std::int32_t row)
+{
+    const auto after = std::ranges::lower_bound(rows, row);
+    if (after != rows.end())
+        return *after;
+    return rows.empty() ? ArrayController::kNoSelection : rows.back();
+}
+
+} // namespace
+
 ArrayController::ArrayController() : filterChanged_(filterText.onChange([this](const std::string&) { rearrange(); })) {}
 
 void ArrayController::setContent(std::vector<Record> content)
@@ -18,6 +30,7 @@ void ArrayController::setSharedContent(SharedRecords content)
     content_ = std::move(content);
     ++contentRevision_;
     selectionIndex_ = kNoSelection; // before the arrangement, which may ask for the selection
+    selectedRows_.clear();
     arrange();
     arrangedChanged.emit();
     selectionChanged.emit();
@@ -40,13 +53,22 @@ void ArrayController::setArrangement(Arrangement arrangement)
 
 void ArrayController::rearrange()
 {
-    const Record* selected = selection();
-    const auto position = static_cast<std::size_t>(selected ? selected - content_->data() : 0);
+    std::vector<bool> isSelected(content_->size());
+    const Record* current = selection();
+    for (const Record* selected : selectedObjects())
+        isSelected[static_cast<std::size_t>(selected - content_->data())] = true;
     arrange();
-    if (selected) {
-        const auto row = std::find(arranged_.begin(), arranged_.end(), position);
-        selectionIndex_ = row != arranged_.end() ? static_cast<std::int32_t>(row - arranged_.begin()) : kNoSelection;
+    selectedRows_.clear();
+    selectionIndex_ = kNoSelection;
+    for (std::size_t row = 0; row < arranged_.size(); ++row) {
+        if (!isSelected[arranged_[row]])
+            continue;
+        selectedRows_.push_back(static_cast<std::int32_t>(row));
+        if (&(*content_)[arranged_[row]] == current)
+            selectionIndex_ = selectedRows_.back();
     }
+    if (selectionIndex_ == kNoSelection && !selectedRows_.empty())
+        selectionIndex_ = selectedRows_.front();
     arrangedChanged.emit();
     selectionChanged.emit();
 }
@@ -70,20 +92,43 @@ const Record* ArrayController::arrangedObject(std::int32_t row) const
 
 void ArrayController::setSelectionIndex(std::int32_t row)
 {
-    select(row >= 0 && row < arrangedCount() ? row : kNoSelection);
+    if (row >= 0 && row < arrangedCount())
+        select({row}, row);
+    else
+        select({}, kNoSelection);
 }
 
 void ArrayController::selectNext()
 {
     if (selectionIndex_ != kNoSelection && selectionIndex_ + 1 < arrangedCount())
-        select(selectionIndex_ + 1);
+        setSelectionIndex(selectionIndex_ + 1);
 }
 
-void ArrayController::select(std::int32_t row)
+void ArrayController::setSelectedRows(std::vector<std::int32_t> rows, std::int32_t current)
 {
-    if (row == selectionIndex_)
+    const auto isOneOf = [&rows](std::int32_t row) { return std::ranges::binary_search(rows, row); };
+    if (!isOneOf(current) && isOneOf(selectionIndex_))
+        current = selectionIndex_;
+    else if (!isOneOf(current))
+        current = rowFrom(rows, current);
+    select(std::move(rows), current);
+}
+
+std::vector<const Record*> ArrayController::selectedObjects() const
+{
+    std::vector<const Record*> objects;
+    objects.reserve(selectedRows_.size());
+    for (const std::int32_t row : selectedRows_)
+        objects.push_back(arrangedObject(row));
+    return objects;
+}
+
+void ArrayController::select(std::vector<std::int32_t> rows, std::int32_t current)
+{
+    if (current == selectionIndex_ && rows == selectedRows_)
         return;
-    selectionIndex_ = row;
+    selectedRows_ = std::move(rows);
+    selectionIndex_ = current;
     selectionChanged.emit();
 }
 

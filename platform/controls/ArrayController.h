@@ -1,6 +1,7 @@
 #pragma once
-// The content of one list with the rows shown of it ("arranged objects") and one selected row at most. Selection and
-// select-next count in arranged rows, from 0.
+// The content of one list with the rows shown of it ("arranged objects") and what is selected of them: one row that
+// operations act on, and others beside it where the list lets several be selected. Selection and select-next count in
+// arranged rows, from 0.
 
 #include "platform/controls/Property.h"
 #include "platform/controls/Record.h"
@@ -34,12 +35,13 @@ public:
     void setContent(std::vector<Record> content);
     /// Never null.
     void setSharedContent(SharedRecords content);
-    /// Appends rows; the selected one stays selected.
+    /// Appends rows; those selected stay selected.
     void addObjects(std::vector<Record> records);
 
     /// How content becomes rows; without one every record is shown in content order.
     void setArrangement(Arrangement arrangement);
-    /// Arranges anew. A selected row that is still shown stays selected, otherwise none is.
+    /// Arranges anew. Selected rows that are still shown stay selected. Where the one of the selection index is not,
+    /// the first of the others takes its place.
     void rearrange();
 
     std::int32_t arrangedCount() const { return static_cast<std::int32_t>(arranged_.size()); }
@@ -47,10 +49,17 @@ public:
     const Record* arrangedObject(std::int32_t row) const;
 
     std::int32_t selectionIndex() const { return selectionIndex_; }
-    /// Selects a row; anything outside the rows selects none.
+    /// Selects a row alone; anything outside the rows selects none.
     void setSelectionIndex(std::int32_t row);
-    /// Selects the row after the selected one; at the last row, or without a selection, nothing changes.
+    /// Selects the row after the selected one, alone; at the last row, or without a selection, nothing changes.
     void selectNext();
+    /// All selected rows, ascending. That of the selection index is one of them; none are without it.
+    const std::vector<std::int32_t>& selectedRows() const { return selectedRows_; }
+    /// Selects several rows of those there are, given ascending. `current` becomes the selection index; where it is
+    /// none of them, the one before stays it, or else it is the next one below, or the last.
+    void setSelectedRows(std::vector<std::int32_t> rows, std::int32_t current);
+    /// The selected records, in the order of the rows. They are there until the content is another one.
+    std::vector<const Record*> selectedObjects() const;
     /// The selected record, or null.
     const Record* selection() const { return arrangedObject(selectionIndex_); }
     /// A text of the selected record; empty without a selection.
@@ -64,13 +73,14 @@ public:
 
 private:
     void arrange();
-    void select(std::int32_t row);
+    void select(std::vector<std::int32_t> rows, std::int32_t current);
 
     SharedRecords content_ = std::make_shared<const std::vector<Record>>();
     std::uint64_t contentRevision_ = 0;
     std::vector<std::size_t> arranged_;
     Arrangement arrangement_;
     std::int32_t selectionIndex_ = kNoSelection;
+    std::vector<std::int32_t> selectedRows_;
     Connection filterChanged_;
 };
 

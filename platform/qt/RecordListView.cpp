@@ -6,13 +6,17 @@
 #include <QApplication>
 #include <QDrag>
 #include <QHeaderView>
+#include <QItemSelectionModel>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QStyledItemDelegate>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace platform::qt {
@@ -119,9 +123,11 @@ RecordListView::RecordListView(std::vector<RecordColumn> columns, std::string to
     selection_ = rows_->selectionChanged.connect([this] { showSelection(); });
 }
 
-void RecordListView::setDragType(const QString& mimeType)
+void RecordListView::setDrag(const QString& mimeType, std::function<RowDrag()> dragOf)
 {
-    records_->setDragType(mimeType);
+    dragType_ = mimeType;
+    dragOf_ = std::move(dragOf);
+    records_->letRowsBeDragged();
     setDragEnabled(true);
 }
 
@@ -165,16 +171,34 @@ void RecordListView::enterFromSearch()
         selectionModel()->setCurrentIndex(model()->index(first, 0), QItemSelectionModel::NoUpdate);
 }
 
+QPixmap RecordListView::dragPicture(const QString& caption) const
+{
+    if (caption.isEmpty())
+        return viewport()->grab(visualRect(model()->index(selectedRow(), roomiestColumn_)));
+    QLabel label(caption);
+    label.setTextFormat(Qt::PlainText);
+    label.setFont(font());
+    label.setPalette(palette());
+    label.setForegroundRole(QPalette::HighlightedText);
+    label.setBackgroundRole(QPalette::Highlight);
+    label.setAutoFillBackground(true);
+    label.setMargin(fontMetrics().height() / 4);
+    label.adjustSize();
+    return label.grab();
+}
+
 void RecordListView::startDrag(Qt::DropActions actions)
 {
-    const QModelIndexList rows = selectionModel()->selectedRows();
-    QMimeData* row = rows.isEmpty() ? nullptr : model()->mimeData(rows);
-    if (!row)
+    if (selectedRow() == ArrayController::kNoSelection || !dragOf_)
         return;
+    const RowDrag dragged = dragOf_();
+    auto* rows = new QMimeData;
+    rows->setData(dragType_, dragged.data);
     auto* drag = new QDrag(this);
-    drag->setMimeData(row);
-    drag->setPixmap(viewport()->grab(visualRect(rows.front().siblingAtColumn(roomiestColumn_))));
-    drag->exec(actions, Qt::CopyAction);
+    drag->setMimeData(rows);
+    drag->setPixmap(dragPicture(dragged.caption));
+    const bool wasDropped = drag->exec(actions, Qt::CopyAction) != Qt::IgnoreAction;
+    Q_EMIT dragEnded(wasDropped);
 }
 
 void RecordListView::mousePressEvent(QMouseEvent* event)
@@ -182,7 +206,7 @@ void RecordListView::mousePressEvent(QMouseEvent* event)
     if (isDeliberate_ && event->button() != Qt::LeftButton)
         return;
     rest_.stop();
-    rowBeforePress_ = selectedRow();
+    rowBeforePress_ = rows_->selectedRows().size() > 1 ? ArrayController::kNoSelection : selectedRow();
     pressedRow_ = indexAt(event->position().toPoint()).row();
     const QScopedValueRollback guard(isOnlyMarking_, isDeliberate_);
     QTreeView::mousePressEvent(event);
@@ -223,12 +247,21 @@ void RecordListView::mouseReleaseEvent(QMouseEvent* event)
 QItemSelectionModel::SelectionFlags RecordListView::selectionCommand(const QModelIndex& index,
                                                                      const QEvent* event) const
 {
-    const auto command = QTreeView::selectionCommand(index, event);
+    using Model = QItemSelectionModel;
+    if (!event) // nobody's click or key, whichever is held meanwhile
+        return Model::ClearAndSelect | Model::Rows;
+    auto command = QTreeView::selectionCommand(index, event);
+    if (selectsSeveral() && event->type() == QEvent::KeyPress) {
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        if (choosesRow(key)) // Space as with Ctrl, since Command and Space are the system's on a Mac
+            command = Model::Toggle | Model::Rows;
+        else if (belongsToList(key))
+            command = Model::ClearAndSelect | Model::Rows;
+    }
     // A click with Ctrl, or beside the rows, would take the choice back and leave nothing chosen.
-    if (!index.isValid() || command.testFlag(QItemSelectionModel::Toggle) ||
-        command.testFlag(QItemSelectionModel::Deselect))
-        return QItemSelectionModel::NoUpdate;
-    return command;
+    const bool takesBack = command.testFlag(Model::Toggle) || command.testFlag(Model::Deselect);
+    const auto isLast = [&] { return selectionModel()->isSelected(index) && selectedRows().size() == 1; };
+    return !index.isValid() || (takesBack && (!selectsSeveral() || isLast())) ? Model::NoUpdate : command;
 }
 
 QModelIndex RecordListView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
@@ -306,15 +339,24 @@ void RecordListView::focusOutEvent(QFocusEvent* event)
 void RecordListView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
 {
     QTreeView::selectionChanged(selected, deselected);
-    const std::int32_t row = selectedRow();
-    if (!showingSelection_ && !isOnlyMarking_ && row != ArrayController::kNoSelection)
-        choose(row);
+    if (showingSelection_ || isOnlyMarking_)
+        return;
+    if (auto rows = selectedRows(); rows.size() == 1)
+        choose(rows.front());
+    else if (!rows.empty())
+        choose(std::move(rows));
 }
 
 void RecordListView::choose(std::int32_t row)
 {
     rest_.stop();
     rows_->setSelectionIndex(row);
+    table_->rowChosen.emit();
+}
+
+void RecordListView::choose(std::vector<std::int32_t> rows)
+{
+    rows_->setSelectedRows(std::move(rows), currentIndex().row());
     table_->rowChosen.emit();
 }
 
@@ -335,10 +377,24 @@ void RecordListView::rested()
         choose(row);
 }
 
+std::vector<std::int32_t> RecordListView::selectedRows() const
+{
+    std::vector<std::int32_t> rows;
+    if (!selectionModel())
+        return rows;
+    // Range by range: Qt would search all of them again for each row.
+    for (const QItemSelectionRange& range : selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.push_back(row);
+    }
+    std::ranges::sort(rows);
+    return rows;
+}
+
 std::int32_t RecordListView::selectedRow() const
 {
-    const QModelIndexList rows = selectionModel() ? selectionModel()->selectedRows() : QModelIndexList();
-    return rows.isEmpty() ? ArrayController::kNoSelection : rows.front().row();
+    const QItemSelection ranges = selectionModel() ? selectionModel()->selection() : QItemSelection();
+    return ranges.isEmpty() ? ArrayController::kNoSelection : ranges.front().top();
 }
 
 void RecordListView::showSelection()
@@ -351,11 +407,31 @@ void RecordListView::showSelection()
         selectionModel()->clear();
         return;
     }
-    if (row == selectedRow() && currentIndex().row() == row)
+    const bool isCursorThere = currentIndex().row() == row || selectsSeveral(); // where it goes without selecting
+    if (isCursorThere && selectedRows() == rows_->selectedRows())
         return;
     const QModelIndex index = model()->index(row, 0);
-    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    if (rows_->selectedRows().size() == 1)
+        setCurrentIndex(index);
+    else
+        showSeveral();
     scrollTo(index);
+}
+
+void RecordListView::showSeveral()
+{
+    QItemSelection ranges;
+    const std::vector<std::int32_t>& rows = rows_->selectedRows();
+    for (auto first = rows.begin(); first != rows.end();) {
+        const auto gap = std::adjacent_find(first, rows.end(), [](auto one, auto next) { return next > one + 1; });
+        const auto end = gap == rows.end() ? gap : std::next(gap);
+        ranges.emplace_back(model()->index(*first, 0), model()->index(*std::prev(end), model()->columnCount() - 1));
+        first = end;
+    }
+    selectionModel()->setCurrentIndex(model()->index(rows_->selectionIndex(), 0), QItemSelectionModel::NoUpdate);
+    setUpdatesEnabled(false); // or Qt would look up where each of the ranges stands, to paint less
+    selectionModel()->select(ranges, QItemSelectionModel::ClearAndSelect);
+    setUpdatesEnabled(true);
 }
 
 } // namespace platform::qt

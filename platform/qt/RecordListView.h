@@ -1,20 +1,30 @@
 #pragma once
 // A list of records in columns with one selected row, tied to the array controller and the table view that it has, both
 // ways. A row is chosen by moving to it with mouse or keyboard, or by a click on the row that is chosen already; in a
-// list that is told so, only when somebody means it.
+// list that is told so, only when somebody means it. Another that is told so has several rows selected.
 
 #include "platform/controls/ArrayController.h"
 #include "platform/controls/Controls.h"
 #include "platform/qt/RecordTableModel.h"
 
+#include <QByteArray>
+#include <QPixmap>
+#include <QString>
 #include <QTimer>
 #include <QTreeView>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace platform::qt {
+
+/// The selected rows while they are dragged.
+struct RowDrag {
+    QByteArray data;
+    QString caption; ///< what hangs at the pointer; empty: the row itself
+};
 
 class RecordListView final : public QTreeView {
     Q_OBJECT
@@ -30,8 +40,10 @@ public:
     /// What to do next, written into the room that the rows leave; empty: nothing.
     void setHint(const QString& hint);
     QString hint() const { return hint_; }
-    /// Lets rows be dragged, under this type.
-    void setDragType(const QString& mimeType);
+    /// Lets rows be dragged, under this type. `dragOf` is asked whenever a drag begins.
+    void setDrag(const QString& mimeType, std::function<RowDrag()> dragOf);
+    /// Lets several rows be selected, by the platform's keys and clicks. Some row always stays selected.
+    void selectSeveral() { setSelectionMode(QAbstractItemView::ExtendedSelection); }
     /// Leaves what is typed to the window, instead of looking for a row that begins so.
     void leaveTypingToTheWindow() { leavesTyping_ = true; }
     /// A row is chosen when the left button is let go where it was pressed, by Return or Space, or when the keys that
@@ -42,6 +54,9 @@ public:
     /// Takes the focus, for somebody who comes from the field that narrows the list: the keys begin at the first row
     /// that is not selected already. Chooses nothing.
     void enterFromSearch();
+Q_SIGNALS:
+    /// Rows were dragged, and were dropped somewhere or the drag was given up.
+    void dragEnded(bool wasDropped);
 
 protected:
     bool event(QEvent* event) override;
@@ -61,10 +76,15 @@ protected:
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
 
 private:
+    bool selectsSeveral() const { return selectionMode() == QAbstractItemView::ExtendedSelection; }
+    std::vector<std::int32_t> selectedRows() const;
     std::int32_t selectedRow() const;
     void showSelection();
+    void showSeveral();
+    QPixmap dragPicture(const QString& caption) const;
     void moveByKey(QKeyEvent* event);
     void choose(std::int32_t row);
+    void choose(std::vector<std::int32_t> rows);
     void waitForRest();
     void rested();
 
@@ -80,6 +100,8 @@ private:
     std::int32_t rowBeforePress_ = ArrayController::kNoSelection;
     std::int32_t pressedRow_ = ArrayController::kNoSelection;
     QString hint_;
+    QString dragType_;
+    std::function<RowDrag()> dragOf_;
     bool leavesTyping_ = false;
     Connection selection_;
 };

@@ -3,8 +3,6 @@
 #include "platform/qt/RecordSort.h"
 #include "platform/qt/Text.h"
 
-#include <QMimeData>
-
 #include <algorithm>
 #include <utility>
 
@@ -134,29 +132,10 @@ void RecordTableModel::refreshMarks()
                            {Qt::DecorationRole, Qt::ToolTipRole, Qt::AccessibleTextRole});
 }
 
-void RecordTableModel::setDragType(const QString& mimeType)
-{
-    dragType_ = mimeType;
-}
-
 Qt::ItemFlags RecordTableModel::flags(const QModelIndex& index) const
 {
     const Qt::ItemFlags flags = QAbstractTableModel::flags(index);
-    return dragType_.isEmpty() || !index.isValid() ? flags : flags | Qt::ItemIsDragEnabled;
-}
-
-QStringList RecordTableModel::mimeTypes() const
-{
-    return dragType_.isEmpty() ? QStringList() : QStringList(dragType_);
-}
-
-QMimeData* RecordTableModel::mimeData(const QModelIndexList& indexes) const
-{
-    if (dragType_.isEmpty() || indexes.isEmpty())
-        return nullptr;
-    auto* data = new QMimeData;
-    data->setData(dragType_, QByteArray::number(indexes.front().row()));
-    return data;
+    return areRowsDragged_ && index.isValid() ? flags | Qt::ItemIsDragEnabled : flags;
 }
 
 } // namespace platform::qt

@@ -42,8 +42,8 @@ public:
     void setMark(const QIcon& symbol, std::function<QString(const Record&)> markOf);
     /// Other rows are marked than before.
     void refreshMarks();
-    /// Lets rows be dragged; what is dragged is the row's number as text, under this type.
-    void setDragType(const QString& mimeType);
+    /// Lets rows be dragged; what is dragged the view knows.
+    void letRowsBeDragged() { areRowsDragged_ = true; }
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -54,8 +54,6 @@ public:
     /// Sorts by the column first, then by the others from the left; as a person sorts (case and digits).
     void sort(int column, Qt::SortOrder order) override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
-    QStringList mimeTypes() const override;
-    QMimeData* mimeData(const QModelIndexList& indexes) const override;
 
 private:
     void update();
@@ -70,7 +68,7 @@ private:
     QIcon mark_;
     std::string toolTipKey_;
     std::vector<std::string> searchedKeys_;
-    QString dragType_;
+    bool areRowsDragged_ = false;
     std::int32_t rows_ = 0;
     Connection arranged_;
 };

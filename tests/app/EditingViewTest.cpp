@@ -8,8 +8,6 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QDateTime>
-#include <QDragEnterEvent>
-#include <QMimeData>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QSplitter>
@@ -326,63 +324,6 @@ TEST_F(EditingViewTest, MenuItemsAreEnabledWithTheirButtons)
         EXPECT_TRUE(itemIsEnabled(item)) << item;
     controller().kv_btn_cloudLibrary()->enabled.set(true);
     EXPECT_TRUE(itemIsEnabled("kvCommunityLibrary"));
-}
-
-TEST_F(EditingViewTest, RowsOfTheParameterListCanBeDragged)
-{
-    load();
-    auto* view = find<QAbstractItemView>("tablePlistOfSelectedPlugin");
-    EXPECT_TRUE(view->dragEnabled());
-    const std::unique_ptr<QMimeData> dragged(view->model()->mimeData({view->model()->index(7, 0)}));
-    ASSERT_TRUE(dragged);
-    EXPECT_EQ(dragged->formats(), QStringList(QStringLiteral("application/x-kv-parameter")));
-    EXPECT_EQ(dragged->data(QStringLiteral("application/x-kv-parameter")), "7");
-    EXPECT_FALSE(find<QAbstractItemView>("pluginTableView")->dragEnabled());
-}
-
-/// Drags something over the panel and lets it go over a pot.
-void dropOnPot(QWidget* panel, QWidget* pot, const char* type, const QByteArray& content)
-{
-    QMimeData dragged;
-    dragged.setData(QString::fromLatin1(type), content);
-    const QPoint at = pot->mapTo(panel, pot->rect().center());
-    const auto actions = Qt::CopyAction | Qt::MoveAction;
-    QDragEnterEvent enter(at, actions, &dragged, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(panel, &enter);
-    QDragMoveEvent move(at, actions, &dragged, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(panel, &move);
-    QDropEvent drop(QPointF(at), actions, &dragged, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(panel, &drop);
-}
-
-TEST_F(EditingViewTest, AParameterDroppedOnAPotIsPutThereAsByAPress)
-{
-    load();
-    choose(9);
-    dropOnPot(find<>("frontPanel"), find<>("kvRotaryBtn3"), "application/x-kv-parameter", "9");
-    EXPECT_EQ(potLabel(3), "Knob 9");
-    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 10);
-    EXPECT_EQ(itemText("undo"), "Undo Assign Parameter");
-    choose(0);
-    dropOnPot(find<>("frontPanel"), find<>("kvRotaryBtn8"), "application/x-kv-parameter", "0");
-    EXPECT_EQ(potLabel(8), "-");
-    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 0);
-    EXPECT_EQ(itemText("undo"), "Undo Clear Pot");
-}
-
-TEST_F(EditingViewTest, APotDroppedOnAnotherExchangesTheTwo)
-{
-    load();
-    click("nextPageButtonPressed");
-    choose(5);
-    dropOnPot(find<>("frontPanel"), find<>("kvRotaryBtn7"), "application/x-kv-pot", "2");
-    EXPECT_EQ(potLabel(2), "Knob 15");
-    EXPECT_EQ(potLabel(7), "Knob 10");
-    EXPECT_EQ(selectedRow("tablePlistOfSelectedPlugin"), 5);
-    EXPECT_EQ(itemText("undo"), "Undo Exchange Pots");
-    click("undoButton");
-    EXPECT_EQ(potLabel(2), "Knob 10");
-    EXPECT_EQ(potLabel(7), "Knob 15");
 }
 
 TEST_F(EditingViewTest, ClearAllTellsWhatItLeaves)

@@ -5,12 +5,12 @@
 #include "app/interface/panel/Pot.h"
 #include "platform/qt/ElidedLabel.h"
 #include "platform/qt/ReadableColours.h"
+#include "tests/support/Dragged.h"
 #include "tests/support/Pictures.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QDrag>
-#include <QDropEvent>
 #include <QFontInfo>
 #include <QMimeData>
 #include <QPixmapCache>
@@ -26,6 +26,10 @@
 using platform::qt::contrast;
 using platform::qt::ElidedLabel;
 using test::comparePictures;
+using test::Dragged;
+using test::draggedPage;
+using test::draggedParameters;
+using test::draggedPot;
 using test::looksLike;
 using test::pictureOf;
 
@@ -43,43 +47,6 @@ const QString kChinese = QStringLiteral(
 const QString kArabic =
     QStringLiteral("مستوى المرشح الرئيسي للصوت مستوى المرشح الرئيسي للصوت مستوى المرشح الرئيسي للصوت");
 const QString kOneWord = QString(80, QLatin1Char('W'));
-
-/// Drags as they come from elsewhere in the program.
-class Dragged {
-public:
-    Dragged(const char* type, const QByteArray& content) { mime_.setData(QString::fromLatin1(type), content); }
-
-    bool enter(QWidget& widget, QPoint at)
-    {
-        QDragEnterEvent event(at, kActions, &mime_, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(&widget, &event);
-        return event.isAccepted();
-    }
-    bool move(QWidget& widget, QPoint at)
-    {
-        QDragMoveEvent event(at, kActions, &mime_, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(&widget, &event);
-        return event.isAccepted();
-    }
-    bool drop(QWidget& widget, QPoint at)
-    {
-        QDropEvent event(QPointF(at), kActions, &mime_, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(&widget, &event);
-        return event.isAccepted();
-    }
-    /// All three over the middle of the widget; whether it could be dropped there.
-    bool dropOn(QWidget& widget)
-    {
-        const QPoint middle = widget.rect().center();
-        enter(widget, middle);
-        const bool isWanted = move(widget, middle);
-        return drop(widget, middle) && isWanted;
-    }
-
-private:
-    static constexpr Qt::DropActions kActions = Qt::CopyAction | Qt::MoveAction;
-    QMimeData mime_;
-};
 
 std::string spoken(QWidget* widget)
 {
@@ -267,7 +234,7 @@ TEST_F(FrontPanelTest, EveryStateOfAPotLooksDifferent)
         {"disabled", [this] { pot(3)->setEnabled(false); }},
         {"drop target",
          [this] {
-             Dragged parameter(kParameterDrag, "5");
+             Dragged parameter(draggedParameters(1));
              parameter.enter(*pot(3), pot(3)->rect().center());
          }},
     };
@@ -529,10 +496,10 @@ TEST_F(FrontPanelTest, TabGoesThroughThePotsInOrder)
 
 TEST_F(FrontPanelTest, ParametersAreDroppedOnPotsAndOnTheirLabels)
 {
-    QSignalSpy dropped(panel_.get(), &FrontPanel::parameterDropped);
+    QSignalSpy dropped(panel_.get(), &FrontPanel::parametersDropped);
     for (int number = 1; number <= kPots; ++number) {
         for (QWidget* onto : {static_cast<QWidget*>(pot(number)), static_cast<QWidget*>(label(number))}) {
-            EXPECT_TRUE(Dragged(kParameterDrag, "12").dropOn(*onto));
+            EXPECT_TRUE(Dragged(draggedParameters(1)).dropOn(*onto));
             ASSERT_EQ(dropped.size(), 1) << number;
             EXPECT_EQ(dropped.takeFirst().at(0).toInt(), number);
         }
@@ -542,38 +509,46 @@ TEST_F(FrontPanelTest, ParametersAreDroppedOnPotsAndOnTheirLabels)
 TEST_F(FrontPanelTest, PotsAreDroppedOnOtherPots)
 {
     QSignalSpy dropped(panel_.get(), &FrontPanel::potDropped);
-    EXPECT_TRUE(Dragged(kPotDrag, "3").dropOn(*pot(8)));
-    EXPECT_TRUE(Dragged(kPotDrag, "8").dropOn(*label(1)));
+    EXPECT_TRUE(Dragged(draggedPot(1, 3)).dropOn(*pot(8)));
+    EXPECT_TRUE(Dragged(draggedPot(1, 8)).dropOn(*label(1)));
     EXPECT_EQ(dropped.size(), 2);
-    EXPECT_EQ(dropped.value(0), QVariantList({3, 8}));
-    EXPECT_EQ(dropped.value(1), QVariantList({8, 1}));
+    EXPECT_EQ(dropped.value(0), QVariantList({1, 3, 8}));
+    EXPECT_EQ(dropped.value(1), QVariantList({1, 8, 1}));
 }
 
 TEST_F(FrontPanelTest, APotDroppedOnItselfIsPressedOnce)
 {
+    panel_->setShownPage(1, 2);
     QSignalSpy exchanged(panel_.get(), &FrontPanel::potDropped);
     QSignalSpy clicked(pot(4), &QPushButton::clicked);
-    EXPECT_TRUE(Dragged(kPotDrag, "4").dropOn(*pot(4)));
+    EXPECT_TRUE(Dragged(draggedPot(1, 4)).dropOn(*pot(4)));
     EXPECT_EQ(clicked.size(), 1);
-    EXPECT_TRUE(Dragged(kPotDrag, "4").dropOn(*label(4)));
+    EXPECT_TRUE(Dragged(draggedPot(1, 4)).dropOn(*label(4)));
     EXPECT_EQ(clicked.size(), 2);
     EXPECT_FALSE(pot(4)->isDown());
     EXPECT_TRUE(exchanged.isEmpty());
+    panel_->setShownPage(2, 2); // where it is another one
+    EXPECT_TRUE(Dragged(draggedPot(1, 4)).dropOn(*pot(4)));
+    EXPECT_EQ(clicked.size(), 2);
+    EXPECT_EQ(exchanged.value(0), QVariantList({1, 4, 4}));
 }
 
 TEST_F(FrontPanelTest, WhatDoesNotBelongOnAPotIsRefused)
 {
-    QSignalSpy parameters(panel_.get(), &FrontPanel::parameterDropped);
+    QSignalSpy parameters(panel_.get(), &FrontPanel::parametersDropped);
     QSignalSpy pots(panel_.get(), &FrontPanel::potDropped);
     const std::pair<const char*, const char*> others[] = {
         {kPotDrag, "0"}, {kPotDrag, "9"}, {kPotDrag, "x"}, {"text/plain", "Cutoff"}};
     for (const auto& [type, content] : others)
         EXPECT_FALSE(Dragged(type, content).dropOn(*pot(4))) << type << " " << content;
+    for (const DragData& other : {draggedPot(1, 0), draggedPot(1, 9), draggedPot(0, 1), draggedPage(1),
+                                  draggedPot(1, 1, 1), draggedParameters(1, 1)})
+        EXPECT_FALSE(Dragged(other).dropOn(*pot(4)));
     pot(4)->setEnabled(false);
-    EXPECT_FALSE(Dragged(kParameterDrag, "1").dropOn(*pot(4)));
-    EXPECT_FALSE(Dragged(kParameterDrag, "1").dropOn(*label(4)));
-    EXPECT_FALSE(Dragged(kPotDrag, "1").dropOn(*pot(4)));
-    Dragged besides(kParameterDrag, "1");
+    EXPECT_FALSE(Dragged(draggedParameters(1)).dropOn(*pot(4)));
+    EXPECT_FALSE(Dragged(draggedParameters(1)).dropOn(*label(4)));
+    EXPECT_FALSE(Dragged(draggedPot(1, 1)).dropOn(*pot(4)));
+    Dragged besides(draggedParameters(1));
     besides.enter(*panel_, QPoint(60, 20));
     EXPECT_FALSE(besides.drop(*panel_, QPoint(60, 20)));
     EXPECT_EQ(parameters.size() + pots.size(), 0);
@@ -589,7 +564,7 @@ TEST_F(FrontPanelTest, TheMarkFollowsWhatIsDraggedAndGoesWithIt)
             marked += comparePictures(now.copy(place), before.copy(place)).share > 0.005 ? 1 : 0;
         return marked;
     };
-    Dragged parameter(kParameterDrag, "1");
+    Dragged parameter(draggedParameters(1));
     EXPECT_TRUE(parameter.enter(*panel_, middleOf(2)));
     EXPECT_EQ(marks(2), 2);
     EXPECT_TRUE(parameter.move(*panel_, middleOf(3)));
@@ -602,7 +577,9 @@ TEST_F(FrontPanelTest, TheMarkFollowsWhatIsDraggedAndGoesWithIt)
 
 TEST_F(FrontPanelTest, APotPulledAwayIsDraggedAndNotPressed)
 {
+    panel_->setShownPage(2, 5);
     QSignalSpy clicked(pot(3), &QPushButton::clicked);
+    QSignalSpy ended(panel_.get(), &FrontPanel::dragEnded);
     const QPoint middle = pot(3)->rect().center();
     const QPoint away = middle + QPoint(QApplication::startDragDistance() + 2, 0);
     QTest::mousePress(pot(3), Qt::LeftButton, {}, middle);
@@ -611,7 +588,8 @@ TEST_F(FrontPanelTest, APotPulledAwayIsDraggedAndNotPressed)
     QApplication::sendEvent(pot(3), &pull);
     const auto* drag = pot(3)->findChild<QDrag*>();
     ASSERT_TRUE(drag);
-    EXPECT_EQ(drag->mimeData()->data(QString::fromLatin1(kPotDrag)), "3");
+    EXPECT_EQ(drag->mimeData()->data(QString::fromLatin1(kPotDrag)), draggedPot(2, 3).content());
+    EXPECT_EQ(ended.value(0), QVariantList{false}); // nobody took it
     EXPECT_FALSE(drag->pixmap().isNull());
     EXPECT_FALSE(pot(3)->isDown());
     QApplication::sendEvent(pot(3), &pull);

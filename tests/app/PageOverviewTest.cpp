@@ -221,7 +221,8 @@ TEST_F(PageOverviewTest, SaysWhatATileHolds)
     EXPECT_EQ(spoken(3), "Page 3 of 40, 6 of 8 pots mapped");
     EXPECT_EQ(spoken(4), "Page 4 of 40, 5 of 8 pots mapped, shown");
     EXPECT_EQ(page(3).data(Qt::ToolTipRole).toString().toStdString(),
-              "1  Knob 3.1\n2  Knob 3.2\n3  -\n4  Knob 3.4\n5  Knob 3.5\n6  -\n7  Knob 3.7\n8  Knob 3.8");
+              "1  Knob 3.1\n2  Knob 3.2\n3  -\n4  Knob 3.4\n5  Knob 3.5\n6  -\n7  Knob 3.7\n8  Knob 3.8\n"
+              "Drag it between two others to move the page; the others keep their order");
     QAccessibleInterface* list = QAccessible::queryAccessibleInterface(overview_.get());
     ASSERT_TRUE(list);
     EXPECT_EQ(list->text(QAccessible::Name), QStringLiteral("Pages"));

@@ -41,7 +41,7 @@ const Edit kEdits[] = {
          c.arrayControllerPlistSelected()->setSelectionIndex(0);
          c.clickControl(3);
      }},
-    {"Exchange Pots", [](ViewController& c) { c.exchangeControls(1, 6); }},
+    {"Exchange Pots", [](ViewController& c) { c.exchangeSlots(9, 14); }},
     {"Add Page", [](ViewController& c) { c.newPageButtonPressed(); }},
     {"Delete Page", [](ViewController& c) { c.deletePageButtonPressed(); }},
     {"Clear All Pages", [](ViewController& c) { c.clearAllPagesButtonPressed(); }},
@@ -133,7 +133,7 @@ TEST_F(HistoryTest, WhatChangesNothingIsNoStep)
     selectParameter(11); // the third on page two, which stands there already
     controller_.clickControl(2);
     controller_.nextPageButtonPressed();
-    controller_.exchangeControls(4, 4);
+    controller_.exchangeSlots(12, 12);
     controller_.movePageAndPageTo(2, 2);
     controller_.movePageAndPageTo(3, 4);
     EXPECT_EQ(alerts_.size(), 1u);
@@ -359,7 +359,7 @@ TEST_F(HistoryTest, ASaveThatWroteNothingLeavesTheChangesUnsaved)
 TEST_F(HistoryTest, AnExchangeLeavesPagesPositionsAndTheSelectionAlone)
 {
     editThreePages();
-    controller_.exchangeControls(0, 7);
+    controller_.exchangeSlots(8, 15);
     EXPECT_EQ(pots().front(), "Knob 16");
     EXPECT_EQ(pots().back(), "Knob 9");
     EXPECT_EQ(selectedParameter(), 5);

@@ -4,6 +4,7 @@
 #include "app/interface/Interface.h"
 #include "chart/ChartState.h"
 #include "mapping/EditingState.h"
+#include "panel/Pages.h"
 #include "plugins/PluginScan.h"
 #include "tests/support/WindowlessTest.h"
 
@@ -187,7 +188,8 @@ private:
              [](test::Windowless& program, const std::string& page) { program.controller.showPage(std::stoi(page)); }},
             {"exchange",
              [](test::Windowless& program, const std::string& pots) {
-                 program.controller.exchangeControls(pots.at(0) - '0', pots.at(1) - '0');
+                 const auto slot = [](char pot) { return panel::slotFor(mapping::curPage, pot - '0'); };
+                 program.controller.exchangeSlots(slot(pots.at(0)), slot(pots.at(1)));
              }},
             {"mode",
              [](test::Windowless& program, const std::string& mode) {

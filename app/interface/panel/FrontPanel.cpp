@@ -1,6 +1,5 @@
 #include "app/interface/panel/FrontPanel.h"
 
-#include "app/interface/DragData.h"
 #include "app/interface/Fonts.h"
 #include "app/interface/panel/PanelDrawing.h"
 #include "app/interface/panel/Pot.h"
@@ -42,13 +41,6 @@ QString accessibleNameOf(const Pot& pot, const QString& name, int page, int page
 {
     const QString place = placeOf(pot.number(), name, page, pages);
     return pot.isChosen() ? FrontPanel::tr("%1, chosen").arg(place) : place;
-}
-
-/// The pot's number in what is dragged, or 0.
-int potIn(const QMimeData* data)
-{
-    const int pot = data->data(QString::fromLatin1(kPotDrag)).toInt();
-    return pot >= 1 && pot <= PanelLayout::kPots ? pot : 0;
 }
 
 /// A name as it hangs at the mouse pointer.
@@ -347,19 +339,24 @@ void FrontPanel::keyPressEvent(QKeyEvent* event)
 void FrontPanel::dragPot(Pot* pot)
 {
     const QString name = labels_[static_cast<std::size_t>(pot->number() - 1)]->text();
-    auto* mime = new QMimeData;
-    mime->setData(QString::fromLatin1(kPotDrag), QByteArray::number(pot->number()));
     auto* drag = new QDrag(pot);
-    drag->setMimeData(mime);
+    drag->setMimeData(
+        DragData{.kind = DragData::Kind::pot, .state = state_(), .page = page_, .pot = pot->number()}.toMime());
     drag->setPixmap(namePicture(isEmptyName(name) ? tr("Pot %1").arg(pot->number()) : name, this));
-    drag->exec(Qt::MoveAction);
+    const bool wasDropped = drag->exec(Qt::MoveAction) != Qt::IgnoreAction;
+    setTarget(kNoPot);
+    Q_EMIT dragEnded(wasDropped);
+}
+
+DragData FrontPanel::draggedIn(const QDropEvent& event) const
+{
+    const DragData drag = DragData::of(*event.mimeData(), state_());
+    return drag.kind == DragData::Kind::page ? DragData() : drag;
 }
 
 int FrontPanel::targetOf(const QDropEvent& event) const
 {
-    const QMimeData* mime = event.mimeData();
-    const int from = potIn(mime);
-    if (from == kNoPot && !mime->hasFormat(QString::fromLatin1(kParameterDrag)))
+    if (draggedIn(event).kind == DragData::Kind::nothing)
         return kNoPot;
     const QPoint position = event.position().toPoint();
     for (std::size_t i = 0; i < pots_.size(); ++i) {
@@ -383,8 +380,7 @@ void FrontPanel::setTarget(int pot)
 void FrontPanel::dragEnterEvent(QDragEnterEvent* event)
 {
     // Taken wherever it enters, since moves are told only to who took it.
-    const QMimeData* mime = event->mimeData();
-    if (potIn(mime) == kNoPot && !mime->hasFormat(QString::fromLatin1(kParameterDrag)))
+    if (draggedIn(*event).kind == DragData::Kind::nothing)
         return;
     event->acceptProposedAction();
     setTarget(targetOf(*event));
@@ -413,13 +409,13 @@ void FrontPanel::dropEvent(QDropEvent* event)
         return;
     }
     event->acceptProposedAction();
-    const int from = potIn(event->mimeData());
-    if (from == kNoPot)
-        Q_EMIT parameterDropped(onto);
-    else if (from == onto)
+    const DragData drag = draggedIn(*event);
+    if (drag.kind == DragData::Kind::parameters)
+        Q_EMIT parametersDropped(onto);
+    else if (drag.page == page_ && drag.pot == onto)
         pots_[static_cast<std::size_t>(onto - 1)]->click(); // pulled and brought back, it was pressed after all
     else
-        Q_EMIT potDropped(from, onto);
+        Q_EMIT potDropped(drag.page, drag.pot, onto);
 }
 
 } // namespace interface

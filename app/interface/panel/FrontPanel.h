@@ -2,6 +2,7 @@
 // The on-screen copy of the controller's front panel: title, page read-outs, eight pots with their labels. Drawn for
 // any size and density; a parameter or another pot can be dropped on a pot.
 
+#include "app/interface/DragData.h"
 #include "app/interface/panel/PanelLayout.h"
 
 #include <QFrame>
@@ -9,6 +10,7 @@
 
 #include <array>
 #include <bitset>
+#include <utility>
 #include <vector>
 
 namespace platform::qt {
@@ -27,6 +29,7 @@ public:
 
     /// The page that the labels are of, from 1; 0 pages without a mapping. Pots follow the labels by themselves.
     void setShownPage(int page, int pages);
+    void setEditState(EditState state) { state_ = std::move(state); }
     /// Rings the pots on which the selected parameter stands: a bit for each, pot 1 the lowest.
     void ringPots(unsigned pots);
 
@@ -47,10 +50,12 @@ public:
     QSize minimumSizeHint() const override;
 
 Q_SIGNALS:
-    /// The parameter that is being dragged was dropped on a pot, 1 to 8.
-    void parameterDropped(int pot);
-    /// A pot was dropped on another one, both 1 to 8.
-    void potDropped(int from, int onto);
+    /// The parameters that are being dragged were dropped on a pot, 1 to 8.
+    void parametersDropped(int pot);
+    /// A pot of a page was dropped on another one of the page shown, both 1 to 8.
+    void potDropped(int page, int from, int onto);
+    /// A pot was dragged, and was dropped somewhere or the drag was given up.
+    void dragEnded(bool wasDropped);
     void choiceChanged();
 
 protected:
@@ -82,6 +87,8 @@ private:
     void giveUpChoice();
     void extendChoice(int pot, Qt::KeyboardModifiers modifiers);
     void goTo(Pot& pot, Qt::FocusReason reason, Qt::KeyboardModifiers modifiers);
+    /// A parameter or a pot, or nothing.
+    DragData draggedIn(const QDropEvent& event) const;
     int targetOf(const QDropEvent& event) const;
     void setTarget(int pot);
 
@@ -94,6 +101,7 @@ private:
     QPixmap picture_; ///< of the hardware without the pots, as it was last painted; null when it looks different now
     int page_ = 0;
     int pages_ = 0;
+    EditState state_ = [] { return quint64{0}; };
     int target_ = kNoPot;
     Choice choice_;            ///< none: the pot with the focus is meant
     int choiceBegin_ = kNoPot; ///< the pot where somebody was last, from which Shift goes on

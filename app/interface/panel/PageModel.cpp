@@ -75,7 +75,7 @@ int PageModel::rowCount(const QModelIndex& parent) const
 
 Qt::ItemFlags PageModel::flags(const QModelIndex& index) const
 {
-    return index.row() < pages_ ? QAbstractListModel::flags(index) : Qt::NoItemFlags;
+    return index.row() < pages_ ? QAbstractListModel::flags(index) | Qt::ItemIsDragEnabled : Qt::NoItemFlags;
 }
 
 QVariant PageModel::data(const QModelIndex& index, int role) const
@@ -150,6 +150,8 @@ QString PageModel::namesText(int page) const
         lines << QString::number(pot) + QStringLiteral("  ") +
                      (difference.isEmpty() ? shortened(nameAt(page, pot)) : difference);
     }
+    if (page <= pages_ && pages_ > 1)
+        lines << tr("Drag it between two others to move the page; the others keep their order");
     return lines.join(QLatin1Char('\n'));
 }
 

@@ -1,6 +1,7 @@
 #include "app/interface/panel/PageOverview.h"
 
 #include "app/interface/panel/DifferenceBadge.h"
+#include "app/interface/panel/PageDrags.h"
 #include "app/interface/panel/PageModel.h"
 #include "app/interface/panel/PanelColours.h"
 
@@ -133,12 +134,13 @@ PageOverview::PageOverview(QWidget* parent) : QListView(parent), model_(new Page
     viewport()->setBackgroundRole(QPalette::Window); // the tiles lie on the window like the panel
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
-    setDragDropMode(QAbstractItemView::NoDragDrop);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setMouseTracking(true);
     viewport()->setAttribute(Qt::WA_Hover);
     setModel(model_);
     setItemDelegate(new TileDelegate(this));
+    drags_ = new PageDrags(*this, *model_);
+    connect(drags_, &PageDrags::pageWanted, this, &PageOverview::pageChosen);
     refresh(0, 0);
 }
 
@@ -188,11 +190,18 @@ QSize PageOverview::minimumSizeHint() const
 
 void PageOverview::scrollTo(const QModelIndex& index, ScrollHint hint)
 {
+    if (drags_ && drags_->isOver()) // what is dragged would lie on another tile
+        return;
     for (const int row : {index.row() + 1, index.row() - 1}) { // its neighbours stay in sight, ready to be clicked
         if (const QModelIndex beside = model_->index(row); beside.isValid())
             QListView::scrollTo(beside, hint);
     }
     QListView::scrollTo(index, hint);
+}
+
+void PageOverview::startDrag(Qt::DropActions)
+{
+    drags_->dragPage();
 }
 
 void PageOverview::currentChanged(const QModelIndex& current, const QModelIndex& previous)
@@ -259,9 +268,11 @@ void PageOverview::resizeEvent(QResizeEvent* event)
 void PageOverview::paintEvent(QPaintEvent* event)
 {
     QListView::paintEvent(event);
-    if (model_->rowCount() > 0)
-        return;
     QPainter painter(viewport());
+    if (model_->rowCount() > 0) {
+        drags_->paint(painter);
+        return;
+    }
     painter.setPen(palette().color(QPalette::Active, QPalette::WindowText));
     const QString hint = painter.fontMetrics().elidedText(accessibleDescription(), Qt::ElideRight, viewport()->width());
     painter.drawText(viewport()->rect(), Qt::AlignCenter, hint);

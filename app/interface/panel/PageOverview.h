@@ -9,6 +9,7 @@
 
 namespace interface {
 
+class PageDrags;
 class PageModel;
 
 class PageOverview final : public QListView {
@@ -27,6 +28,7 @@ public:
     /// 0 pages: a hint instead.
     void refresh(int pages, int shownPage, int leftOver = 0);
 
+    PageDrags& drags() const { return *drags_; }
     /// Rings the pages (from 1, ascending) on which the selected parameter stands.
     void ringPages(std::vector<int> pages);
 
@@ -39,6 +41,7 @@ Q_SIGNALS:
     void pageChosen(int page);
 
 protected:
+    void startDrag(Qt::DropActions actions) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void dataChanged(const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override;
@@ -50,6 +53,7 @@ protected:
 
 private:
     PageModel* model_;
+    PageDrags* drags_ = nullptr;
     bool isRefreshing_ = false;
 };
 

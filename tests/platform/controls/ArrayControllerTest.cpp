@@ -277,4 +277,76 @@ TEST_F(ArrayControllerTest, TheSelectionIsAdjustedWhenItTellsOfOtherRows)
     EXPECT_THAT(told, ElementsAre("2 rows, ab", "2 rows, ab", "3 rows, ab", "1 rows, "));
 }
 
+// Several rows
+
+TEST_F(ArrayControllerTest, SeveralRowsAreSelectedRoundOneThatIsActedOn)
+{
+    controller.setContent(records({"a", "b", "c", "d", "e"}));
+    struct Case {
+        std::vector<std::int32_t> rows;
+        std::int32_t current;
+        std::int32_t index;
+    };
+    controller.setSelectionIndex(3);
+    for (const Case& each : {Case{{1, 3, 4}, 1, 1}, Case{{1, 4}, 2, 1}, Case{{0, 4}, 2, 4}, Case{{0, 2}, 4, 2},
+                             Case{{2, 3}, kNone, 2}, Case{{}, 1, kNone}}) {
+        controller.setSelectedRows(each.rows, each.current);
+        EXPECT_EQ(controller.selectedRows(), each.rows);
+        EXPECT_EQ(controller.selectionIndex(), each.index);
+        EXPECT_EQ(controller.selectedObjects().size(), each.rows.size());
+    }
+}
+
+TEST_F(ArrayControllerTest, SelectingARowAndSteppingOnLeaveThatAlone)
+{
+    controller.setContent(records({"a", "b", "c", "d"}));
+    controller.setSelectedRows({0, 1, 3}, 1);
+    controller.selectNext();
+    EXPECT_THAT(controller.selectedRows(), ElementsAre(2));
+    controller.setSelectedRows({0, 1, 3}, 3);
+    controller.selectNext(); // there is none
+    EXPECT_THAT(controller.selectedRows(), ElementsAre(0, 1, 3));
+    controller.setSelectionIndex(3);
+    EXPECT_THAT(controller.selectedRows(), ElementsAre(3));
+    controller.setSelectionIndex(kNone);
+    EXPECT_THAT(controller.selectedRows(), IsEmpty());
+    controller.setSelectionIndex(0);
+    controller.setContent(records({"a"}));
+    EXPECT_THAT(controller.selectedRows(), IsEmpty());
+}
+
+TEST_F(ArrayControllerTest, SelectedRowsFollowTheirRecordsWhereverTheyAreShown)
+{
+    controller.setArrangement(containingTheFilter);
+    controller.setContent(records({"-", "Level 1", "Cutoff", "Level 2", "Mix"}));
+    controller.setSelectedRows({1, 2, 3}, 2);
+    controller.filterText.set("Level");
+    EXPECT_THAT(controller.selectedRows(), ElementsAre(0, 1));
+    EXPECT_EQ(selected(), "Level 1"); // what was acted on is out of sight
+    controller.filterText.set("");
+    EXPECT_THAT(controller.selectedRows(), ElementsAre(1, 3));
+    controller.setSelectedRows({1, 3}, 3);
+    controller.setArrangement([](const ArrayController&) { return std::vector<std::size_t>{4, 3, 2, 1, 0}; });
+    EXPECT_THAT(controller.selectedRows(), ElementsAre(1, 3));
+    EXPECT_EQ(selected(), "Level 2");
+    EXPECT_EQ(controller.selectedObjects().back()->text("Parameter"), "Level 1");
+    controller.filterText.set("nothing has this");
+    controller.setArrangement(containingTheFilter);
+    EXPECT_THAT(controller.selectedRows(), IsEmpty());
+    EXPECT_EQ(controller.selectionIndex(), kNone);
+}
+
+TEST_F(ArrayControllerTest, TellsOfOtherRowsSelectedRoundTheSameOne)
+{
+    controller.setContent(records({"a", "b", "c"}));
+    controller.setSelectionIndex(1);
+    int told = 0;
+    const auto connection = controller.selectionChanged.connect([&] { ++told; });
+    controller.setSelectedRows({1, 2}, 1);
+    controller.setSelectedRows({1, 2}, 1);
+    EXPECT_EQ(told, 1);
+    controller.setSelectionIndex(1);
+    EXPECT_EQ(told, 2);
+}
+
 } // namespace
