@@ -54,6 +54,7 @@ public:
     /// Takes the focus, for somebody who comes from the field that narrows the list: the keys begin at the first row
     /// that is not selected already. Chooses nothing.
     void enterFromSearch();
+
 Q_SIGNALS:
     /// Rows were dragged, and were dropped somewhere or the drag was given up.
     void dragEnded(bool wasDropped);
