@@ -144,6 +144,8 @@ TEST_F(Preview, FailuresAreToldInTheWindow)
     open();
     preview(test::reply("<h1>Not Found</h1>", "404 Not Found"));
     EXPECT_EQ(hint(), "The community server refused the mapping (status 404)");
+    preview(test::reply(test::orderBytes({"1 Forbidden"}), "403 Forbidden"));
+    EXPECT_EQ(hint(), "The community server refused the mapping (status 403)");
     preview(test::reply("<h1>Hello</h1>"));
     EXPECT_EQ(hint(), "What the community server sent is no mapping");
     preview(test::reply(test::orderBytes(test::numbered(200)))); // more than the limit
