@@ -304,11 +304,11 @@ std::string RandomUser::drop(Chance& chance)
     auto* panel = find<interface::FrontPanel>("frontPanel");
     const int pot = chance.below(8) + 1;
     if (chance.below(2)) {
-        Q_EMIT panel->parameterDropped(pot);
+        Q_EMIT panel->parametersDropped(pot);
         return "drop the parameter on pot " + std::to_string(pot);
     }
     const int from = chance.below(8) + 1;
-    Q_EMIT panel->potDropped(from, pot);
+    Q_EMIT panel->potDropped(mapping::curPage, from, pot);
     return "drop pot " + std::to_string(from) + " on pot " + std::to_string(pot);
 }
 
