@@ -15,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 
 using test::comparePictures;
@@ -97,6 +98,19 @@ TEST_F(PageDragsTest, APotIsDroppedOnAPageWithRoom)
     EXPECT_EQ(said(), "Moves to pot 4 of page 5, its first empty one");
     EXPECT_TRUE(pot.dropOn(viewport(), on(5)));
     EXPECT_EQ(pots_->value(0), (QVariantList{2, 8, 5}));
+}
+
+TEST_F(PageDragsTest, WhatItSaysLiesInNobodysWay)
+{
+    Dragged pot(draggedPot(2, 8, 7));
+    pot.enter(viewport(), tile(3).topLeft() + QPoint(8, 8));
+    const QWidgetList all = QApplication::topLevelWidgets();
+    const auto tip = std::find_if(all.begin(), all.end(), [](const QWidget* each) {
+        return each->isVisible() && each->windowType() == Qt::ToolTip;
+    });
+    ASSERT_NE(tip, all.end());
+    const QRect strip(viewport().mapToGlobal(QPoint()), viewport().size());
+    EXPECT_GE((*tip)->y(), strip.bottom());
 }
 
 TEST_F(PageDragsTest, WhatHasNoPlaceIsRefusedAndSaysWhy)

@@ -128,7 +128,9 @@ void PageDrags::follow()
 {
     if (const Target now = isOver_ ? targetOf(drag_, position_) : Target(); !(now == target_)) {
         target_ = now;
-        QToolTip::showText(strip_.viewport()->mapToGlobal(position_), target_.text, strip_.viewport());
+        // Below the strip, since what lies under the pointer, even this, would be dropped on.
+        const QPoint below(position_.x(), strip_.viewport()->height());
+        QToolTip::showText(strip_.viewport()->mapToGlobal(below), target_.text, strip_.viewport());
         strip_.viewport()->update();
     }
     const int page = isOver_ && drag_.kind != DragData::Kind::page ? countedPageAt(position_) : 0;
