@@ -112,4 +112,15 @@ Placed placedOf(std::span<const SlotContent> contents, std::span<const std::opti
     return placed;
 }
 
+Placed countOffered(const Entries& entries, std::span<const platform::Record> parameters, const FoldName& fold)
+{
+    std::unordered_set<std::string> seen;
+    std::vector<SlotContent> contents;
+    for (const platform::Record& entry : entries) {
+        if (!mapping::isEmptyEntry(entry) && seen.insert(mapping::elementFromEntry(entry)).second)
+            contents.push_back(contentOf(entry));
+    }
+    return placedOf(contents, offeredHere(contents, parameters, fold));
+}
+
 } // namespace panel

@@ -33,4 +33,7 @@ struct Placed {
 
 Placed placedOf(std::span<const SlotContent> contents, std::span<const std::optional<SlotContent>> found);
 
+/// Of a whole mapping, each of its parameters counted once.
+Placed countOffered(const Entries& entries, std::span<const platform::Record> parameters, const FoldName& fold);
+
 } // namespace panel

@@ -118,7 +118,7 @@ std::span<const Action> Action::all()
         putOnPot(7, "kvRotBtn7_Pressed", "kvRotaryBtn7", &VC::kvRotBtn7_Pressed),
         putOnPot(8, "kvRotBtn8_Pressed", "kvRotaryBtn8", &VC::kvRotBtn8_Pressed),
         {.name = "fillFromPot", .text = QT_TR_NOOP("Fill Pots With Selection"),
-         .menu = Menu::edit, .keys = "Ctrl+Return", .needs = Needs::plugin, .call = &VC::fillFromPot,
+         .menu = Menu::edit, .keys = "Ctrl+Return", .contexts = kOnPots | kOnParameters, .needs = Needs::plugin, .call = &VC::fillFromPot,
          .toolTip = QT_TR_NOOP("Lay the selected parameters on the focused pot, or the first empty one, and those that "
                                "follow")},
         {.name = "modeInstrument", .text = QT_TR_NOOP("Instrument Mode"),
@@ -224,10 +224,10 @@ std::span<const Action> Action::all()
          .menu = Menu::compare, .keys = "Alt+Up", .repeats = true, .call = &VC::previousDifference,
          .toolTip = QT_TR_NOOP("Go to the pot before that differs")},
         {.name = "takePot", .text = QT_TR_NOOP("Take Pot"),
-         .menu = Menu::compare, .beginsSection = true, .keys = "Ctrl+T", .call = &VC::takePot,
+         .menu = Menu::compare, .beginsSection = true, .keys = "Ctrl+T", .contexts = kOnPots, .call = &VC::takePot,
          .toolTip = QT_TR_NOOP("Put on this pot what stands there on the other side")},
         {.name = "takePage", .text = QT_TR_NOOP("Take Page"),
-         .menu = Menu::compare, .keys = "Ctrl+Shift+T", .call = &VC::takePage,
+         .menu = Menu::compare, .keys = "Ctrl+Shift+T", .contexts = kOnTiles, .call = &VC::takePage,
          .toolTip = QT_TR_NOOP("Put on this page what stands there on the other side")},
 
         {.name = "kvLoginToCloudAccount", .text = QT_TR_NOOP("Account"), .symbol = "account",

@@ -6,6 +6,7 @@
 #include "mapping/Comparison.h"
 #include "mapping/EditingState.h"
 #include "mapping/ParameterOrder.h"
+#include "platform/qt/RecordSort.h"
 #include "platform/qt/Text.h"
 
 #include <QAction>
@@ -14,6 +15,7 @@
 #include <QStackedWidget>
 #include <QTableView>
 
+#include <string_view>
 #include <utility>
 
 namespace interface {
@@ -91,10 +93,12 @@ void PreviewView::followEdit()
         parts << tr("no plug-in is loaded to compare with");
     } else {
         if (const auto here = controller_.offeredParameters(); std::exchange(countedIn_, here) != here)
-            count_ = mapping::countOffered(preview.mapping.entries, mapping::Offered(*here));
+            count_ = panel::countOffered(preview.mapping.entries, *here, [](std::string_view name) {
+                return qt::fromQt(qt::foldedForSearch(qt::toQt(name)));
+            });
         differences_.follow(mapping::plistBuild);
         const auto pots = differences_.positions().size();
-        parts << tr("%1 of %2 offered here").arg(locale.toString(count_.offered), locale.toString(count_.all));
+        parts << tr("%1 of %2 offered here").arg(locale.toString(count_.placed), locale.toString(count_.wanted));
         parts << (pots == 0   ? tr("no pot differs from the mapping being edited")
                   : pots == 1 ? tr("1 pot differs from the mapping being edited")
                               : tr("%1 pots differ from the mapping being edited").arg(locale.toString(pots)));

@@ -3,7 +3,7 @@
 // plug-in offers, and how it differs from the mapping being edited. Follows the controller; closing the window ends it.
 
 #include "mapping/Comparison.h"
-#include "mapping/Offered.h"
+#include "panel/OfferedHere.h"
 #include "platform/controls/Record.h"
 #include "platform/controls/Signal.h"
 
@@ -41,7 +41,7 @@ private:
     PreviewModel* model_;
     mapping::Differences differences_;
     platform::SharedRecords countedIn_; ///< the list in which was looked for what is offered
-    mapping::OfferedCount count_;
+    panel::Placed count_;
     std::vector<platform::Connection> connections_;
 };
 

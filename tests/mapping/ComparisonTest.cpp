@@ -1,6 +1,5 @@
 #include "mapping/Comparison.h"
 #include "mapping/MappingStore.h"
-#include "mapping/Offered.h"
 #include "mapping/ParameterOrder.h"
 #include "tests/support/OrderFiles.h"
 #include "tests/support/WindowlessTest.h"
@@ -95,15 +94,6 @@ TEST(Comparison, GoesRoundTheDifferencesThatCanBeShown)
     }
     EXPECT_FALSE(mapping::positionAfter({}, 0, 8));
     EXPECT_FALSE(mapping::positionBefore({}, 0, 8));
-}
-
-TEST(Offered, CountsParametersOnceByNameWhateverTheCase)
-{
-    const mapping::Offered here(mapping::parameterList(Texts{"1 Cutoff", "2 Drive", "3 Pan"}));
-    const auto count = [&](const Texts& order) { return mapping::countOffered(mapping::mappingOf(order), here); };
-    EXPECT_EQ(count({"1 Cutoff", "2 Drive"}), (mapping::OfferedCount{2, 2}));
-    EXPECT_EQ(count({"9 cutOFF", "2 Air", "-1", "3 Pan", "3 Pan"}), (mapping::OfferedCount{2, 3}));
-    EXPECT_EQ(count({}), (mapping::OfferedCount{0, 0}));
 }
 
 class Comparing : public WindowlessTest {

@@ -57,6 +57,17 @@ TEST(OfferedHere, IsWhatHasTheSameNumberAndNameElseTheSameName)
         EXPECT_EQ(found(row.wanted), row.found) << row.wanted.number << ' ' << row.wanted.name;
 }
 
+TEST(OfferedHere, CountsTheParametersOfAMappingOnce)
+{
+    const auto count = [](const std::vector<std::string>& order) {
+        const auto counted = panel::countOffered(mapping::mappingOf(order), kList, lower);
+        return std::vector{counted.placed, counted.wanted};
+    };
+    EXPECT_THAT(count({"1 Volume", "4 Drive"}), ElementsAre(2U, 2U));
+    EXPECT_THAT(count({"9 cutOFF", "2 Air", "-1", "4 Drive", "4 Drive"}), ElementsAre(2, 3));
+    EXPECT_THAT(count({}), ElementsAre(0, 0));
+}
+
 TEST(OfferedHere, IsCountedWithoutEmptySlotsAndWhatIsMissingIsNamedOnce)
 {
     const std::vector<SlotContent> wanted = {{"1", "Volume"}, {"0", "-"},     {"8", "Drift"},
