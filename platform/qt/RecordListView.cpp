@@ -267,8 +267,9 @@ QItemSelectionModel::SelectionFlags RecordListView::selectionCommand(const QMode
 QModelIndex RecordListView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
 {
     // The cursor may stand on a row that is not selected, as Qt has it while none is; the first key goes to that row,
-    // not past it.
-    const bool goesOn = action == MoveDown || action == MoveNext || action == MovePageDown;
+    // not past it. With Ctrl the cursor goes alone.
+    const bool goesOn =
+        (action == MoveDown || action == MoveNext || action == MovePageDown) && !(modifiers & Qt::ControlModifier);
     if (goesOn && !selectionModel()->isSelected(currentIndex()))
         return currentIndex().isValid() ? currentIndex() : model()->index(0, 0);
     return QTreeView::moveCursor(action, modifiers);
@@ -310,7 +311,8 @@ void RecordListView::moveByKey(QKeyEvent* event)
 {
     QTreeView::keyPressEvent(event);
     // The cursor was there already, so Qt moved nothing and selected nothing.
-    if (movesInList(*event) && currentIndex().isValid() && !selectionModel()->isSelected(currentIndex()))
+    const bool selects = movesInList(*event) && !(event->modifiers() & Qt::ControlModifier);
+    if (selects && currentIndex().isValid() && !selectionModel()->isSelected(currentIndex()))
         selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 

@@ -216,8 +216,8 @@ TEST_F(EditsWindowTest, AMenuOnAPotFocusesItWithoutPressing)
         const QMenu* menu = menuOver(pot(2), pot(2)->rect().center(), reason);
         ASSERT_TRUE(menu);
         EXPECT_EQ(menu, find<QMenu>("potMenu"));
-        EXPECT_THAT(itemsOf(*menu),
-                    ElementsAre("cutSlots", "copySlots", "pasteSlots", "clearPot", "-", "insertPot", "removePot"));
+        EXPECT_THAT(itemsOf(*menu), ElementsAre("cutSlots", "copySlots", "pasteSlots", "clearPot", "-", "insertPot",
+                                                "removePot", "-", "findInList", "-", "fillFromPot", "-", "takePot"));
         EXPECT_EQ(find<>("cwinMainWindow")->focusWidget(), pot(2));
         EXPECT_THAT(chosen(), ElementsAre(1));
         EXPECT_TRUE(canDo("clearPot"));
@@ -248,9 +248,10 @@ TEST_F(EditsWindowTest, AMenuOnATileShowsItsPage)
     const QPoint third = tiles->visualRect(tiles->model()->index(2, 0)).center();
     const QMenu* menu = menuOver(tiles->viewport(), third, QContextMenuEvent::Mouse);
     ASSERT_EQ(menu, find<QMenu>("tileMenu"));
-    EXPECT_THAT(itemsOf(*menu), ElementsAre("cutSlots", "copySlots", "pasteSlots", "-", "kvMovePage_First",
-                                            "kvMovePage_Prev", "kvMovePage_Next", "kvMovePage_Last", "-", "insertPage",
-                                            "duplicatePage", "-", "deletePageButtonPressed", "clearPage"));
+    EXPECT_THAT(itemsOf(*menu),
+                ElementsAre("cutSlots", "copySlots", "pasteSlots", "-", "kvMovePage_First", "kvMovePage_Prev",
+                            "kvMovePage_Next", "kvMovePage_Last", "-", "insertPage", "duplicatePage", "-",
+                            "deletePageButtonPressed", "clearPage", "-", "takePage"));
     EXPECT_EQ(mapping::curPage, 3);
     EXPECT_TRUE(canDo("cutSlots"));
     find<QMenu>("tileMenu")->close();
