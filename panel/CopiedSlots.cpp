@@ -77,8 +77,7 @@ std::optional<CopiedSlots> copiedSlotsIn(std::string_view bytes)
         if (!element)
             return std::nullopt;
         const platform::Record entry = mapping::entryFromElement(*element, 0, 0);
-        copied.contents.push_back(
-            contentOf(mapping::isEmptyEntry(entry) ? mapping::emptyEntry(0, 0) : entry));
+        copied.contents.push_back(contentOf(mapping::isEmptyEntry(entry) ? mapping::emptyEntry(0, 0) : entry));
     }
     return copied;
 }

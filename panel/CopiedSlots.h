@@ -36,7 +36,8 @@ std::string textOf(const Entries& entries, std::span<const std::int32_t> positio
 
 // Parse
 
-/// None where the bytes, which may be anybody's, are not our own form, or hold no slot, more than kMost, or half a page.
+/// None where the bytes, which may be anybody's, are not our own form, or hold no slot, more than kMost, or half a
+/// page.
 std::optional<CopiedSlots> copiedSlotsIn(std::string_view bytes);
 
 } // namespace panel

@@ -11,9 +11,9 @@ namespace panel {
 struct PotChoice {
     static constexpr std::int32_t kNone = -1;
 
-    std::int32_t focusedPot = kNone; ///< 0 to 7, of the shown page
+    std::int32_t focusedPot = kNone;     ///< 0 to 7, of the shown page
     std::vector<std::int32_t> pots = {}; ///< the chosen ones, ascending; the focused one alone where no others are
-    bool isPage = false;             ///< the whole shown page: its tile has the focus
+    bool isPage = false;                 ///< the whole shown page: its tile has the focus
 
     bool operator==(const PotChoice&) const = default;
 };

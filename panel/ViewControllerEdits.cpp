@@ -71,9 +71,8 @@ void ViewController::pasteSlots(Sender)
     std::vector<std::optional<panel::SlotContent>> found(copied->contents.begin(), copied->contents.end());
     // A parameter may stand in the mapping that the list does not offer; within the plug-in it is moved as it is.
     if (copied->source != labPluginPlistLocation()->stringValue.get()) {
-        found = panel::offeredHere(copied->contents, *offeredParameters(), [this](std::string_view name) {
-            return platform_.localization.folded(name);
-        });
+        found = panel::offeredHere(copied->contents, *offeredParameters(),
+                                   [this](std::string_view name) { return platform_.localization.folded(name); });
     }
     editMapping("Paste", [&](panel::Mapping& edited) {
         if (copied->arePages)
@@ -89,9 +88,8 @@ void ViewController::insertPot(Sender)
     const std::int32_t pot = potChoice.get().focusedPot;
     if (pot == panel::PotChoice::kNone)
         return;
-    editMapping("Insert Pot", [pot](panel::Mapping& edited) {
-        panel::insertSlot(edited, panel::slotFor(edited.shownPage, pot));
-    });
+    editMapping("Insert Pot",
+                [pot](panel::Mapping& edited) { panel::insertSlot(edited, panel::slotFor(edited.shownPage, pot)); });
 }
 
 void ViewController::removePot(Sender)
@@ -99,9 +97,8 @@ void ViewController::removePot(Sender)
     const std::int32_t pot = potChoice.get().focusedPot;
     if (pot == panel::PotChoice::kNone)
         return;
-    editMapping("Remove Pot", [pot](panel::Mapping& edited) {
-        panel::removeSlot(edited, panel::slotFor(edited.shownPage, pot));
-    });
+    editMapping("Remove Pot",
+                [pot](panel::Mapping& edited) { panel::removeSlot(edited, panel::slotFor(edited.shownPage, pot)); });
 }
 
 void ViewController::insertPage(Sender)

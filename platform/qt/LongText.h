@@ -24,8 +24,8 @@ QString inBlocks(const QString& text);
 /// What of the text stands between two places in `inBlocks(text)`, without the breaks that it gained.
 QString partInBlocks(const QString& text, qsizetype from, qsizetype to);
 
-/// A field for a text of any length. Into one to write in a long text can be pasted: it is wrapped in the way that takes
-/// least before it comes in, and its lines share blocks; what the field holds is what was pasted.
+/// A field for a text of any length. Into one to write in a long text can be pasted: it is wrapped in the way that
+/// takes least before it comes in, and its lines share blocks; what the field holds is what was pasted.
 class LongTextField final : public QPlainTextEdit {
     Q_OBJECT
 

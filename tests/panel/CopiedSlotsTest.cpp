@@ -37,12 +37,16 @@ plist::Array slots(std::size_t count)
 
 TEST(CopiedSlots, ComeBackAsTheyWere)
 {
-    const std::vector<panel::SlotContent> contents = {
-        {"12", "Cutoff"}, {"0", "-"}, {"", "No number"}, {"3", ""}, {"4", "Two  blanks "}, {"5", "line\nand\x01"},
-        {"6", "\xC3\x89galiseur <&>"}, {"7", std::string(100'000, 'n')}};
-    for (const CopiedSlots& copied :
-         {CopiedSlots{"/a/Synth", false, contents}, CopiedSlots{"/a/Synth", true, contents},
-          CopiedSlots{"", false, {{"12", "Cutoff"}}}})
+    const std::vector<panel::SlotContent> contents = {{"12", "Cutoff"},
+                                                      {"0", "-"},
+                                                      {"", "No number"},
+                                                      {"3", ""},
+                                                      {"4", "Two  blanks "},
+                                                      {"5", "line\nand\x01"},
+                                                      {"6", "\xC3\x89galiseur <&>"},
+                                                      {"7", std::string(100'000, 'n')}};
+    for (const CopiedSlots& copied : {CopiedSlots{"/a/Synth", false, contents}, CopiedSlots{"/a/Synth", true, contents},
+                                      CopiedSlots{"", false, {{"12", "Cutoff"}}}})
         EXPECT_EQ(read(copied), copied);
 }
 
@@ -51,7 +55,9 @@ TEST(CopiedSlots, AnEmptySlotIsOneWhateverNumberItHas)
     const CopiedSlots expected{"", false, {{"0", "-"}}};
     EXPECT_EQ(read({"", false, {{"5", "-"}}}), expected);
     for (const char* element : {"-1", "", "5 -", "word"})
-        EXPECT_EQ(panel::copiedSlotsIn(plist::write({form(plist::Array(1, plist::Value(element)), false, "")})), expected) << element;
+        EXPECT_EQ(panel::copiedSlotsIn(plist::write({form(plist::Array(1, plist::Value(element)), false, "")})),
+                  expected)
+            << element;
 }
 
 TEST(CopiedSlots, WhatIsNotOurFormHoldsNone)

@@ -168,7 +168,7 @@ TEST(LongText, IsWrappedBetweenWordsUnlessOneIsEndless)
 
 TEST(LongText, ThatIsPastedIsHeldUnchangedInFewBlocksAndWrappedAnywhereBeforeAnEndlessWordComesIn)
 {
-    for (const auto& [name, text] : kinds()) {
+    for (const auto& [name, text] : longTexts()) {
         const QString part = text.left(10'000);
         QPlainTextEdit plain;
         plain.setLineWrapMode(QPlainTextEdit::NoWrap);
