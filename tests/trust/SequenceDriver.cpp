@@ -4,23 +4,28 @@
 #include "app/interface/Interface.h"
 #include "chart/ChartState.h"
 #include "mapping/EditingState.h"
-#include "panel/Pages.h"
 #include "plugins/PluginScan.h"
 #include "tests/support/WindowlessTest.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QCryptographicHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 
+#include <array>
 #include <ctime>
 #include <functional>
 #include <iostream>
 #include <map>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -67,7 +72,25 @@ std::string textOf(const std::vector<platform::Record>& records)
     return text;
 }
 
-/// One run of the program; where something is searched, with the windows that this is done in, which nobody sees.
+QJsonArray json(const std::vector<std::int32_t>& numbers)
+{
+    QJsonArray array;
+    for (const std::int32_t number : numbers)
+        array.append(number);
+    return array;
+}
+
+std::vector<std::int32_t> numbersIn(const std::string& text)
+{
+    std::istringstream stream(text);
+    std::vector<std::int32_t> numbers;
+    for (std::int32_t number = 0; stream >> number;)
+        numbers.push_back(number);
+    return numbers;
+}
+
+/// One run of the program; where something is searched, with the windows that this is done in, which nobody sees. With
+/// windows, what has an item in their menus is done by that.
 class Sequence {
 public:
     explicit Sequence(bool hasWindows)
@@ -82,12 +105,19 @@ public:
     /// False when there is no such operation.
     bool carryOut(const std::string& operation, const std::string& argument)
     {
-        if (operation == "search") {
-            find<QLineEdit>("parameterSearch")->setText(QString::fromStdString(argument));
+        if (operation == "search" || operation == "search plugins") {
+            find<QLineEdit>(operation == "search" ? "parameterSearch" : "pluginSearch")
+                ->setText(QString::fromStdString(argument));
             return true;
         }
         if (operation == "only unmapped") {
             find<QCheckBox>("unmappedOnly")->setChecked(argument == "1");
+            return true;
+        }
+        if (auto* item = windows_ ? windows_->find<QAction>(operation.c_str()) : nullptr) {
+            item->trigger();
+            if (operation == "goToPage")
+                goToPage(argument);
             return true;
         }
         const auto found = operations().find(operation);
@@ -132,11 +162,22 @@ public:
         set("search", json(list->filterText.get()));
         set("rows", list->arrangedCount());
         set("selected", list->selectionIndex());
+        set("selectedRows", json(list->selectedRows()));
         set("chart", checksum(chart::bHTML));
         set("canUndo", seen.history().canUndo());
         set("canRedo", seen.history().canRedo());
+        set("undoName", json(seen.history().undoName()));
         set("changedPots", static_cast<qint64>(seen.changedPots()));
         set("unsaved", seen.hasUnsavedChanges());
+        const panel::PotChoice& choice = seen.potChoice.get();
+        set("choice", QJsonArray{choice.focusedPot, json(choice.pots), choice.isPage});
+        set("where", where());
+        set("pasted", pasted());
+        set("clipboard", QGuiApplication::clipboard()->text());
+        set("comparison", comparison());
+        set("enabled", enabledItems());
+        set("hints", hints());
+        set("pluginRows", pluginRows());
         set("draft", draftLeft());
         set("drafted", rowsWithDrafts());
         set("now", static_cast<qint64>(now));
@@ -153,6 +194,12 @@ private:
     {
         static const auto plain = [](void (ViewController::*action)(ViewController::Sender)) {
             return [action](test::Windowless& program, const std::string&) { (program.controller.*action)(nullptr); };
+        };
+        static const auto withTwo = [](void (ViewController::*action)(std::int32_t, std::int32_t)) {
+            return [action](test::Windowless& program, const std::string& argument) {
+                const std::vector<std::int32_t> numbers = numbersIn(argument);
+                (program.controller.*action)(numbers.at(0), numbers.at(1));
+            };
         };
         static const std::map<std::string, Operation> all = {
             {"scan", plain(&ViewController::btnRunCheck)},
@@ -172,6 +219,29 @@ private:
             {"recall previous", plain(&ViewController::kvRecallPreviousMapping)},
             {"chart", plain(&ViewController::kvCreateChart)},
             {"downloaded", plain(&ViewController::downloadDidFinish)},
+            {"clearPage", plain(&ViewController::clearPage)},
+            {"clearPot", plain(&ViewController::clearPot)},
+            {"cutSlots", plain(&ViewController::cutSlots)},
+            {"copySlots", plain(&ViewController::copySlots)},
+            {"pasteSlots", plain(&ViewController::pasteSlots)},
+            {"insertPot", plain(&ViewController::insertPot)},
+            {"removePot", plain(&ViewController::removePot)},
+            {"insertPage", plain(&ViewController::insertPage)},
+            {"duplicatePage", plain(&ViewController::duplicatePage)},
+            {"mapUnmapped", plain(&ViewController::mapUnmapped)},
+            {"tidyUp", plain(&ViewController::tidyUp)},
+            {"startFromScratch", plain(&ViewController::startFromScratch)},
+            {"fillFromPot", plain(&ViewController::fillFromPot)},
+            {"showOnPanel", plain(&ViewController::showOnPanel)},
+            {"compareWithNothing", plain(&ViewController::compareWithNothing)},
+            {"compareWithSaved", plain(&ViewController::compareWithSaved)},
+            {"compareWithPrevious", plain(&ViewController::compareWithPrevious)},
+            {"compareWithOriginal", plain(&ViewController::compareWithOriginal)},
+            {"compareWithDownloaded", plain(&ViewController::compareWithDownloaded)},
+            {"nextDifference", plain(&ViewController::nextDifference)},
+            {"previousDifference", plain(&ViewController::previousDifference)},
+            {"takePot", plain(&ViewController::takePot)},
+            {"takePage", plain(&ViewController::takePage)},
             {"bring back", plain(&ViewController::bringBackDraft)},
             {"discard", plain(&ViewController::discardDraft)},
             {"keep", [](test::Windowless& program, const std::string&) { program.controller.keepDraft(); }},
@@ -186,11 +256,29 @@ private:
                        const std::string& pot) { program.controller.clickControl(std::stoi(pot)); }},
             {"page",
              [](test::Windowless& program, const std::string& page) { program.controller.showPage(std::stoi(page)); }},
-            {"exchange",
-             [](test::Windowless& program, const std::string& pots) {
-                 const auto slot = [](char pot) { return panel::slotFor(mapping::curPage, pot - '0'); };
-                 program.controller.exchangeSlots(slot(pots.at(0)), slot(pots.at(1)));
+            {"rows", // the current one, then all
+             [](test::Windowless& program, const std::string& rows) {
+                 std::vector<std::int32_t> selected = numbersIn(rows);
+                 const std::int32_t current = selected.front();
+                 selected.erase(selected.begin());
+                 program.controller.arrayControllerPlistSelected()->setSelectedRows(std::move(selected), current);
              }},
+            {"choose", // the focused pot, then all
+             [](test::Windowless& program, const std::string& pots) {
+                 panel::PotChoice choice{.isPage = pots == "page"};
+                 if (const auto numbers = numbersIn(pots); !numbers.empty()) {
+                     choice.focusedPot = numbers.front();
+                     choice.pots.assign(numbers.begin() + 1, numbers.end());
+                 }
+                 program.controller.potChoice.set(choice);
+             }},
+            {"exchange", withTwo(&ViewController::exchangeSlots)},
+            {"pot to page", withTwo(&ViewController::movePotToPage)},
+            {"page before", withTwo(&ViewController::movePageBefore)},
+            {"fill pot", [](test::Windowless& program,
+                            const std::string& pot) { program.controller.fillControls(std::stoi(pot)); }},
+            {"fill page",
+             [](test::Windowless& program, const std::string& page) { program.controller.fillPage(std::stoi(page)); }},
             {"mode",
              [](test::Windowless& program, const std::string& mode) {
                  const auto matrix = program.controller.kvPluginMode();
@@ -208,6 +296,72 @@ private:
         if (!found)
             throw std::runtime_error(std::string("there is no ") + name);
         return found;
+    }
+
+    void goToPage(const std::string& text)
+    {
+        auto* field = find<QLineEdit>("goToPageField");
+        field->setText(QString::fromStdString(text));
+        QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        QApplication::sendEvent(field, &enter);
+    }
+
+    /// On which pots the selected parameter stands.
+    QJsonArray where() const
+    {
+        const platform::Record* selected = program_.controller.arrayControllerPlistSelected()->selection();
+        return selected ? json(program_.controller.mappedPots().positionsOf(*selected)) : QJsonArray();
+    }
+    QJsonArray pasted() const
+    {
+        const panel::Placed& placed = program_.controller.placed.get();
+        QJsonArray missing;
+        for (const std::string& name : placed.missing)
+            missing.append(json(name));
+        return {static_cast<qint64>(placed.placed), static_cast<qint64>(placed.wanted), missing};
+    }
+    QJsonArray comparison() const
+    {
+        static constexpr std::array kSides = {"", "Saved", "Previous", "Original", "Downloaded"};
+        const auto name = [](mapping::ComparedWith side) {
+            return QString::fromLatin1(kSides.at(static_cast<std::size_t>(side)));
+        };
+        const mapping::Comparison& found = program_.controller.comparison();
+        return {name(found.side), json(found.positions), found.morePages,
+                found.otherMode ? QJsonValue(*found.otherMode) : QJsonValue(),
+                name(program_.controller.unreadableSide())};
+    }
+    /// Of the items that stand for further edits and comparing.
+    QJsonArray enabledItems() const
+    {
+        QJsonArray enabled;
+        const auto look = [&](const std::string& name) {
+            const auto* item = windows_ ? windows_->find<QAction>(name.c_str()) : nullptr;
+            if (item && item->isEnabled())
+                enabled.append(json(name));
+        };
+        for (const auto& [name, operation] : operations())
+            look(name);
+        for (const char* name : {"findInList", "goToPage"})
+            look(name);
+        return enabled;
+    }
+    QJsonArray hints() const
+    {
+        QJsonArray texts;
+        for (const char* name : {"placedHint", "differenceHint", "pluginReadOut"}) {
+            const auto* label = windows_ ? find<QLabel>(name) : nullptr;
+            texts.append(label && !label->isHidden() ? label->text() : QString());
+        }
+        return texts;
+    }
+    QJsonArray pluginRows() const
+    {
+        QJsonArray names;
+        const auto list = program_.controller.myArrayController();
+        for (std::int32_t row = 0; row < list->arrangedCount(); ++row)
+            names.append(json(std::string(list->arrangedObject(row)->text(plugins::kPlugin))));
+        return names;
     }
 
     /// What the bar above the lists offers; null where there is none.
@@ -270,6 +424,7 @@ int main(int argc, char** argv)
         ++now;
         if (operation == "begin" || operation == "begin in windows") {
             sequence.reset();
+            QGuiApplication::clipboard()->clear();
             test::liveBelow(argument);
             sequence = std::make_unique<Sequence>(operation != "begin");
         } else if (sequence && (operation == "quit" || operation == "crash")) {
