@@ -70,6 +70,8 @@ void ViewController::followComparedFile()
 {
     if (labPluginPlistLocation()->stringValue.get() != comparedPath_)
         compareWith(ComparedWith::nothing);
+    else if (unreadableSide_ != ComparedWith::nothing)
+        compareWith(unreadableSide_); // it may be another file now
     else if (comparison_.side != ComparedWith::nothing)
         compareWith(comparison_.side);
 }

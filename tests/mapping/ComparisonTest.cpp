@@ -191,6 +191,19 @@ TEST_F(Comparing, AFileThatCannotBeReadIsNamedAndNothingCompared)
     EXPECT_TRUE(alerts_.empty());
 }
 
+TEST_F(Comparing, ASideThatASaveMakesReadableIsComparedWith)
+{
+    const Path file = edit(numbered(8));
+    write(file.native() + ".prev", "no property list");
+    controller_.compareWithPrevious();
+    ASSERT_EQ(controller_.unreadableSide(), ComparedWith::previous);
+    controller_.clearPage();
+    controller_.exportToPlist();
+    EXPECT_EQ(controller_.unreadableSide(), ComparedWith::nothing);
+    EXPECT_EQ(found().side, ComparedWith::previous);
+    EXPECT_EQ(found().positions.size(), 8U);
+}
+
 TEST_F(Comparing, TakesAPotAndAPageAsOneStepEach)
 {
     const Path file = edit(numbered(20));
