@@ -14,6 +14,7 @@ struct PotChoice {
     std::int32_t focusedPot = kNone;     ///< 0 to 7, of the shown page
     std::vector<std::int32_t> pots = {}; ///< the chosen ones, ascending; the focused one alone where no others are
     bool isPage = false;                 ///< the whole shown page: its tile has the focus
+    bool isText = false;                 ///< nothing: a text field has the focus, and with it the clipboard's keys
 
     bool operator==(const PotChoice&) const = default;
 };

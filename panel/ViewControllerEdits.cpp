@@ -66,7 +66,7 @@ void ViewController::pasteSlots(Sender)
     const panel::PotChoice choice = potChoice.get();
     const bool hasPot = choice.focusedPot != panel::PotChoice::kNone;
     const auto copied = panel::copiedSlotsIn(platform_.clipboard.own());
-    if (!isMappingLoaded() || !copied || !(hasPot || choice.isPage))
+    if (!isMappingLoaded() || !copied)
         return;
     std::vector<std::optional<panel::SlotContent>> found(copied->contents.begin(), copied->contents.end());
     // A parameter may stand in the mapping that the list does not offer; within the plug-in it is moved as it is.

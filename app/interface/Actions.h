@@ -41,7 +41,7 @@ enum class Needs {
     placed,  ///< a mapping, and the selected parameter stands on a pot of it
     pot,     ///< a mapping, and a pot has the focus
     slots,   ///< or the tile of a page has
-    copied,  ///< and slots that were copied are on the clipboard
+    copied,  ///< a mapping, slots that were copied on the clipboard, and no text field that has the focus
 };
 
 /// Places of the main window with context menus and plain keys of their own; together where one is not enough.

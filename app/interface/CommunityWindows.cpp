@@ -111,6 +111,11 @@ QWidget* makePreview()
     hint->setTextFormat(Qt::PlainText);
     hint->setAlignment(Qt::AlignCenter);
     hint->setWordWrap(true);
+    // Like a list that is empty.
+    hint->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+    hint->setAutoFillBackground(true);
+    hint->setBackgroundRole(QPalette::Base);
+    hint->setForegroundRole(QPalette::Text);
     auto* content = new QWidget;
     auto* layout = new QVBoxLayout(content);
     layout->setContentsMargins(0, 0, 0, 0);

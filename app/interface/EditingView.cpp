@@ -348,7 +348,7 @@ void EditingView::enableWhatCanBeDone()
         case Needs::placed: return hasMapping && isSelectedPlaced_;
         case Needs::pot: return hasPot;
         case Needs::slots: return hasSlots;
-        case Needs::copied: return hasSlots && controller_.canPaste();
+        case Needs::copied: return hasMapping && !choice.isText && controller_.canPaste();
         default: return hasMapping;
         }
     };

@@ -31,6 +31,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QShortcut>
 
@@ -162,6 +163,7 @@ panel::PotChoice potChoiceAt(const QWidget* focused, const FrontPanel& panel)
 {
     panel::PotChoice choice;
     choice.isPage = qobject_cast<const PageOverview*>(focused) != nullptr;
+    choice.isText = qobject_cast<const QLineEdit*>(focused) || qobject_cast<const QPlainTextEdit*>(focused);
     if (const auto* pot = qobject_cast<const Pot*>(focused)) {
         choice.focusedPot = pot->number() - 1;
         for (const int chosen : panel.chosenPots())

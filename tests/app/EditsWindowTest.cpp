@@ -361,6 +361,21 @@ TEST_F(EditsWindowTest, AnotherPluginIsPastedWhatItOffersAndToldTheRest)
     EXPECT_EQ(text("placedHint"), "");
 }
 
+TEST_F(EditsWindowTest, WithAListFocusedItIsPastedOnTheShownPage)
+{
+    writeDictionary(builtIn("Verb"), orderFile({"1 Mix"}));
+    load();
+    select("Verb");
+    ASSERT_EQ(QApplication::focusWidget(), find<>("pluginTableView"));
+    putOnClipboard(QByteArray::fromStdString(panel::bytesOf({"/another", false, {{"1", "Mix"}, {"1", "Mix"}}})));
+    key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(pots(), "Mix Mix ");
+    putOnClipboard(QByteArray::fromStdString(panel::bytesOf({"/another", true, {{"1", "Mix"}}})));
+    find<>("tablePlistOfSelectedPlugin")->setFocus();
+    key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(pots(), "Mix Mix - - - - - - |Mix ");
+}
+
 TEST_F(EditsWindowTest, WhatIsNotOfferedLeavesItsPotAsItIs)
 {
     writeDictionary(builtIn("Verb"), orderFile({"1 Mix", "2 Decay", "3 Size"}));

@@ -14,6 +14,12 @@ class Dragged {
 public:
     Dragged(const char* type, const QByteArray& content) { mime_.setData(QString::fromLatin1(type), content); }
     explicit Dragged(const interface::DragData& drag) : Dragged(drag.type(), drag.content()) {}
+    /// What a widget pulls.
+    explicit Dragged(const QMimeData& pulled)
+    {
+        for (const QString& format : pulled.formats())
+            mime_.setData(format, pulled.data(format));
+    }
 
     bool enter(QWidget& widget, QPoint at)
     {

@@ -2,9 +2,14 @@
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
+#include <QAction>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QDesktopServices>
-#include <QLabel>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPainter>
 #include <QTest>
@@ -32,6 +37,24 @@ QWidget* topLevel(const char* name)
             return widget;
     }
     return nullptr;
+}
+
+/// A window with what is open over it at a place of its own, behind which it is darker when that is modal.
+QPixmap pictureWith(QWidget& window, QWidget& above, QPoint corner, bool isModal)
+{
+    QPixmap picture = window.grab();
+    QPainter painter(&picture);
+    if (isModal)
+        painter.fillRect(picture.rect(), QColor(0, 0, 0, 70));
+    painter.drawPixmap(corner, above.grab());
+    return picture;
+}
+
+QPixmap pictureWithDialog(QWidget& dialog)
+{
+    QWidget* window = topLevel("cwinMainWindow");
+    const QPoint corner((window->width() - dialog.width()) / 2, (window->height() - dialog.height()) / 3);
+    return pictureWith(*window, dialog, corner, true);
 }
 
 } // namespace
@@ -71,7 +94,11 @@ void Tour::next()
     }
     QTest::qWait(kPauseMs);
     const QString file = QStringLiteral("%1-%2.png").arg(current_, 2, 10, QLatin1Char('0')).arg(step.name);
-    const QPixmap picture = alertPicture_.isNull() ? pictureOf(shownWindow_) : alertPicture_;
+    QPixmap picture = alertPicture_.isNull() ? shownWindow_->grab() : alertPicture_;
+    if (QMenu* menu = openMenu()) {
+        picture = pictureWith(*shownWindow_, *menu, shownWindow_->mapFromGlobal(menu->pos()), false);
+        menu->close();
+    }
     if (!picture.save(output_.filePath(file))) {
         print(QStringLiteral("%1: FAILED, cannot write %2").arg(step.name, output_.filePath(file)));
         QCoreApplication::exit(1);
@@ -81,9 +108,9 @@ void Tour::next()
     QTimer::singleShot(kPauseMs, this, &Tour::next);
 }
 
-QPixmap Tour::pictureOf(QWidget* window) const
+QMenu* Tour::openMenu() const
 {
-    return window->grab();
+    return qobject_cast<QMenu*>(QApplication::activePopupWidget());
 }
 
 QWidget* Tour::findWidget(const char* name, const QMetaObject& type)
@@ -107,14 +134,23 @@ void Tour::click(const char* button)
     QTest::mouseClick(widget, Qt::LeftButton);
 }
 
-void Tour::clickRow(const char* list, const QString& text, int column)
+void Tour::clickRow(const char* list, const QString& text, int column, Qt::KeyboardModifiers keys)
 {
     auto* view = find<QAbstractItemView>(list);
     const auto rows = view->model()->match(view->model()->index(0, column), Qt::DisplayRole, text, 1,
                                            Qt::MatchFixedString | Qt::MatchCaseSensitive);
     expect(!rows.isEmpty(), QStringLiteral("\"%1\" is listed").arg(text));
     view->scrollTo(rows.front());
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, view->visualRect(rows.front()).center());
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, keys, view->visualRect(rows.front()).center());
+}
+
+void Tour::clickPage(int number)
+{
+    auto* strip = find<QAbstractItemView>("pageOverview");
+    const QModelIndex page = strip->model()->index(number - 1, 0);
+    expect(page.isValid(), QStringLiteral("there is a page %1").arg(number));
+    strip->scrollTo(page);
+    QTest::mouseClick(strip->viewport(), Qt::LeftButton, Qt::NoModifier, strip->visualRect(page).center());
 }
 
 void Tour::type(const char* field, const QString& text)
@@ -122,6 +158,44 @@ void Tour::type(const char* field, const QString& text)
     auto* widget = findWidget(field, QWidget::staticMetaObject);
     widget->setFocus();
     QTest::keyClicks(widget, text);
+}
+
+void Tour::press(const char* widget, Qt::Key key, Qt::KeyboardModifiers modifiers)
+{
+    QTest::keyClick(findWidget(widget, QWidget::staticMetaObject), key, modifiers);
+}
+
+void Tour::openContextMenu(const char* widget)
+{
+    auto* over = findWidget(widget, QWidget::staticMetaObject);
+    const QPoint at = over->rect().center();
+    QContextMenuEvent event(QContextMenuEvent::Mouse, at, over->mapToGlobal(at));
+    QApplication::sendEvent(over, &event);
+    expect(openMenu(), QStringLiteral("%1 has a context menu").arg(QLatin1String(widget)));
+}
+
+void Tour::choose(const char* item)
+{
+    QMenu* menu = openMenu();
+    expect(menu, QStringLiteral("a menu is open"));
+    for (QAction* action : menu->actions()) {
+        if (action->objectName() != QLatin1String(item))
+            continue;
+        expect(action->isEnabled(), QStringLiteral("%1 can be chosen").arg(QLatin1String(item)));
+        QTest::mouseClick(menu, Qt::LeftButton, Qt::NoModifier, menu->actionGeometry(action).center());
+        return;
+    }
+    throw Failure(std::string("the menu has no ") + item);
+}
+
+void Tour::chooseFromMenuBar(const char* item)
+{
+    auto* bar = find<QMenuBar>("menuBar");
+    const auto* action = topLevel("cwinMainWindow")->findChild<QAction*>(QLatin1String(item));
+    expect(action, QStringLiteral("there is %1").arg(QLatin1String(item)));
+    QAction* menu = qobject_cast<QMenu*>(action->parent())->menuAction();
+    QTest::mouseClick(bar, Qt::LeftButton, Qt::NoModifier, bar->actionGeometry(menu).center());
+    choose(item);
 }
 
 QString Tour::text(const char* label)
@@ -146,30 +220,50 @@ void Tour::answerAlert()
     alertWatch_.start(kPauseMs);
 }
 
-void Tour::waitForAlert()
+void Tour::waitUntil(const std::function<bool()>& holds, const QString& what)
 {
     constexpr int kLongestWaitMs = 10000;
-    expect(QTest::qWaitFor([this] { return !alertText_.isEmpty(); }, kLongestWaitMs),
-           QStringLiteral("an alert comes up"));
+    expect(QTest::qWaitFor(holds, kLongestWaitMs), what);
+}
+
+void Tour::waitForAlert()
+{
+    waitUntil([this] { return !alertText_.isEmpty(); }, QStringLiteral("an alert comes up"));
+}
+
+QString Tour::answerSaveDialog(const QString& name)
+{
+    savePath_ = output_.absoluteFilePath(name);
+    alertWatch_.start(kPauseMs);
+    return savePath_;
 }
 
 void Tour::answerNow()
 {
-    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    if (!box)
-        return; // it may come yet; if not, the step's own expectation of the text tells
+    // It may come yet; if not, the step's own expectation tells.
+    QWidget* modal = QApplication::activeModalWidget();
+    if (auto* box = qobject_cast<QMessageBox*>(modal))
+        answer(*box);
+    else if (auto* dialog = qobject_cast<QFileDialog*>(modal))
+        answer(*dialog);
+}
+
+void Tour::answer(QMessageBox& box)
+{
     alertWatch_.stop();
-    alertText_ = box->text();
-    alertInformativeText_ = box->informativeText();
-    QPixmap picture = pictureOf(topLevel("cwinMainWindow"));
-    const QPixmap alert = pictureOf(box);
-    QPainter painter(&picture);
-    const QPoint corner((picture.width() - alert.width()) / 2, (picture.height() - alert.height()) / 3);
-    painter.fillRect(picture.rect(), QColor(0, 0, 0, 70));
-    painter.drawPixmap(corner, alert);
-    painter.end();
-    alertPicture_ = picture;
-    QTest::mouseClick(box->buttons().front(), Qt::LeftButton);
+    alertText_ = box.text();
+    alertInformativeText_ = box.informativeText();
+    alertPicture_ = pictureWithDialog(box);
+    QTest::mouseClick(box.buttons().front(), Qt::LeftButton);
+}
+
+void Tour::answer(QFileDialog& dialog)
+{
+    alertWatch_.stop();
+    auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    name->setText(savePath_);
+    alertPicture_ = pictureWithDialog(dialog);
+    QTest::keyClick(name, Qt::Key_Return);
 }
 
 void Tour::rememberUrl(const QUrl& url)

@@ -12,6 +12,9 @@
 #include <stdexcept>
 #include <vector>
 
+class QFileDialog;
+class QMenu;
+class QMessageBox;
 class QWidget;
 
 namespace tour {
@@ -46,19 +49,32 @@ public:
         return qobject_cast<T*>(findWidget(name, T::staticMetaObject));
     }
     void click(const char* button);
-    /// Clicks the row whose first columns hold the texts.
-    void clickRow(const char* list, const QString& text, int column = 0);
+    /// Clicks the first row whose column holds the text.
+    void clickRow(const char* list, const QString& text, int column = 0, Qt::KeyboardModifiers keys = {});
+    void clickPage(int number);
     void type(const char* field, const QString& text);
+    void press(const char* widget, Qt::Key key, Qt::KeyboardModifiers modifiers);
+    /// Opens a widget's context menu, which goes into the step's picture unless something of it is chosen.
+    void openContextMenu(const char* widget);
+    /// Clicks an item of the open menu.
+    void choose(const char* item);
+    /// Opens the menu of the bar that has the item, and clicks it.
+    void chooseFromMenuBar(const char* item);
     QString text(const char* label);
     QString textOfAlert() const { return alertText_; }
     QString informativeTextOfAlert() const { return alertInformativeText_; }
     void expect(bool holds, const QString& what);
+    /// Waits for what ends by itself.
+    void waitUntil(const std::function<bool()>& holds, const QString& what);
     /// Shows this window instead of the main one in the step's picture.
     void lookAt(const char* window);
     /// The next alert that comes up goes into the step's picture and is answered with its first button.
     void answerAlert();
-    /// Waits until that alert has come up, for what ends by itself.
+    /// Waits until that alert has come up.
     void waitForAlert();
+    /// The next dialog that asks for a file's name goes into the step's picture and is given this one, beside the pictures.
+    /// Answers its path.
+    QString answerSaveDialog(const QString& name);
     QString openedUrl() const { return openedUrl_; }
     /// A text from one step to a later one.
     void remember(const QString& text) { remembered_ = text; }
@@ -70,8 +86,10 @@ public Q_SLOTS:
 private:
     QWidget* findWidget(const char* name, const QMetaObject& type);
     void next();
-    QPixmap pictureOf(QWidget* window) const;
+    QMenu* openMenu() const;
     void answerNow();
+    void answer(QMessageBox& box);
+    void answer(QFileDialog& dialog);
 
     QDir output_;
     std::vector<Step> steps_;
@@ -80,6 +98,7 @@ private:
     QPixmap alertPicture_;
     QString alertText_;
     QString alertInformativeText_;
+    QString savePath_;
     QString remembered_;
     QTimer alertWatch_;
     QString openedUrl_;

@@ -1,3 +1,4 @@
+#include "tools/tour/EditingSteps.h"
 #include "tools/tour/Tour.h"
 
 #include <QAbstractItemModel>
@@ -279,9 +280,20 @@ QString browse(Tour& tour)
     return QStringLiteral("%1 shared mappings").arg(shared->rowCount());
 }
 
-QString download(Tour& tour)
+QString preview(Tour& tour)
 {
     tour.clickRow("cwinPlistAvailable", QStringLiteral("Teo Marrable"), 3);
+    tour.click("previewShared");
+    tour.waitUntil([&tour] { return !tour.text("previewSummary").isEmpty(); }, QStringLiteral("the mapping is shown"));
+    const auto* pots = tour.find<QAbstractItemView>("previewTable")->model();
+    tour.expect(pots->index(0, 0).data().toString() == QLatin1String("Low Gain"),
+                QStringLiteral("pot 1 is as it was shared"));
+    tour.lookAt("cwinDownloadWindow");
+    return tour.text("previewSummary");
+}
+
+QString download(Tour& tour)
+{
     tour.answerAlert();
     tour.click("kvCommunityLoadSelectedDownload");
     tour.waitForAlert();
@@ -324,15 +336,23 @@ std::vector<Step> allSteps()
         {QStringLiteral("chart"), chart},
         {QStringLiteral("synthesizer"), synthesizer},
         {QStringLiteral("save-synthesizer"), saveSynthesizer},
+        {QStringLiteral("compare"), compare},
+        {QStringLiteral("pdf"), chartAsPdf},
         {QStringLiteral("dark"), dark},
         {QStringLiteral("large"), light},
         {QStringLiteral("names-as-they-are"), markup},
+        {QStringLiteral("filter"), filterPlugins},
+        {QStringLiteral("context-menu"), contextMenu},
+        {QStringLiteral("insert-pot"), insertPot},
+        {QStringLiteral("fill"), fill},
+        {QStringLiteral("paste-page"), pastePage},
         {QStringLiteral("new-account"), newAccount},
         {QStringLiteral("log-in"), logIn},
         {QStringLiteral("logged-in"), loggedIn},
         {QStringLiteral("upload"), upload},
         {QStringLiteral("uploaded"), uploaded},
         {QStringLiteral("browse"), browse},
+        {QStringLiteral("preview"), preview},
         {QStringLiteral("download"), download},
         {QStringLiteral("help"), help},
         {QStringLiteral("select-another"), selectAgain},
