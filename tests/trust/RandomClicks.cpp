@@ -5,19 +5,29 @@
 // KV_RANDOM_SHRINK   on a failure, seconds spent on looking for fewer steps that fail too
 // KV_RANDOM_TRACE    writes every step before the next one, for a run that ends in a crash
 
+#include "app/interface/panel/FrontPanel.h"
+#include "app/interface/panel/PageDrags.h"
+#include "app/interface/panel/PageModel.h"
+#include "app/interface/panel/PageOverview.h"
+#include "app/interface/panel/Pot.h"
 #include "chart/ChartState.h"
+#include "mapping/Comparison.h"
 #include "mapping/Drafts.h"
 #include "mapping/EditingSnapshot.h"
 #include "mapping/EditingState.h"
 #include "mapping/MappingStore.h"
 #include "mapping/ParameterOrder.h"
+#include "platform/qt/RecordSort.h"
 #include "plugins/PluginScan.h"
 #include "tests/trust/RandomUser.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
+#include <QAction>
 #include <QElapsedTimer>
+#include <QLabel>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -105,6 +115,11 @@ private:
         lookAtPages();
         lookAtPanel();
         lookAtLists();
+        lookAtSelection();
+        lookAtFoundPlugins();
+        lookAtChoice();
+        lookAtComparison();
+        lookAtPasted();
         lookAtUnsaved();
         if (++looks_ % 8 == 0 || unsavedAtQuit_) // reads files
             lookAtDrafts();
@@ -155,7 +170,11 @@ private:
             expect(rows.selectionIndex() >= -1 && rows.selectionIndex() < rows.arrangedCount(),
                    std::string("a row that does not exist is selected in ") + view);
             if (std::string_view(view) != "pluginTableView" || !isOnTheWay())
-                expectEqual(selectedRow(view), rows.selectionIndex(), std::string("selected row of ") + view);
+                expectEqual(selectedRowsOf(view), rows.selectedRows(), std::string("selected rows of ") + view);
+            expect(rows.selectedRows().empty() == (rows.selectionIndex() < 0) &&
+                       (rows.selectionIndex() < 0 ||
+                        std::ranges::binary_search(rows.selectedRows(), rows.selectionIndex())),
+                   std::string("the row that is acted on is no selected one of ") + view);
             expectEqual(find<QAbstractItemView>(view)->model()->rowCount(), rows.arrangedCount(),
                         std::string("rows of ") + view);
         };
@@ -182,6 +201,153 @@ private:
         expectEqual(text("mappedReadOut"),
                     offered ? std::to_string(mapped) + " of " + std::to_string(offered) + " mapped" : std::string(),
                     "read-out of what is mapped");
+    }
+
+    std::vector<std::int32_t> selectedRowsOf(const char* view)
+    {
+        std::vector<std::int32_t> rows;
+        for (const QModelIndex& row : find<QAbstractItemView>(view)->selectionModel()->selectedRows())
+            rows.push_back(row.row());
+        std::ranges::sort(rows);
+        return rows;
+    }
+
+    QModelIndex tile(int page) { return find<QAbstractItemView>("pageOverview")->model()->index(page - 1, 0); }
+    interface::Pot* pot(int number) { return find<interface::Pot>(("kvRotaryBtn" + std::to_string(number)).c_str()); }
+    bool canBeDone(const char* item) { return find<QAction>(item)->isEnabled(); }
+    static std::string elementAt(const std::vector<platform::Record>& entries, std::int32_t position)
+    {
+        const auto at = static_cast<std::size_t>(position);
+        return at < entries.size() ? mapping::elementFromEntry(entries[at]) : mapping::kEmptyElement;
+    }
+
+    /// Rings are where the selected parameter stands.
+    void lookAtSelection()
+    {
+        const platform::Record* selected = controller().arrayControllerPlistSelected()->selection();
+        const std::string element = selected ? mapping::elementFromEntry(*selected) : mapping::kEmptyElement;
+        bool isPlaced = false;
+        for (int page = 1; page <= mapping::totalPages && controller().isMappingLoaded(); ++page) {
+            bool isOnPage = false;
+            for (int number = 1; number <= 8; ++number) {
+                const bool isThere = element != mapping::kEmptyElement &&
+                                     elementAt(mapping::plistBuild, (page - 1) * 8 + number - 1) == element;
+                isOnPage = isOnPage || isThere;
+                if (page == mapping::curPage)
+                    expectEqual(pot(number)->accessibleDescription().startsWith(QLatin1String("Holds the selected")),
+                                isThere, "ring of pot " + std::to_string(number));
+            }
+            expectEqual(tile(page).data(interface::PageModel::HoldsSelected).toBool(), isOnPage,
+                        "ring of page " + std::to_string(page));
+            isPlaced = isPlaced || isOnPage;
+        }
+        expectEqual(canBeDone("showOnPanel"), isPlaced, "whether the selected parameter can be shown on the panel");
+    }
+
+    /// The plug-ins that are found, and the loaded one.
+    void lookAtFoundPlugins()
+    {
+        using platform::qt::holdsWords;
+        const auto& list = *controller().myArrayController();
+        const QStringList words = platform::qt::searchWords(text("pluginSearch"));
+        const auto isFound = [&](const platform::Record& plugin) {
+            return holdsWords(plugin, {plugins::kPlugin, plugins::kType}, words);
+        };
+        std::ptrdiff_t found = 0;
+        for (std::int32_t row = 0; row < list.arrangedCount(); ++row)
+            found += isFound(*list.arrangedObject(row)) ? 1 : 0;
+        expectEqual(found, std::ranges::count_if(list.content(), isFound), "plug-ins found");
+        expectEqual(text("pluginReadOut"),
+                    words.isEmpty() ? std::string()
+                                    : std::to_string(found) + " of " + std::to_string(list.content().size()),
+                    "read-out of the plug-ins found");
+    }
+
+    /// What operations on a pot or a page act on is what has the focus.
+    void lookAtChoice()
+    {
+        const panel::PotChoice& choice = controller().potChoice.get();
+        const bool isLoaded = controller().isMappingLoaded();
+        const bool hasPot = isLoaded && choice.focusedPot != panel::PotChoice::kNone;
+        const bool hasSlots = hasPot || (isLoaded && choice.isPage);
+        for (const char* item : {"clearPot", "insertPot", "removePot", "findInList"})
+            expectEqual(canBeDone(item), hasPot, std::string("whether ") + item + " can be done");
+        for (const char* item : {"cutSlots", "copySlots"})
+            expectEqual(canBeDone(item), hasSlots, std::string("whether ") + item + " can be done");
+        expectEqual(canBeDone("pasteSlots"), hasSlots && controller().canPaste(), "whether pasteSlots can be done");
+        const QWidget* focused = QApplication::focusWidget();
+        const auto* focusedPot = qobject_cast<const interface::Pot*>(focused);
+        if (!focused)
+            return; // an alert that goes gives the focus to nobody where there is no desktop
+        std::vector<std::int32_t> pots;
+        for (const int chosen : find<interface::FrontPanel>("frontPanel")->chosenPots())
+            pots.push_back(chosen - 1);
+        if (pots.empty() && focusedPot)
+            pots.push_back(focusedPot->number() - 1);
+        expectEqual(choice.focusedPot, focusedPot ? focusedPot->number() - 1 : panel::PotChoice::kNone, "focused pot");
+        expectEqual(choice.isPage, qobject_cast<const interface::PageOverview*>(focused) != nullptr, "focused page");
+        expectEqual(choice.pots, pots, "chosen pots");
+        expect(!find<interface::PageOverview>("pageOverview")->drags().isOver(), "a drag has no end");
+    }
+
+    /// Marks and hint against what the files hold now.
+    void lookAtComparison()
+    {
+        using mapping::ComparedWith;
+        const mapping::Comparison& found = controller().comparison();
+        const std::string path = text("labPluginPlistLocation");
+        const std::pair<const char*, ComparedWith> items[] = {{"compareWithNothing", ComparedWith::nothing},
+                                                              {"compareWithSaved", ComparedWith::saved},
+                                                              {"compareWithPrevious", ComparedWith::previous},
+                                                              {"compareWithOriginal", ComparedWith::original},
+                                                              {"compareWithDownloaded", ComparedWith::downloaded}};
+        for (const auto& [item, side] : items) {
+            const fs::path file = mapping::comparedFile(path, side);
+            expectEqual(find<QAction>(item)->isChecked(), side == found.side, std::string("mark of ") + item);
+            expectEqual(canBeDone(item), controller().isMappingLoaded() && (file.empty() || fs::exists(file)),
+                        std::string("whether ") + item + " can be done");
+        }
+        std::vector<platform::Record> other = mapping::plistBuild;
+        if (found.side != ComparedWith::nothing) {
+            const fs::path file = mapping::comparedFile(path, found.side);
+            other = mapping::readMapping(file.empty() ? fs::path(path) : file, std::nullopt).entries;
+        }
+        const auto longer = static_cast<std::int32_t>(std::max(other.size(), mapping::plistBuild.size()));
+        std::vector<std::int32_t> differing;
+        for (std::int32_t position = 0; position < longer; ++position) {
+            if (elementAt(other, position) != elementAt(mapping::plistBuild, position))
+                differing.push_back(position);
+        }
+        expectEqual(found.positions, differing, "pots that differ");
+        const bool isTold =
+            found.side != ComparedWith::nothing || controller().unreadableSide() != ComparedWith::nothing;
+        expectEqual(find<QLabel>("differenceHint")->isVisible(), isTold, "a hint of what differs");
+        if (found.side != ComparedWith::nothing && differing.size() > 1)
+            expect(text("differenceHint").starts_with(std::to_string(differing.size()) + " pots differ from the "),
+                   "hint of what differs: " + text("differenceHint"));
+        for (std::int32_t page = 1; page <= mapping::totalPages && controller().isMappingLoaded(); ++page) {
+            unsigned pots = 0;
+            for (int number = 1; number <= 8; ++number) {
+                const bool differs = std::ranges::binary_search(differing, (page - 1) * 8 + number - 1);
+                pots |= differs ? 1U << static_cast<unsigned>(number - 1) : 0U;
+                if (page == mapping::curPage)
+                    expectEqual(pot(number)->differs(), differs, "mark of pot " + std::to_string(number));
+            }
+            expectEqual(tile(page).data(interface::PageModel::DifferingPots).toUInt(), pots,
+                        "marks of page " + std::to_string(page));
+        }
+    }
+
+    /// What was pasted and is not offered is told until something else is done.
+    void lookAtPasted()
+    {
+        const auto& placed = controller().placed.get();
+        expectEqual(find<QLabel>("placedHint")->isVisible(), !placed.missing.empty(), "a hint of what is not offered");
+        if (!placed.missing.empty())
+            expect(text("placedHint")
+                       .starts_with(std::to_string(placed.placed) + " of " + std::to_string(placed.wanted) +
+                                    " placed; not offered here: "),
+                   "hint of what is not offered: " + text("placedHint"));
     }
 
     /// What a save would write against what a load would read now.
@@ -297,6 +463,7 @@ private:
         if (controller().history().canUndo()) {
             controller().undo();
             controller().redo();
+            expect(find<QLabel>("placedHint")->isHidden(), "what was pasted is told after an undo");
             expect(state() == before, "undo and redo of \"" + before.undoName + "\" do not come back");
         }
         if (controller().history().canRedo()) {

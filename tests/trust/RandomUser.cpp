@@ -6,16 +6,22 @@
 #include "mapping/ParameterOrder.h"
 #include "platform/qt/Text.h"
 #include "tests/support/Alerts.h"
+#include "tests/support/Dragged.h"
 #include "tests/support/TestBaseUrl.h"
 
 #include <QAbstractButton>
+#include <QAction>
+#include <QClipboard>
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QInputMethodEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
 
+#include <algorithm>
 #include <numeric>
 
 namespace test {
@@ -66,7 +72,38 @@ const char* const kCommunityFields[] = {"cwinUserName", "cwinPinCode", "cwinUser
 const char* const kCommunity[] = {
     "kvLoginToCloudAccount", "kv_btn_cloudLibrary",  "kv_btn_cloudLibraryDownload", "cwinLoginAttempt",
     "cwinNewUserCreate",     "kvCommunityUploadBtn", "cwinPlistAvailable",          "kvCommunityLoadSelectedDownload",
+    "previewShared",         "previewShared",
 };
+const char* const kItems[] = {
+    "clearPot",
+    "clearPage",
+    "cutSlots",
+    "copySlots",
+    "copySlots",
+    "pasteSlots",
+    "pasteSlots",
+    "pasteSlots",
+    "insertPot",
+    "removePot",
+    "insertPage",
+    "duplicatePage",
+    "fillFromPot",
+    "fillFromPot",
+    "showOnPanel",
+    "findInList",
+    "nextDifference",
+    "previousDifference",
+    "takePot",
+    "takePage",
+    "compareWithNothing",
+    "compareWithSaved",
+    "compareWithPrevious",
+    "compareWithOriginal",
+    "compareWithDownloaded",
+};
+/// What leaves few pages or makes many.
+const char* const kRareItems[] = {"mapUnmapped", "tidyUp", "tidyUp", "startFromScratch"};
+const char* const kPagesMeant[] = {"1", "2", " 3 ", "99", "k", "volume 1", "\u00e9", "nothing has this"};
 
 struct Key {
     const char* name;
@@ -95,6 +132,18 @@ const Key kKeys[] = {
     {"Ctrl+A", Qt::Key_A, Qt::ControlModifier},
     {"Ctrl+Shift+M", Qt::Key_M, Qt::ControlModifier | Qt::ShiftModifier},
     {"Ctrl+Shift+I", Qt::Key_I, Qt::ControlModifier | Qt::ShiftModifier},
+    {"Ctrl+C", Qt::Key_C, Qt::ControlModifier},
+    {"Ctrl+V", Qt::Key_V, Qt::ControlModifier},
+    {"Ctrl+X", Qt::Key_X, Qt::ControlModifier},
+    {"Ctrl+G", Qt::Key_G, Qt::ControlModifier},
+    {"Ctrl+J", Qt::Key_J, Qt::ControlModifier},
+    {"Ctrl+T", Qt::Key_T, Qt::ControlModifier},
+    {"Ctrl+Return", Qt::Key_Return, Qt::ControlModifier},
+    {"Alt+Down", Qt::Key_Down, Qt::AltModifier},
+    {"Shift+Down", Qt::Key_Down, Qt::ShiftModifier},
+    {"Shift+Up", Qt::Key_Up, Qt::ShiftModifier},
+    {"Shift+Left", Qt::Key_Left, Qt::ShiftModifier},
+    {"Shift+Right", Qt::Key_Right, Qt::ShiftModifier},
     {"Tab", Qt::Key_Tab},
     {"Tab", Qt::Key_Tab},
     {"Shift+Tab", Qt::Key_Backtab, Qt::ShiftModifier},
@@ -153,19 +202,15 @@ std::string replyTo(const std::string& request, std::size_t number)
 } // namespace
 
 const RandomUser::Deed RandomUser::kDeeds[] = {
-    {24, &RandomUser::pressPotButton},
-    {24, &RandomUser::pressButton},
-    {3, &RandomUser::choosePlugin},
-    {14, &RandomUser::chooseRow},
-    {4, &RandomUser::restOnRow},
-    {6, &RandomUser::typeSearch},
-    {20, &RandomUser::pressKey},
-    {1, &RandomUser::sortPlugins},
-    {8, &RandomUser::drop},
-    {4, &RandomUser::choosePage},
-    {5, &RandomUser::useCommunity},
-    {3, &RandomUser::typeForCommunity},
-    {1, &RandomUser::quit},
+    {20, &RandomUser::useItem},         {8, &RandomUser::choosePots},
+    {6, &RandomUser::chooseRows},       {6, &RandomUser::openMenu},
+    {3, &RandomUser::goToPage},         {24, &RandomUser::pressPotButton},
+    {24, &RandomUser::pressButton},     {3, &RandomUser::choosePlugin},
+    {14, &RandomUser::chooseRow},       {4, &RandomUser::restOnRow},
+    {6, &RandomUser::typeSearch},       {20, &RandomUser::pressKey},
+    {1, &RandomUser::sortPlugins},      {14, &RandomUser::drag},
+    {4, &RandomUser::choosePage},       {5, &RandomUser::useCommunity},
+    {3, &RandomUser::typeForCommunity}, {1, &RandomUser::quit},
 };
 
 RandomUser::Chance::Chance(unsigned seed, int step)
@@ -184,6 +229,7 @@ void RandomUser::startOver()
     writeDictionary(thirdParty("Maker", "Large"), orderFile(withGaps(numbered(300))));
     writeDictionary(thirdParty("Ünï", "Écho 界 🌊"), orderFile(ofManyScripts()));
     workspace_.opened.clear();
+    QGuiApplication::clipboard()->clear();
     openCommunity();
     start();
 }
@@ -191,7 +237,9 @@ void RandomUser::startOver()
 void RandomUser::start()
 {
     launch();
-    restTimer().setInterval(kForever); // how far the keys get would otherwise be up to the machine
+    // How far keys and drags get would otherwise be up to the machine.
+    restTimer().setInterval(kForever);
+    dragRestTimer().setInterval(kForever);
     find<QWidget>("cwinMainWindow")->activateWindow();
 }
 
@@ -208,7 +256,11 @@ std::string RandomUser::doSomething(unsigned seed, int step)
     std::string done = (this->*deed->act)(chance);
     QApplication::processEvents();
     // When a download ends would otherwise be up to the machine.
-    waitUntil([this] { return controller().downloadProgress().get().running == 0; });
+    waitUntil([this] {
+        return controller().downloadProgress().get().running == 0 &&
+               controller().sharedPreview().state != ViewController::SharedPreview::State::fetching;
+    });
+    QApplication::processEvents(); // its end is told behind everything else
     return done;
 }
 
@@ -251,6 +303,101 @@ bool RandomUser::isOnTheWay() const
 QTimer& RandomUser::restTimer() const
 {
     return *find("pluginTableView")->findChild<QTimer*>(QStringLiteral("rest"));
+}
+
+QTimer& RandomUser::dragRestTimer() const
+{
+    return *find("pageOverview")->findChild<QTimer*>(QStringLiteral("dragRest"));
+}
+
+std::string RandomUser::useItem(Chance& chance)
+{
+    const char* const name = chance.below(15) ? chance.oneOf(kItems) : chance.oneOf(kRareItems);
+    auto* item = find<QAction>(name);
+    if (!item->isEnabled())
+        return {};
+    item->trigger();
+    return std::string("use ") + name;
+}
+
+std::string RandomUser::choosePots(Chance& chance)
+{
+    if (!isEnabled("kvRotaryBtn1"))
+        return {};
+    if (chance.below(4) == 0) {
+        find<QWidget>("pageOverview")->setFocus(Qt::TabFocusReason);
+        return "go to the tiles";
+    }
+    auto* pot = potAt(chance.below(8) + 1);
+    const std::string name = fromQt(pot->objectName());
+    const Qt::KeyboardModifiers modifiers[] = {Qt::NoModifier, Qt::ShiftModifier, Qt::ControlModifier};
+    const int kind = chance.below(3);
+    if (kind == 0)
+        pot->setFocus(Qt::TabFocusReason);
+    else
+        QTest::mouseClick(pot, Qt::LeftButton, modifiers[kind]);
+    return (kind == 0 ? "go to " : kind == 1 ? "Shift+click " : "Ctrl+click ") + name;
+}
+
+std::string RandomUser::chooseRows(Chance& chance)
+{
+    const char* const list = "tablePlistOfSelectedPlugin";
+    const int rows = find<QAbstractItemView>(list)->model()->rowCount();
+    if (rows == 0)
+        return {};
+    const bool isRange = chance.below(2) != 0;
+    const int selected = std::max(controller().arrayControllerPlistSelected()->selectionIndex(), 0);
+    const int row = isRange ? std::min(selected + chance.below(12), rows - 1) : chance.below(rows);
+    return (isRange ? "Shift+" : "Ctrl+") + clickRowAt(list, row, isRange ? Qt::ShiftModifier : Qt::ControlModifier);
+}
+
+std::string RandomUser::openMenu(Chance& chance)
+{
+    QWidget* over = nullptr;
+    QPoint at;
+    if (chance.below(2)) {
+        over = potAt(chance.below(8) + 1);
+        at = over->rect().center();
+    } else {
+        auto* list = find<QAbstractItemView>(chance.below(2) ? "pageOverview" : "tablePlistOfSelectedPlugin");
+        const int rows = list->model()->rowCount();
+        if (rows == 0)
+            return {};
+        const QModelIndex row = list->model()->index(chance.below(rows), 0);
+        list->scrollTo(row);
+        over = list->viewport();
+        at = list->visualRect(row).center();
+    }
+    if (!over->isEnabled())
+        return {};
+    QContextMenuEvent event(QContextMenuEvent::Mouse, at, over->mapToGlobal(at));
+    QApplication::sendEvent(over, &event);
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    if (!menu)
+        return {};
+    const std::string done = "open " + fromQt(menu->objectName());
+    QAction* item = menu->actions().at(chance.below(static_cast<int>(menu->actions().size())));
+    if (chance.below(3) == 0 || item->isSeparator() || !item->isEnabled()) {
+        QTest::keyClick(menu, Qt::Key_Escape);
+        return done + " and close it";
+    }
+    QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(item).center());
+    return done + " and click " + fromQt(item->objectName());
+}
+
+std::string RandomUser::goToPage(Chance& chance)
+{
+    auto* item = find<QAction>("goToPage");
+    if (!item->isEnabled())
+        return {};
+    item->trigger();
+    const std::string text = chance.oneOf(kPagesMeant);
+    auto* field = find<QLineEdit>("goToPageField");
+    type(field, text);
+    const int end = chance.below(4);
+    if (end > 0)
+        QTest::keyClick(field, end == 1 ? Qt::Key_Escape : Qt::Key_Return);
+    return "go to page \"" + text + (end == 0 ? "\" and leave it" : end == 1 ? "\" and give it up" : "\"");
 }
 
 std::string RandomUser::chooseRow(Chance& chance)
@@ -297,19 +444,77 @@ std::string RandomUser::sortPlugins(Chance& chance)
     return "sort by column " + std::to_string(column);
 }
 
-std::string RandomUser::drop(Chance& chance)
+std::string RandomUser::drag(Chance& chance)
 {
+    using Kind = interface::DragData::Kind;
     if (!isEnabled("kvRotaryBtn1"))
         return {};
-    auto* panel = find<interface::FrontPanel>("frontPanel");
+    const auto& parameters = *controller().arrayControllerPlistSelected();
+    interface::DragData data {
+        .state = controller().historyRevision() + parameters.contentRevision()
+    };
+    std::string done = "drag ";
+    const int page = chance.below(mapping::totalPages) + 1;
     const int pot = chance.below(8) + 1;
-    if (chance.below(2)) {
-        Q_EMIT panel->parametersDropped(pot);
-        return "drop the parameter on pot " + std::to_string(pot);
+    switch (chance.below(3)) {
+    case 0:
+        data.kind = Kind::parameters;
+        for (const platform::Record* selected : parameters.selectedObjects())
+            data.parameters += mapping::isEmptyEntry(*selected) ? 0 : 1;
+        done += std::to_string(data.parameters) + " parameters";
+        break;
+    case 1:
+        data.kind = Kind::pot;
+        data.page = chance.below(2) ? page : mapping::curPage;
+        data.pot = pot;
+        done += "pot " + std::to_string(pot) + " of page " + std::to_string(data.page);
+        break;
+    default:
+        data.kind = Kind::page;
+        data.page = page;
+        done += "page " + std::to_string(page);
     }
-    const int from = chance.below(8) + 1;
-    Q_EMIT panel->potDropped(mapping::curPage, from, pot);
-    return "drop pot " + std::to_string(from) + " on pot " + std::to_string(pot);
+    if (data.kind == Kind::parameters && parameters.selectionIndex() < 0)
+        return {};
+    return done + dropSomewhere(Dragged(data), chance);
+}
+
+std::string RandomUser::dropSomewhere(Dragged&& dragged, Chance& chance)
+{
+    auto* strip = find<QAbstractItemView>("pageOverview");
+    auto* panel = find<interface::FrontPanel>("frontPanel");
+    const int tile = chance.below(strip->model()->rowCount());
+    const QModelIndex index = strip->model()->index(tile, 0);
+    strip->scrollTo(index);
+    const QRect place = strip->visualRect(index);
+    const QPoint at(place.left() + 1 + chance.below(std::max(place.width() - 2, 1)), place.center().y());
+    const std::string onTile = " over tile " + std::to_string(tile + 1);
+    std::string done;
+    bool wasDropped = false;
+    if (chance.below(3) == 0) {
+        dragged.enter(*strip->viewport(), at);
+        dragged.move(*strip->viewport(), at);
+        if (dragRestTimer().isActive()) {
+            dragRestTimer().start(0);
+            waitUntil([this] { return !dragRestTimer().isActive(); });
+            dragRestTimer().setInterval(kForever);
+            done += onTile + ", rest,";
+        }
+        Dragged::leave(*strip->viewport());
+    }
+    const int where = chance.below(5);
+    if (where < 2) {
+        const int pot = chance.below(8) + 1;
+        wasDropped = dragged.dropOn(*panel, potAt(pot)->geometry().center());
+        done += " onto pot " + std::to_string(pot);
+    } else if (where < 4) {
+        wasDropped = dragged.dropOn(*strip->viewport(), at);
+        done += onTile + " and let it go";
+    } else {
+        done += " and give it up";
+    }
+    Q_EMIT panel->dragEnded(wasDropped); // as of what was dragged
+    return done;
 }
 
 std::string RandomUser::choosePage(Chance& chance)
@@ -366,14 +571,19 @@ std::string RandomUser::clickButton(const char* name)
     return std::string("click ") + name;
 }
 
-std::string RandomUser::clickRowAt(const char* list, int row)
+QWidget* RandomUser::potAt(int number) const
+{
+    return find<QWidget>(("kvRotaryBtn" + std::to_string(number)).c_str());
+}
+
+std::string RandomUser::clickRowAt(const char* list, int row, Qt::KeyboardModifiers modifiers)
 {
     auto* view = find<QAbstractItemView>(list);
     if (!view->isVisible() || row >= view->model()->rowCount())
         return {};
     const QModelIndex index = view->model()->index(row, 0);
     view->scrollTo(index);
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, view->visualRect(index).center());
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, view->visualRect(index).center());
     return "click row " + std::to_string(row) + " of " + list;
 }
 

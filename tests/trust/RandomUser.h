@@ -14,6 +14,8 @@ class QTimer;
 
 namespace test {
 
+class Dragged;
+
 class RandomUser : public WindowTest {
 protected:
     /// Whether keys have moved in the list of plug-ins and not rested yet. They rest at a step of its own.
@@ -60,16 +62,25 @@ private:
     std::string typeSearch(Chance& chance);
     std::string pressKey(Chance& chance);
     std::string sortPlugins(Chance& chance);
-    std::string drop(Chance& chance);
+    std::string drag(Chance& chance);
+    std::string useItem(Chance& chance);
+    std::string choosePots(Chance& chance);
+    std::string chooseRows(Chance& chance);
+    std::string openMenu(Chance& chance);
+    std::string goToPage(Chance& chance);
     std::string choosePage(Chance& chance);
     std::string useCommunity(Chance& chance);
     std::string typeForCommunity(Chance& chance);
     std::string quit(Chance& chance);
 
     QTimer& restTimer() const;
+    QTimer& dragRestTimer() const;
+    QWidget* potAt(int number) const;
+    /// Takes what is dragged over tiles and pots, and lets it go there or gives it up.
+    std::string dropSomewhere(Dragged&& dragged, Chance& chance);
     static void type(QWidget* field, const std::string& text);
     std::string clickButton(const char* name);
-    std::string clickRowAt(const char* list, int row);
+    std::string clickRowAt(const char* list, int row, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void openCommunity();
     void start();
 
