@@ -433,8 +433,7 @@ class Model:
             self.choose_row(next((row for row, at in enumerate(self.shown) if at in rows), -1))
             return self.selected >= 0
         if not select():
-            if self.only_unmapped:
-                self.show_only_unmapped("0")
+            self.show_only_unmapped("0")
             if not select():
                 self.look_for("")
                 select()
@@ -460,8 +459,9 @@ class Model:
         self.plugin_rows = {name for name in self.listed if name == self.row or self.finds_plugin(words, name)}
 
     def show_only_unmapped(self, only):
-        self.only_unmapped = only == "1"
-        self.arrange()
+        if self.only_unmapped != (only == "1"):
+            self.only_unmapped = only == "1"
+            self.arrange()
 
     # Drafts
 
@@ -892,8 +892,9 @@ class Model:
         contents = [self.mapping[place][:2] for place in self.meant()]
         # An empty slot is copied as such, whatever its number.
         self.copied = self.path, self.is_page_meant, [["0", "-"] if c[1] == "-" else c for c in contents]
-        self.clipboard = "\n".join(f"Page {place // 8 + 1}, Pot {place % 8 + 1}: " + (c[1] if c[1] == "-" else joined(c))
-                                   for place, c in zip(self.meant(), contents))
+        self.clipboard = "\n".join(f"Page {place // 8 + 1}, Pot {place % 8 + 1}: "
+                                   + (content[1] if content[1] == "-" else joined(content))
+                                   for place, content in zip(self.meant(), contents))
 
     def cut(self, _):
         def take_out():
@@ -1168,8 +1169,8 @@ class Model:
 
 # Random files and operations
 
-WORDS = ["Cutoff", "Freq", "Volume", "Master volume", "cutoff", "GROSSE", "Osc 1 Level", "R&D <b>", "Größe", "音量", "a  b", "-", "", "Mix",
-         "\U0001f39b", "Q", "'quoted'", "100%@", "x" * 60]
+WORDS = ["Cutoff", "Freq", "Volume", "Master volume", "cutoff", "GROSSE", "Osc 1 Level", "R&D <b>", "Größe", "音量", "a  b", "-",
+         "", "Mix", "\U0001f39b", "Q", "'quoted'", "100%@", "x" * 60]
 
 
 def random_element(dice):
@@ -1207,8 +1208,8 @@ def random_bytes(dice):
     return plistlib.dumps(random_dictionary(dice), fmt=form, sort_keys=False)
 
 
-OPERATIONS = (["pot"] * 12 + ["row"] * 6 + ["new"] * 3 + ["delete"] * 2 + ["clear"] + ["previous", "next", "first", "last"]
-              + ["page"] * 2 + ["move first", "move last", "move previous", "move next"] * 2 + ["exchange"] * 3
+OPERATIONS = (["pot"] * 12 + ["row"] * 6 + ["new"] * 3 + ["delete"] * 2 + ["clear"]
+              + ["previous", "next", "first", "last"] + ["page"] * 2 + ["move first", "move last", "move previous", "move next"] * 2 + ["exchange"] * 3
               + ["mode"] + ["save"] * 2 + ["recall original", "recall previous"] + ["chart"] + ["downloaded"]
               + ["plugin"] * 2 + ["undo"] * 6 + ["redo"] * 4 + ["keep"] * 2 + ["bring back"] * 2 + ["discard"]
               + ["choose"] * 10 + ["rows"] * 5 + ["clearPot"] * 2 + ["clearPage", "startFromScratch", "tidyUp"]
