@@ -106,8 +106,9 @@ private:
     template <typename T>
     void expectEqual(const T& actual, const T& expected, const std::string& what)
     {
-        expect(actual == expected,
-               what + ": " + testing::PrintToString(actual) + " instead of " + testing::PrintToString(expected));
+        if (!(actual == expected))
+            expect(false,
+                   what + ": " + testing::PrintToString(actual) + " instead of " + testing::PrintToString(expected));
     }
 
     void look()
@@ -215,31 +216,38 @@ private:
     QModelIndex tile(int page) { return find<QAbstractItemView>("pageOverview")->model()->index(page - 1, 0); }
     interface::Pot* pot(int number) { return find<interface::Pot>(("kvRotaryBtn" + std::to_string(number)).c_str()); }
     bool canBeDone(const char* item) { return find<QAction>(item)->isEnabled(); }
-    static std::string elementAt(const std::vector<platform::Record>& entries, std::int32_t position)
+    /// A bit for each pot of these positions, page by page.
+    static std::vector<unsigned> potsByPage(const std::vector<std::int32_t>& positions)
     {
-        const auto at = static_cast<std::size_t>(position);
-        return at < entries.size() ? mapping::elementFromEntry(entries[at]) : mapping::kEmptyElement;
+        std::vector<unsigned> pots(static_cast<std::size_t>(mapping::totalPages));
+        for (const std::int32_t position : positions) {
+            if (position < mapping::totalPages * 8)
+                pots.at(static_cast<std::size_t>(position / 8)) |= 1U << static_cast<unsigned>(position % 8);
+        }
+        return pots;
     }
 
     /// Rings are where the selected parameter stands.
     void lookAtSelection()
     {
         const platform::Record* selected = controller().arrayControllerPlistSelected()->selection();
-        const std::string element = selected ? mapping::elementFromEntry(*selected) : mapping::kEmptyElement;
+        std::vector<std::int32_t> positions;
+        for (std::int32_t i = 0; selected && i < static_cast<std::int32_t>(mapping::plistBuild.size()); ++i) {
+            const platform::Record& entry = mapping::plistBuild[static_cast<std::size_t>(i)];
+            if (!mapping::isEmptyEntry(entry) && mapping::isSameParameter(entry, *selected))
+                positions.push_back(i);
+        }
+        const std::vector<unsigned> rings = potsByPage(positions);
         bool isPlaced = false;
         for (int page = 1; page <= mapping::totalPages && controller().isMappingLoaded(); ++page) {
-            bool isOnPage = false;
-            for (int number = 1; number <= 8; ++number) {
-                const bool isThere = element != mapping::kEmptyElement &&
-                                     elementAt(mapping::plistBuild, (page - 1) * 8 + number - 1) == element;
-                isOnPage = isOnPage || isThere;
-                if (page == mapping::curPage)
-                    expectEqual(pot(number)->accessibleDescription().startsWith(QLatin1String("Holds the selected")),
-                                isThere, "ring of pot " + std::to_string(number));
-            }
-            expectEqual(tile(page).data(interface::PageModel::HoldsSelected).toBool(), isOnPage,
+            const unsigned pots = rings[static_cast<std::size_t>(page - 1)];
+            isPlaced = isPlaced || pots != 0;
+            expectEqual(tile(page).data(interface::PageModel::HoldsSelected).toBool(), pots != 0,
                         "ring of page " + std::to_string(page));
-            isPlaced = isPlaced || isOnPage;
+            for (int number = 1; number <= 8 && page == mapping::curPage; ++number)
+                expectEqual(pot(number)->accessibleDescription().startsWith(QLatin1String("Holds the selected")),
+                            (pots >> static_cast<unsigned>(number - 1) & 1U) != 0,
+                            "ring of pot " + std::to_string(number));
         }
         expectEqual(canBeDone("showOnPanel"), isPlaced, "whether the selected parameter can be shown on the panel");
     }
@@ -307,34 +315,35 @@ private:
             expectEqual(canBeDone(item), controller().isMappingLoaded() && (file.empty() || fs::exists(file)),
                         std::string("whether ") + item + " can be done");
         }
-        std::vector<platform::Record> other = mapping::plistBuild;
+        std::vector<std::int32_t> differing;
         if (found.side != ComparedWith::nothing) {
             const fs::path file = mapping::comparedFile(path, found.side);
-            other = mapping::readMapping(file.empty() ? fs::path(path) : file, std::nullopt).entries;
-        }
-        const auto longer = static_cast<std::int32_t>(std::max(other.size(), mapping::plistBuild.size()));
-        std::vector<std::int32_t> differing;
-        for (std::int32_t position = 0; position < longer; ++position) {
-            if (elementAt(other, position) != elementAt(mapping::plistBuild, position))
-                differing.push_back(position);
+            Texts there =
+                mapping::orderOf(mapping::readMapping(file.empty() ? fs::path(path) : file, std::nullopt).entries);
+            Texts here = mapping::orderOf(mapping::plistBuild);
+            const std::size_t longer = std::max(here.size(), there.size());
+            here.resize(longer, mapping::kEmptyElement);
+            there.resize(longer, mapping::kEmptyElement);
+            for (std::size_t i = 0; i < longer; ++i) {
+                if (here[i] != there[i])
+                    differing.push_back(static_cast<std::int32_t>(i));
+            }
+            if (differing.size() > 1)
+                expect(text("differenceHint").starts_with(std::to_string(differing.size()) + " pots differ from the "),
+                       "hint of what differs: " + text("differenceHint"));
         }
         expectEqual(found.positions, differing, "pots that differ");
-        const bool isTold =
-            found.side != ComparedWith::nothing || controller().unreadableSide() != ComparedWith::nothing;
-        expectEqual(find<QLabel>("differenceHint")->isVisible(), isTold, "a hint of what differs");
-        if (found.side != ComparedWith::nothing && differing.size() > 1)
-            expect(text("differenceHint").starts_with(std::to_string(differing.size()) + " pots differ from the "),
-                   "hint of what differs: " + text("differenceHint"));
+        expectEqual(find<QLabel>("differenceHint")->isVisible(),
+                    found.side != ComparedWith::nothing || controller().unreadableSide() != ComparedWith::nothing,
+                    "a hint of what differs");
+        const std::vector<unsigned> marks = potsByPage(differing);
         for (std::int32_t page = 1; page <= mapping::totalPages && controller().isMappingLoaded(); ++page) {
-            unsigned pots = 0;
-            for (int number = 1; number <= 8; ++number) {
-                const bool differs = std::ranges::binary_search(differing, (page - 1) * 8 + number - 1);
-                pots |= differs ? 1U << static_cast<unsigned>(number - 1) : 0U;
-                if (page == mapping::curPage)
-                    expectEqual(pot(number)->differs(), differs, "mark of pot " + std::to_string(number));
-            }
+            const unsigned pots = marks[static_cast<std::size_t>(page - 1)];
             expectEqual(tile(page).data(interface::PageModel::DifferingPots).toUInt(), pots,
                         "marks of page " + std::to_string(page));
+            for (int number = 1; number <= 8 && page == mapping::curPage; ++number)
+                expectEqual(pot(number)->differs(), (pots >> static_cast<unsigned>(number - 1) & 1U) != 0,
+                            "mark of pot " + std::to_string(number));
         }
     }
 
