@@ -7,6 +7,7 @@
 #include "panel/Pages.h"
 #include "platform/files/Files.h"
 
+#include <filesystem>
 #include <utility>
 
 using mapping::ComparedWith;
@@ -38,8 +39,10 @@ void ViewController::compareWithDownloaded(Sender)
 
 bool ViewController::canCompareWith(ComparedWith side) const
 {
-    const auto file = mapping::comparedFile(labPluginPlistLocation()->stringValue.get(), side);
-    return isMappingLoaded() && (file.empty() || platform::files::exists(file));
+    const std::filesystem::path plugin = labPluginPlistLocation()->stringValue.get();
+    if (!isMappingLoaded() || side == ComparedWith::nothing)
+        return isMappingLoaded();
+    return platform::files::exists(side == ComparedWith::saved ? plugin : mapping::comparedFile(plugin, side));
 }
 
 void ViewController::compareWith(ComparedWith side)

@@ -59,16 +59,19 @@ void findFoldedNames(Wanted& wanted, std::span<const platform::Record> parameter
         if (!named.first)
             missing[fold(name)].push_back(&named);
     }
+    if (missing.empty())
+        return;
     for (const platform::Record& parameter : parameters) {
-        if (missing.empty())
-            return;
         const auto alike =
             mapping::isEmptyEntry(parameter) ? missing.end() : missing.find(fold(parameter.text(mapping::kParameter)));
         if (alike == missing.end())
             continue;
-        for (Named* named : alike->second)
-            named->first = &parameter;
-        missing.erase(alike);
+        for (Named* named : alike->second) {
+            take(named->first, parameter);
+            const auto numbered = named->byNumber.find(parameter.text(mapping::kParamNum));
+            if (numbered != named->byNumber.end())
+                take(numbered->second, parameter);
+        }
     }
 }
 

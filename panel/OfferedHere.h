@@ -17,8 +17,8 @@ namespace panel {
 /// A name without what does not count when names are compared.
 using FoldName = std::function<std::string(std::string_view)>;
 
-/// What the list has for each of the contents: of the same number and name, else of the same name, else of the same
-/// name as it is folded, the first of several. An empty content stays one; what is not offered is none.
+/// What the list has for each of the contents: of the same number and name, else of the same name, else as names are
+/// folded; the first of several. An empty content stays one; what is not offered is none.
 std::vector<std::optional<SlotContent>> offeredHere(std::span<const SlotContent> contents,
                                                     std::span<const platform::Record> parameters, const FoldName& fold);
 

@@ -23,6 +23,8 @@ std::span<const Action> Action::all()
                       .button = itsButton,
                       .toolTip = QT_TR_NOOP("Put the selected parameter on pot %1")};
     };
+    // By its text a Mac's own dialogs find the item whose key they may use meanwhile.
+    constexpr auto kForTexts = QAction::TextHeuristicRole;
     // A row: what it is, what it does, what its button says.
     // clang-format off
     static const Action table[] = {
@@ -71,15 +73,15 @@ std::span<const Action> Action::all()
          .menu = Menu::edit, .keys = QKeySequence::Redo, .repeats = true, .call = &VC::redo,
          .button = "redoButton", .row = ButtonRow::history, .isSymbolOnly = true},
         {.name = "cutSlots", .text = QT_TR_NOOP("Cut"),
-         .menu = Menu::edit, .beginsSection = true, .keys = QKeySequence::Cut, .contexts = kOnPots | kOnTiles,
+         .menu = Menu::edit, .beginsSection = true, .role = kForTexts, .keys = QKeySequence::Cut, .contexts = kOnPots | kOnTiles,
          .needs = Needs::slots, .call = &VC::cutSlots,
          .toolTip = QT_TR_NOOP("Copy the chosen pots and empty them, or take the page out")},
         {.name = "copySlots", .text = QT_TR_NOOP("Copy"),
-         .menu = Menu::edit, .keys = QKeySequence::Copy, .contexts = kOnPots | kOnTiles,
+         .menu = Menu::edit, .role = kForTexts, .keys = QKeySequence::Copy, .contexts = kOnPots | kOnTiles,
          .needs = Needs::slots, .call = &VC::copySlots,
          .toolTip = QT_TR_NOOP("Copy the chosen pots, or the page")},
         {.name = "pasteSlots", .text = QT_TR_NOOP("Paste"),
-         .menu = Menu::edit, .keys = QKeySequence::Paste, .contexts = kOnPots | kOnTiles,
+         .menu = Menu::edit, .role = kForTexts, .keys = QKeySequence::Paste, .contexts = kOnPots | kOnTiles,
          .needs = Needs::copied, .call = &VC::pasteSlots,
          .toolTip = QT_TR_NOOP("Lay copied pots on this one and the following, or put copied pages behind this page")},
         {.name = "clearPot", .text = QT_TR_NOOP("Clear Pot"), .symbol = "clear",
@@ -101,14 +103,14 @@ std::span<const Action> Action::all()
          .button = "unmappedOnly", .caption = QT_TR_NOOP("Not mapped yet"),
          .toolTip = QT_TR_NOOP("Show only parameters that stand on no pot")},
         {.name = "mapUnmapped", .text = QT_TR_NOOP("Map All Not Mapped Yet"),
-         .menu = Menu::edit, .keys = "Ctrl+Shift+Return", .contexts = kOnParameters, .needs = Needs::mapping,
+         .menu = Menu::edit, .keys = "Ctrl+Shift+Return", .contexts = kOnParameters, .needs = Needs::unmapped,
          .call = &VC::mapUnmapped,
          .toolTip = QT_TR_NOOP("Lay every parameter that stands on no pot behind the last mapped pot")},
         {.name = "showOnPanel", .text = QT_TR_NOOP("Show on Panel"),
          .menu = Menu::edit, .keys = "Ctrl+J", .contexts = kOnParameters, .repeats = true, .needs = Needs::placed, .call = &VC::showOnPanel,
          .toolTip = QT_TR_NOOP("Show the page on which the selected parameter stands; again: the next such page")},
         {.name = "findInList", .text = QT_TR_NOOP("Find in List"),
-         .menu = Menu::edit, .keys = "Ctrl+Shift+F", .contexts = kOnPots, .needs = Needs::pot,
+         .menu = Menu::edit, .keys = "Ctrl+Shift+F", .contexts = kOnPots, .needs = Needs::mappedPot,
          .toolTip = QT_TR_NOOP("Select the pot's parameter in the list")},
         putOnPot(1, "kvRotBtn1_Pressed", "kvRotaryBtn1", &VC::kvRotBtn1_Pressed),
         putOnPot(2, "kvRotBtn2_Pressed", "kvRotaryBtn2", &VC::kvRotBtn2_Pressed),
@@ -119,7 +121,8 @@ std::span<const Action> Action::all()
         putOnPot(7, "kvRotBtn7_Pressed", "kvRotaryBtn7", &VC::kvRotBtn7_Pressed),
         putOnPot(8, "kvRotBtn8_Pressed", "kvRotaryBtn8", &VC::kvRotBtn8_Pressed),
         {.name = "fillFromPot", .text = QT_TR_NOOP("Fill Pots With Selection"),
-         .menu = Menu::edit, .keys = "Ctrl+Return", .contexts = kOnPots | kOnParameters, .needs = Needs::plugin, .call = &VC::fillFromPot,
+         .menu = Menu::edit, .keys = "Ctrl+Return", .contexts = kOnPots | kOnParameters,
+         .needs = Needs::selected, .call = &VC::fillFromPot,
          .toolTip = QT_TR_NOOP("Lay the selected parameters on the focused pot, or the first empty one, and those that "
                                "follow")},
         {.name = "modeInstrument", .text = QT_TR_NOOP("Instrument Mode"),

@@ -35,13 +35,16 @@ enum class Mark { none, check, choice };
 
 /// What an action can do nothing without.
 enum class Needs {
-    nothing, ///< or what only its own operation knows, which enables it: undo, redo, drafts, share
-    mapping, ///< one is loaded
-    plugin,  ///< and its plug-in is the selected row
-    placed,  ///< a mapping, and the selected parameter stands on a pot of it
-    pot,     ///< a mapping, and a pot has the focus
-    slots,   ///< or the tile of a page has
-    copied,  ///< a mapping, slots that were copied on the clipboard, and no text field that has the focus
+    nothing,   ///< or what only its own operation knows, which enables it: undo, redo, drafts, share
+    mapping,   ///< one is loaded
+    plugin,    ///< and its plug-in is the selected row
+    selected,  ///< and a parameter of the list is selected that is not the blank entry
+    placed,    ///< a mapping, and the selected parameter stands on a pot of it
+    unmapped,  ///< a mapping, and a parameter of the list stands on no pot of it
+    pot,       ///< a mapping, and a pot has the focus
+    mappedPot, ///< and a parameter stands on it
+    slots,     ///< a mapping, and a pot or the tile of a page has the focus
+    copied,    ///< a mapping, slots that were copied on the clipboard, and no text field that has the focus
 };
 
 /// Places of the main window with context menus and plain keys of their own; together where one is not enough.

@@ -13,6 +13,7 @@
 #include <QAction>
 #include <QLabel>
 #include <QLocale>
+#include <QMenu>
 
 #include <algorithm>
 #include <array>
@@ -108,6 +109,11 @@ ComparisonView::ComparisonView(ViewController& controller, const Interface& load
     connections_.push_back(controller_.editingChanged.connect([this] { refresh(); }));
     connections_.push_back(controller_.potChoice.onChange([this](const auto&) { enableWhatCanBeDone(); }));
     connections_.push_back(controller_.potGoneTo.connect([this](std::int32_t pot) { panel_->focusPot(pot + 1); }));
+    // Files come and go without the program.
+    for (QObject* place : next_->associatedObjects()) {
+        if (auto* menu = qobject_cast<QMenu*>(place))
+            QObject::connect(menu, &QMenu::aboutToShow, hint_, [this] { enableWhatCanBeDone(); });
+    }
     refresh();
 }
 
@@ -145,7 +151,8 @@ void ComparisonView::showHint()
         text = tr("Nothing is compared: %1 cannot be read").arg(nameOf(controller_.unreadableSide()));
     else if (controller_.comparison().side != ComparedWith::nothing)
         text = hintText(controller_.comparison());
-    const bool isNew = hint_->isHidden() && !text.isEmpty();
+    const auto sides = std::pair(controller_.comparison().side, controller_.unreadableSide());
+    const bool isNew = std::exchange(toldSides_, sides) != sides && !text.isEmpty();
     hint_->setText(text);
     hint_->setVisible(!text.isEmpty());
     if (!isNew)

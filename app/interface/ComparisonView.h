@@ -40,6 +40,7 @@ private:
     FrontPanel* panel_;
     PageOverview* overview_;
     QLabel* hint_;
+    std::pair<mapping::ComparedWith, mapping::ComparedWith> toldSides_ = {}; ///< compared with, unreadable
     std::map<mapping::ComparedWith, QAction*> choices_;
     QAction* next_;
     QAction* previous_;

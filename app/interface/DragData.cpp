@@ -6,6 +6,7 @@
 #include <QDataStream>
 #include <QIODevice>
 #include <QMimeData>
+#include <QRandomGenerator>
 #include <QString>
 
 namespace interface {
@@ -23,6 +24,13 @@ bool isWhole(const DragData& drag)
     }
 }
 
+/// Another number in every running program: what was dragged in another one is of another mapping.
+quint64 ownNumber()
+{
+    static const quint64 number = QRandomGenerator::global()->generate64();
+    return number;
+}
+
 } // namespace
 
 DragData DragData::of(const QMimeData& mime, quint64 state)
@@ -31,8 +39,9 @@ DragData DragData::of(const QMimeData& mime, quint64 state)
         DragData drag{.kind = kind};
         const QByteArray content = mime.data(QString::fromLatin1(drag.type()));
         QDataStream in(content);
-        in >> drag.state >> drag.parameters >> drag.page >> drag.pot;
-        if (in.status() == QDataStream::Ok && drag.state == state && isWhole(drag))
+        quint64 number = 0;
+        in >> number >> drag.state >> drag.parameters >> drag.page >> drag.pot;
+        if (in.status() == QDataStream::Ok && number == ownNumber() && drag.state == state && isWhole(drag))
             return drag;
     }
     return {};
@@ -51,7 +60,7 @@ QByteArray DragData::content() const
 {
     QByteArray content;
     QDataStream out(&content, QIODevice::WriteOnly);
-    out << state << parameters << page << pot;
+    out << ownNumber() << state << parameters << page << pot;
     return content;
 }
 

@@ -35,6 +35,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -217,6 +218,11 @@ bool EditingView::eventFilter(QObject* watched, QEvent* event)
 
 void EditingView::arrangeParameters()
 {
+    using Rows = std::vector<const platform::Record*>;
+    const auto selected = std::make_shared<Rows>(); // by address, while the rows are arranged
+    const auto isSelected = [selected](const platform::Record& parameter) {
+        return std::ranges::binary_search(*selected, &parameter, std::less());
+    };
     qt::Search search{{mapping::kParamNum, mapping::kParameter}};
     search.findsToo = [this](const QString& word) -> std::function<bool(const platform::Record&)> {
         const auto pots = mapping::potsMeant(qt::fromQt(word));
@@ -233,23 +239,24 @@ void EditingView::arrangeParameters()
         };
     };
     // Above the parameters stands the blank entry. And while an edit changes what is on the pots that are searched, the
-    // selected row stays: the next press goes on from it.
-    search.stays = [this](const platform::ArrayController& list, std::size_t row) {
-        return row == 0 || (&list.content()[row] == list.selection() && list.filterText.get() == searched_);
+    // selected rows stay: the next press, or filling, goes on from them.
+    search.stays = [this, isSelected](const platform::ArrayController& list, std::size_t row) {
+        return row == 0 || (list.filterText.get() == searched_ && isSelected(list.content()[row]));
     };
-    const auto arranged = [this, found = qt::searching(std::move(search))](const platform::ArrayController& list) {
+    const auto arranged = [this, selected, isSelected,
+                           found = qt::searching(std::move(search))](const platform::ArrayController& list) {
+        *selected = list.selectedObjects();
+        std::ranges::sort(*selected, std::less());
         auto rows = found(list);
         searched_ = list.filterText.get();
-        // Selected rows stay although they were mapped just now, for the same reason.
-        auto selected = list.selectedObjects();
-        std::ranges::sort(selected, std::less());
+        // They stay although they were mapped just now, for the same reason.
         const auto isMapped = [&](std::size_t row) {
             const platform::Record& parameter = list.content()[row];
-            return !std::ranges::binary_search(selected, &parameter, std::less()) &&
-                   controller_.mappedPots().isOnPot(parameter);
+            return !isSelected(parameter) && controller_.mappedPots().isOnPot(parameter);
         };
         if (unmappedOnly_->isChecked())
             std::erase_if(rows, isMapped);
+        selected->clear();
         return rows;
     };
     controller_.arrayControllerPlistSelected()->setArrangement(arranged);
@@ -339,14 +346,27 @@ void EditingView::enableWhatCanBeDone()
 {
     const bool hasMapping = controller_.isMappingLoaded();
     const bool hasPlugin = controller_.isPluginBeingEdited();
-    const panel::PotChoice& choice = controller_.potChoice.get();
+    // Pots that cannot be used hand the focus on, and to the strip it would mean the whole page.
+    if (!hasPlugin && panel_->isAncestorOf(window_->focusWidget()))
+        plugins_->setFocus(Qt::OtherFocusReason);
+    const panel::PotChoice choice = controller_.potChoice.get();
     const bool hasPot = hasMapping && choice.focusedPot != panel::PotChoice::kNone;
     const bool hasSlots = hasPot || (hasMapping && choice.isPage);
+    const mapping::MappedPots& pots = controller_.mappedPots();
+    const auto selected = controller_.arrayControllerPlistSelected()->selectedObjects();
+    const bool isAnySelected = std::ranges::any_of(
+        selected, [](const platform::Record* parameter) { return !mapping::isEmptyEntry(*parameter); });
     const auto canBeDone = [&](Needs needs) {
         switch (needs) {
         case Needs::plugin: return hasPlugin;
         case Needs::placed: return hasMapping && isSelectedPlaced_;
+        case Needs::unmapped: return hasMapping && pots.mappedCount() < pots.parameterCount();
         case Needs::pot: return hasPot;
+        case Needs::mappedPot:
+            return hasPot &&
+                   panel::contentAt(mapping::plistBuild, panel::slotFor(mapping::curPage, choice.focusedPot)).name !=
+                       mapping::kEmptyName;
+        case Needs::selected: return hasPlugin && isAnySelected;
         case Needs::slots: return hasSlots;
         case Needs::copied: return hasMapping && !choice.isText && controller_.canPaste();
         default: return hasMapping;

@@ -104,7 +104,13 @@ bool GoToPage::eventFilter(QObject*, QEvent* event)
         if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason && reason != Qt::MenuBarFocusReason)
             hide();
     }
-    return false;
+    if (event->type() != QEvent::ShortcutOverride)
+        return false;
+    const auto* key = static_cast<QKeyEvent*>(event);
+    const bool leaves = key->matches(QKeySequence::Close) || key->matches(QKeySequence::Quit);
+    if (!leaves)
+        event->accept(); // no item of the menu bar changes the pages below it
+    return !leaves;
 }
 
 void GoToPage::keyPressEvent(QKeyEvent* event)

@@ -309,7 +309,8 @@ void Interface::connectPanel()
     contextMenus_ = std::make_unique<ContextMenus>(*this, [this](const QWidget* meant) { choosePots(meant); });
     // A menu is opened to do something with what had the focus. Followed for as long as this has its windows.
     QObject::connect(qApp, &QApplication::focusChanged, contextMenus_.get(), [this](QWidget*, const QWidget* now) {
-        if (now && !qobject_cast<const QMenuBar*>(now) && !qobject_cast<const QMenu*>(now))
+        // An alert gives it back.
+        if (now && !qobject_cast<const QMenuBar*>(now) && !qobject_cast<const QMenu*>(now) && !now->window()->isModal())
             choosePots(now);
     });
     QObject::connect(panel, &FrontPanel::choiceChanged, contextMenus_.get(),

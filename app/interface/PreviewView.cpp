@@ -9,6 +9,7 @@
 #include "platform/qt/RecordSort.h"
 #include "platform/qt/Text.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QLabel>
 #include <QLocale>
@@ -76,6 +77,10 @@ void PreviewView::show()
     countedIn_ = {};
     followEdit();
     places_->setCurrentIndex(isShown ? 1 : 0);
+    if (preview.state == State::none || preview.state == State::fetching)
+        return;
+    QAccessibleEvent told(isShown ? summary_ : hint_, QAccessible::Alert);
+    QAccessible::updateAccessibility(&told);
 }
 
 void PreviewView::followEdit()

@@ -373,7 +373,8 @@ void RecordListView::waitForRest()
 void RecordListView::rested()
 {
     // What is being done acts on the row that is chosen, to its end.
-    if (isKeyHeld_ || QApplication::activeModalWidget() || QGuiApplication::mouseButtons() != Qt::NoButton)
+    const bool isOpen = QApplication::activeModalWidget() || QApplication::activePopupWidget();
+    if (isKeyHeld_ || isOpen || QGuiApplication::mouseButtons() != Qt::NoButton)
         rest_.start();
     else if (const std::int32_t row = selectedRow(); row != ArrayController::kNoSelection)
         choose(row);

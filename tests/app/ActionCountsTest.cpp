@@ -102,7 +102,10 @@ protected:
     {
         return std::string(mapping::nameAt(mapping::plistBuild, (page - 1) * mapping::kPotsPerPage + pot - 1));
     }
-    std::string selectedNumber() { return controller().arrayControllerPlistSelected()->selectionText(mapping::kParamNum); }
+    std::string selectedNumber()
+    {
+        return controller().arrayControllerPlistSelected()->selectionText(mapping::kParamNum);
+    }
 
     /// Of those that are listed; the first one's where there is none.
     std::int32_t rowOf(const std::string& number) const
@@ -190,7 +193,8 @@ TEST_F(ActionCounts, ScatteredParametersAreFoundByTheirNumbersAndPutOnPots)
         if (i > 0 && i % 8 == 0)
             key(Qt::Key_PageDown, Qt::AltModifier);
         type(number);
-        while (selectedRow("tablePlistOfSelectedPlugin") > rowOf(number)) // one that was selected stays while it is found
+        while (selectedRow("tablePlistOfSelectedPlugin") >
+               rowOf(number)) // one that was selected stays while it is found
             key(Qt::Key_Up);
         while (selectedRow("tablePlistOfSelectedPlugin") < rowOf(number))
             key(Qt::Key_Down);

@@ -12,6 +12,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QTest>
+#include <QTimer>
 
 #include <string>
 #include <vector>
@@ -206,6 +207,46 @@ TEST_F(EditsWindowTest, ChosenPotsLookDifferent)
     focusPot(2);
     EXPECT_EQ(pot(2)->grab().toImage(), focused);
     EXPECT_EQ(pot(1)->grab().toImage(), plain);
+}
+
+TEST_F(EditsWindowTest, AfterARescanNothingIsMeantThatWasNotBefore)
+{
+    load();
+    focusPot(2);
+    find<QAction>("btnRunCheck")->trigger();
+    EXPECT_EQ(QApplication::focusWidget(), find<>("pluginTableView"));
+    EXPECT_FALSE(controller().potChoice.get().isPage);
+    key(Qt::Key_Backspace);
+    EXPECT_EQ(pots(), "A B C D ");
+    EXPECT_FALSE(canDo("cutSlots"));
+}
+
+TEST_F(EditsWindowTest, AnAlertLeavesTheChoice)
+{
+    load();
+    focusPot(1);
+    key(Qt::Key_Right, Qt::ShiftModifier);
+    std::vector<std::int32_t> meanwhile;
+    QTimer::singleShot(0, &*find<>("cwinMainWindow"), [&] { meanwhile = chosen(); });
+    alertsOf([this] { find<QAction>("kvExportToPlist")->trigger(); });
+    EXPECT_THAT(meanwhile, ElementsAre(0, 1));
+    EXPECT_THAT(chosen(), ElementsAre(0, 1));
+}
+
+TEST_F(EditsWindowTest, WhatCouldDoNothingIsOff)
+{
+    load({"1 A", "2 B", "-1", "4 D"});
+    focusPot(3);
+    EXPECT_FALSE(canDo("findInList")) << "the pot is empty";
+    EXPECT_FALSE(canDo("fillFromPot")) << "the blank entry is selected";
+    EXPECT_FALSE(canDo("mapUnmapped")) << "all are mapped";
+    focusPot(2);
+    EXPECT_TRUE(canDo("findInList"));
+    chooseParameter("D");
+    EXPECT_TRUE(canDo("fillFromPot"));
+    focusPot(2);
+    trigger("clearPot");
+    EXPECT_TRUE(canDo("mapUnmapped"));
 }
 
 TEST_F(EditsWindowTest, AMenuOnAPotFocusesItWithoutPressing)

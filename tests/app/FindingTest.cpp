@@ -386,6 +386,17 @@ TEST_F(PageFindingTest, TheFieldStaysWhereNothingIsMeant)
     EXPECT_TRUE(hasFocus("tablePlistOfSelectedPlugin"));
 }
 
+TEST_F(PageFindingTest, NoKeyOfAnItemWorksWhileTheFieldIsOpen)
+{
+    focus("kvRotaryBtn3");
+    trigger("goToPage");
+    for (const Qt::Key each : {Qt::Key_D, Qt::Key_N, Qt::Key_1})
+        key(each, Qt::ControlModifier);
+    EXPECT_EQ(text("labTotalPagesIndicator"), "3 Pages");
+    EXPECT_EQ(find<QAction>("undo")->isEnabled(), false);
+    EXPECT_TRUE(find<>("goToPagePopup")->isVisible());
+}
+
 TEST_F(PageFindingTest, TheFieldGoesWithTheFocusAndLiesInTheWindow)
 {
     trigger("goToPage");

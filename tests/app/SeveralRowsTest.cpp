@@ -88,6 +88,20 @@ TEST_F(SeveralRowsTest, ClicksSelectAsEverywhere)
     }
 }
 
+TEST_F(SeveralRowsTest, AllStayWhenAnEditTakesThemOffThePageThatIsSearched)
+{
+    load();
+    typeInto("parameterSearch", "p1");
+    list()->setFocus();
+    click(1);
+    key(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(selected().size(), 9U);
+    trigger("clearPage");
+    EXPECT_EQ(selected().size(), 9U);
+    trigger("fillFromPot");
+    EXPECT_EQ(potLabel(8), "Knob 8");
+}
+
 TEST_F(SeveralRowsTest, KeysSelectAsEverywhere)
 {
     load();

@@ -49,6 +49,7 @@ TEST(OfferedHere, IsWhatHasTheSameNumberAndNameElseTheSameName)
              Row{{"9", "cutOff"}, "2 Cutoff"},
              Row{{"6", "Resonance"}, "6 resonance"},
              Row{{"6", "RESONANCE"}, "6 resonance"},
+             Row{{"3", "cutOFF"}, "3 CUTOFF"}, // of several that are alike the one with the number
              Row{{"1", "Air"}, "?"},
              Row{{"", ""}, "?"},
              Row{{"0", "-"}, "0 -"},

@@ -205,6 +205,7 @@ void FrontPanel::setDifferences(const std::array<QString, PanelLayout::kPots>& d
 
 void FrontPanel::focusPot(int pot)
 {
+    beginChoiceAt(pot);
     pots_[static_cast<std::size_t>(pot - 1)]->setFocus(Qt::ShortcutFocusReason);
 }
 
