@@ -30,6 +30,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <memory>
 #include <utility>
 
 namespace interface {
@@ -117,8 +118,11 @@ QLayout* makeHeader()
     return layout;
 }
 
-QWidget* makeColumn(QLayout* top, QLayout* narrowing, QWidget* list)
+/// Lists that stand side by side begin at one height, whether there is a button above them or none.
+QWidget* makeColumn(QLayout* top, QHBoxLayout* narrowing, QWidget* list)
 {
+    const std::unique_ptr<QPushButton> scan(makeButton(Action::named("btnRunCheck")));
+    narrowing->addStrut(scan->sizeHint().height());
     auto* column = new QWidget;
     auto* layout = new QVBoxLayout(column);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -225,7 +229,8 @@ QLayout* makeStatusRow()
     layout->addWidget(makeLabel("pageLimitWarning"), 0);
     auto* unsaved = makeLabel("unsavedReadOut");
     unsaved->setFont(boldFont(unsaved->font()));
-    layout->addWidget(unsaved, 2);
+    unsaved->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed); // the others are shortened first
+    layout->addWidget(unsaved);
     auto* path = makeLabel("labPluginPlistLocation", Qt::ElideMiddle);
     layout->addWidget(path, 4);
     layout->addWidget(makeSeparator());

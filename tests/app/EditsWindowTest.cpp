@@ -411,10 +411,13 @@ TEST_F(EditsWindowTest, WithAListFocusedItIsPastedOnTheShownPage)
     putOnClipboard(QByteArray::fromStdString(panel::bytesOf({"/another", false, {{"1", "Mix"}, {"1", "Mix"}}})));
     key(Qt::Key_V, Qt::ControlModifier);
     EXPECT_EQ(pots(), "Mix Mix ");
-    putOnClipboard(QByteArray::fromStdString(panel::bytesOf({"/another", true, {{"1", "Mix"}}})));
+    panel::CopiedSlots page{"/another", true,
+                            std::vector<panel::SlotContent>(8, {mapping::kEmptyNumber, mapping::kEmptyName})};
+    page.contents[2] = {"1", "Mix"};
+    putOnClipboard(QByteArray::fromStdString(panel::bytesOf(page)));
     find<>("tablePlistOfSelectedPlugin")->setFocus();
     key(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(pots(), "Mix Mix - - - - - - |Mix ");
+    EXPECT_EQ(pots(), "Mix Mix - - - - - - |- - Mix ");
 }
 
 TEST_F(EditsWindowTest, WhatIsNotOfferedLeavesItsPotAsItIs)

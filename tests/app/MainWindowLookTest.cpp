@@ -147,6 +147,18 @@ protected:
             return label->text().isEmpty() ? QSize() : label->minimumSizeHint();
         return qobject_cast<const QLineEdit*>(&widget) ? widget.minimumSizeHint() : QSize();
     }
+    int topOf(const QWidget* widget) const { return widget->mapTo(window(), QPoint()).y(); }
+    void expectListsSideBySide() const
+    {
+        EXPECT_EQ(topOf(find<>("pluginTableView")), topOf(find<>("tablePlistOfSelectedPlugin")));
+        std::vector<int> headings;
+        for (const QLabel* label : window()->findChildren<QLabel*>()) {
+            if (label->text() == QLatin1String("Plugins") || label->text() == QLatin1String("Plugin Parameters"))
+                headings.push_back(topOf(label));
+        }
+        ASSERT_EQ(headings.size(), 2u);
+        EXPECT_EQ(headings[0], headings[1]);
+    }
     QStringList overlaps() const
     {
         QStringList found;
@@ -191,8 +203,21 @@ TEST_F(MainWindowLookTest, FitsASmallScreenWithRoomForTheLists)
     EXPECT_LE(window()->minimumSizeHint().height(), kSmallest.height() - 100);
     EXPECT_EQ(window()->size(), kSmallest);
     EXPECT_GE(find<>("tablePlistOfSelectedPlugin")->height(), 180);
+    expectListsSideBySide();
     EXPECT_EQ(cutTexts(), QStringList());
     EXPECT_EQ(overlaps(), QStringList());
+}
+
+TEST_F(MainWindowLookTest, WhatIsNotSavedIsToldWholeInTheSmallestWindow)
+{
+    const FixedLook look(test::lightPalette());
+    editSynth();
+    const auto* unsaved = find<>("unsavedReadOut");
+    EXPECT_EQ(text("unsavedReadOut"), "Unsaved pots: 1");
+    window()->resize(window()->minimumSizeHint());
+    QApplication::processEvents();
+    EXPECT_EQ(window()->size(), window()->minimumSizeHint());
+    EXPECT_GE(unsaved->width(), unsaved->sizeHint().width());
 }
 
 TEST_F(MainWindowLookTest, NothingOverlapsWithLongNamesInAnyScript)
@@ -233,6 +258,7 @@ TEST_F(MainWindowLookTest, NothingIsCutUnderAStyleWithOtherMeasures)
     EXPECT_EQ(window()->size(), kSmallest);
     EXPECT_EQ(cutTexts().join(QStringLiteral(", ")).toStdString(), "");
     EXPECT_EQ(overlaps(), QStringList());
+    expectListsSideBySide();
     for (const char* name : {"cwinCloudWindow", "cwinUploadWindow", "cwinDownloadWindow"}) {
         find<>(name)->show();
         QApplication::processEvents();
