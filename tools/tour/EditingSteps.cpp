@@ -82,7 +82,6 @@ QString fill(Tour& tour)
     tour.clickRow(kParameters, QStringLiteral("Right Feedback"), 1, Qt::ControlModifier);
     tour.clickRow(kParameters, QStringLiteral("Right Pan"), 1, Qt::ControlModifier);
     tour.press(kParameters, Qt::Key_Return, Qt::ControlModifier);
-    fprintf(stderr, "XX %s %s %s %s\n", tour.text(kShownPage).toUtf8().data(), tour.text("kvControl1").toUtf8().data(),tour.text("kvControl4").toUtf8().data(), qPrintable(tour.text("kvControl3")));
     tour.expect(tour.text(kShownPage) == QLatin1String("Page 4 of 4") &&
                     tour.text("kvControl1") == QLatin1String("Left Level") &&
                     tour.text("kvControl4") == QLatin1String("Right Pan"),

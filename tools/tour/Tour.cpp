@@ -162,7 +162,12 @@ void Tour::type(const char* field, const QString& text)
 
 void Tour::press(const char* widget, Qt::Key key, Qt::KeyboardModifiers modifiers)
 {
-    QTest::keyClick(findWidget(widget, QWidget::staticMetaObject), key, modifiers);
+    auto* focused = findWidget(widget, QWidget::staticMetaObject);
+    // No key reaches a menu's item while the active window is another one, such as a menu that was open.
+    focused->activateWindow();
+    waitUntil([focused] { return focused->isActiveWindow(); }, QStringLiteral("the window is the active one"));
+    focused->setFocus();
+    QTest::keyClick(focused, key, modifiers);
 }
 
 void Tour::openContextMenu(const char* widget)
