@@ -2,10 +2,12 @@
 
 #include "platform/qt/PlainToolTips.h"
 
+#include <QFontMetricsF>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
 #include <QTextLayout>
+#include <QtMath>
 
 #include <algorithm>
 
@@ -65,7 +67,9 @@ bool ElidedLabel::isShortened() const
 
 QSize ElidedLabel::sizeHint() const
 {
-    const QSize text(fontMetrics().horizontalAdvance(singleLine()), fontMetrics().height() * mostLines_);
+    // Rounded up: it is shortened where a fraction is missing.
+    const int width = qCeil(QFontMetricsF(font()).horizontalAdvance(singleLine()));
+    const QSize text(width, fontMetrics().height() * mostLines_);
     return text.grownBy(contentsMargins());
 }
 
