@@ -37,9 +37,11 @@ bool isPageKey(const QKeyEvent& event)
            event.key() == Qt::Key_PageDown;
 }
 
+/// Left and Right, too: while no row is selected they go to the first.
 bool movesInList(const QKeyEvent& event)
 {
-    return event.key() == Qt::Key_Down || event.key() == Qt::Key_Up || isPageKey(event);
+    return event.key() == Qt::Key_Down || event.key() == Qt::Key_Up || event.key() == Qt::Key_Left ||
+           event.key() == Qt::Key_Right || isPageKey(event);
 }
 
 /// Keys that a list with the focus takes for itself, whatever the window would do with them.

@@ -98,6 +98,17 @@ TEST_F(SelectionTest, ARowIsChosenWhenTheKeysHaveRestedOnIt)
     EXPECT_EQ(selectedRow("pluginTableView"), 0);
 }
 
+TEST_F(SelectionTest, ARowIsNeverOnlyMarkedWhicheverArrowGoesThere)
+{
+    for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Left, Qt::Key_Right}) {
+        launch();
+        list()->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(list(), key);
+        letKeysRest();
+        EXPECT_EQ(text("labKOScreen_Title"), "Effect (Logic Built-In)") << key;
+    }
+}
+
 TEST_F(SelectionTest, HoldingDownAcrossAllPluginsLoadsAndRewritesOne)
 {
     constexpr int kPlugins = 59;
