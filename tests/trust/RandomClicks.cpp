@@ -282,7 +282,8 @@ private:
             expectEqual(canBeDone(item), hasPot, std::string("whether ") + item + " can be done");
         for (const char* item : {"cutSlots", "copySlots"})
             expectEqual(canBeDone(item), hasSlots, std::string("whether ") + item + " can be done");
-        expectEqual(canBeDone("pasteSlots"), hasSlots && controller().canPaste(), "whether pasteSlots can be done");
+        expectEqual(canBeDone("pasteSlots"), isLoaded && !choice.isText && controller().canPaste(),
+                    "whether pasteSlots can be done");
         const QWidget* focused = QApplication::focusWidget();
         const auto* focusedPot = qobject_cast<const interface::Pot*>(focused);
         if (!focused)

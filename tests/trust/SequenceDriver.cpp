@@ -170,7 +170,7 @@ public:
         set("changedPots", static_cast<qint64>(seen.changedPots()));
         set("unsaved", seen.hasUnsavedChanges());
         const panel::PotChoice& choice = seen.potChoice.get();
-        set("choice", QJsonArray{choice.focusedPot, json(choice.pots), choice.isPage});
+        set("choice", QJsonArray{choice.focusedPot, json(choice.pots), choice.isPage, choice.isText});
         set("where", where());
         set("pasted", pasted());
         set("clipboard", QGuiApplication::clipboard()->text());
@@ -265,7 +265,7 @@ private:
              }},
             {"choose", // the focused pot, then all
              [](test::Windowless& program, const std::string& pots) {
-                 panel::PotChoice choice{.isPage = pots == "page"};
+                 panel::PotChoice choice{.isPage = pots == "page", .isText = pots == "text"};
                  if (const auto numbers = numbersIn(pots); !numbers.empty()) {
                      choice.focusedPot = numbers.front();
                      choice.pots.assign(numbers.begin() + 1, numbers.end());

@@ -239,7 +239,7 @@ class Model:
         self.standing, self.on_pots = [], set()
         self.shown = []  # positions in the list, a row each
         self.selected, self.selected_rows = -1, []
-        self.focus, self.chosen, self.is_page_meant = None, [], False
+        self.choose_pots("")
         self.pasted = [0, 0, []]
         self.side = self.unreadable = ""
         self.other, self.other_mode, self.compared_path = [], 0, ""
@@ -281,7 +281,7 @@ class Model:
             "shown": checksum(text_of([self.list[at] for at in self.shown])), "search": self.search,
             "selectedRows": self.selected_rows, "chart": checksum(self.chart), "canUndo": bool(self.undos),
             "canRedo": bool(self.redos), "undoName": self.undos[-1][3] if self.undos else "",
-            "choice": [-1 if self.focus is None else self.focus, self.chosen, self.is_page_meant],
+            "choice": [-1 if self.focus is None else self.focus, self.chosen, self.is_page_meant, self.is_text_meant],
             "where": self.where(), "pasted": self.pasted, "clipboard": self.clipboard,
             "comparison": self.comparison(), "enabled": sorted(self.enabled()) if self.has_windows else [],
             "hints": self.hints() if self.has_windows else ["", "", ""], "pluginRows": sorted(self.plugin_rows),
@@ -314,12 +314,13 @@ class Model:
 
     def enabled(self):
         """What the menus let somebody do."""
-        loaded, edited, has_pot = self.is_loaded(), self.is_edited(), self.is_loaded() and self.focus is not None
+        loaded, edited = self.is_loaded(), self.is_edited()
+        has_pot = loaded and self.focus is not None
         has_slots = has_pot or (loaded and self.is_page_meant)
         differ = [at for at in self.comparison()[1] if at < self.total * 8]
         can = {
             "clearPot": has_pot, "insertPot": has_pot, "removePot": has_pot, "findInList": has_pot,
-            "cutSlots": has_slots, "copySlots": has_slots, "pasteSlots": has_slots and self.copied is not None,
+            "cutSlots": has_slots, "copySlots": has_slots, "pasteSlots": loaded and self.copied is not None and not self.is_text_meant,
             "clearPage": loaded, "insertPage": loaded, "duplicatePage": loaded, "mapUnmapped": loaded,
             "tidyUp": loaded, "startFromScratch": loaded, "goToPage": loaded, "fillFromPot": edited,
             "showOnPanel": loaded and bool(self.where()), "nextDifference": differ, "previousDifference": differ,
@@ -844,8 +845,8 @@ class Model:
     # Further edits
 
     def choose_pots(self, pots):
-        self.is_page_meant = pots == "page"
-        numbers = [] if self.is_page_meant else [int(pot) for pot in pots.split()]
+        self.is_page_meant, self.is_text_meant = pots == "page", pots == "text"
+        numbers = [int(pot) for pot in pots.split() if pot.isdigit()]
         self.focus, self.chosen = numbers[0] if numbers else None, numbers[1:]
 
     def place_of(self, pot):
@@ -921,7 +922,7 @@ class Model:
         return None
 
     def paste(self, _):
-        if not self.is_loaded() or self.copied is None or (self.focus is None and not self.is_page_meant):
+        if not self.is_loaded() or self.copied is None:
             return
         source, are_pages, contents = self.copied
         found = contents if source == self.path else [self.offered_here(content) for content in contents]
@@ -1114,7 +1115,7 @@ class Model:
             place = next((at for at in reversed(pots) if at < here[0] or (self.focus is None and at in here)), pots[-1])
         if place // 8 + 1 != self.current:
             self.show(place // 8 + 1)
-        self.focus, self.chosen, self.is_page_meant = place % 8, [place % 8], False
+        self.choose_pots(spelled(place % 8, place % 8))
 
     def take(self, name, pots):
         def put():
@@ -1247,7 +1248,7 @@ def random_argument(dice, operation, model):
     if operation == "choose":
         kind = dice.random()
         if kind < 0.3:
-            return "page" if kind < 0.2 else ""
+            return "page" if kind < 0.2 else "text" if kind < 0.22 else ""
         focus = dice.randrange(8)
         return spelled(focus, *(some_of(dice, range(8)) if kind > 0.6 else [focus]))
     if operation in ("pot", "fill pot"):
