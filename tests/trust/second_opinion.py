@@ -320,7 +320,8 @@ class Model:
         differ = [at for at in self.comparison()[1] if at < self.total * 8]
         can = {
             "clearPot": has_pot, "insertPot": has_pot, "removePot": has_pot, "findInList": has_pot,
-            "cutSlots": has_slots, "copySlots": has_slots, "pasteSlots": loaded and self.copied is not None and not self.is_text_meant,
+            "cutSlots": has_slots, "copySlots": has_slots,
+            "pasteSlots": loaded and self.copied is not None and not self.is_text_meant,
             "clearPage": loaded, "insertPage": loaded, "duplicatePage": loaded, "mapUnmapped": loaded,
             "tidyUp": loaded, "startFromScratch": loaded, "goToPage": loaded, "fillFromPot": edited,
             "showOnPanel": loaded and bool(self.where()), "nextDifference": differ, "previousDifference": differ,
@@ -1170,8 +1171,8 @@ class Model:
 
 # Random files and operations
 
-WORDS = ["Cutoff", "Freq", "Volume", "Master volume", "cutoff", "GROSSE", "Osc 1 Level", "R&D <b>", "Größe", "音量", "a  b", "-",
-         "", "Mix", "\U0001f39b", "Q", "'quoted'", "100%@", "x" * 60]
+WORDS = ["Cutoff", "Freq", "Volume", "Master volume", "cutoff", "GROSSE", "Osc 1 Level", "R&D <b>", "Größe", "音量",
+         "a  b", "-", "", "Mix", "\U0001f39b", "Q", "'quoted'", "100%@", "x" * 60]
 
 
 def random_element(dice):
@@ -1210,7 +1211,8 @@ def random_bytes(dice):
 
 
 OPERATIONS = (["pot"] * 12 + ["row"] * 6 + ["new"] * 3 + ["delete"] * 2 + ["clear"]
-              + ["previous", "next", "first", "last"] + ["page"] * 2 + ["move first", "move last", "move previous", "move next"] * 2 + ["exchange"] * 3
+              + ["previous", "next", "first", "last"] + ["page"] * 2
+              + ["move first", "move last", "move previous", "move next"] * 2 + ["exchange"] * 3
               + ["mode"] + ["save"] * 2 + ["recall original", "recall previous"] + ["chart"] + ["downloaded"]
               + ["plugin"] * 2 + ["undo"] * 6 + ["redo"] * 4 + ["keep"] * 2 + ["bring back"] * 2 + ["discard"]
               + ["choose"] * 10 + ["rows"] * 5 + ["clearPot"] * 2 + ["clearPage", "startFromScratch", "tidyUp"]
