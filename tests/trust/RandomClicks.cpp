@@ -286,8 +286,10 @@ private:
                     "whether pasteSlots can be done");
         const QWidget* focused = QApplication::focusWidget();
         const auto* focusedPot = qobject_cast<const interface::Pot*>(focused);
-        if (!focused)
-            return; // an alert that goes gives the focus to nobody where there is no desktop
+        // An alert that goes gives the focus to nobody where there is no desktop. And while no plug-in is chosen no pot
+        // takes it, although a difference may be gone to.
+        if (!focused || !isEnabled("kvRotaryBtn1"))
+            return;
         std::vector<std::int32_t> pots;
         for (const int chosen : find<interface::FrontPanel>("frontPanel")->chosenPots())
             pots.push_back(chosen - 1);
