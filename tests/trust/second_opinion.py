@@ -319,15 +319,18 @@ class Model:
         has_slots = has_pot or (loaded and self.is_page_meant)
         differ = [at for at in self.comparison()[1] if at < self.total * 8]
         can = {
-            "clearPot": has_pot, "insertPot": has_pot, "removePot": has_pot, "findInList": has_pot,
+            "clearPot": has_pot, "insertPot": has_pot, "removePot": has_pot,
+            "findInList": has_pot and self.mapping[self.place_of(self.focus)][1] != "-",
             "cutSlots": has_slots, "copySlots": has_slots,
             "pasteSlots": loaded and self.copied is not None and not self.is_text_meant,
-            "clearPage": loaded, "insertPage": loaded, "duplicatePage": loaded, "mapUnmapped": loaded,
-            "tidyUp": loaded, "startFromScratch": loaded, "goToPage": loaded, "fillFromPot": edited,
+            "clearPage": loaded, "insertPage": loaded, "duplicatePage": loaded,
+            "mapUnmapped": loaded and any(e[1] != "-" and joined(e) not in self.on_pots for e in self.list),
+            "tidyUp": loaded, "startFromScratch": loaded, "goToPage": loaded,
+            "fillFromPot": edited and any(self.list[self.shown[row]][1] != "-" for row in self.selected_rows),
             "showOnPanel": loaded and bool(self.where()), "nextDifference": differ, "previousDifference": differ,
             "takePot": has_pot and self.place_of(self.focus) in differ,
             "takePage": any(at // 8 + 1 == self.current for at in differ),
-            "compareWithNothing": loaded, "compareWithSaved": loaded, "undo": self.undos, "redo": self.redos,
+            "compareWithNothing": loaded, "compareWithSaved": loaded and FILE in self.folders[self.edited].files, "undo": self.undos, "redo": self.redos,
         }
         for side, suffix in BESIDE.items():
             can["compareWith" + side] = loaded and FILE + suffix in self.folders[self.edited].files
@@ -370,7 +373,7 @@ class Model:
         words = folded(self.search).split()
         is_same_search, self.searched = self.search == self.searched, self.search
         self.shown = [at for at, entry in enumerate(self.list)
-                      if at == 0 or (at == current and is_same_search) or all(self.finds(w, entry) for w in words)]
+                      if at == 0 or (at in chosen and is_same_search) or all(self.finds(w, entry) for w in words)]
         if self.only_unmapped:
             self.shown = [at for at in self.shown if at in chosen or joined(self.list[at]) not in self.on_pots]
         self.selected_rows = [row for row, at in enumerate(self.shown) if at in chosen]
@@ -916,8 +919,11 @@ class Model:
         if content[1] == "-":
             return content
         offered = [entry[:2] for entry in self.list or self.offered]
+        def is_alike(entry):
+            return entry[1] != "-" and folded(entry[1]) == folded(content[1])
+
         for is_meant in (lambda entry: entry == content, lambda entry: entry[1] == content[1],
-                         lambda entry: entry[1] != "-" and folded(entry[1]) == folded(content[1])):
+                         lambda entry: is_alike(entry) and entry[0] == content[0], is_alike):
             for entry in filter(is_meant, offered):
                 return entry
         return None

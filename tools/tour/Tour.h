@@ -72,8 +72,8 @@ public:
     void answerAlert();
     /// Waits until that alert has come up.
     void waitForAlert();
-    /// The next dialog that asks for a file's name goes into the step's picture and is given this one, beside the pictures.
-    /// Answers its path.
+    /// The next dialog that asks for a file's name goes into the step's picture and is given this one, beside the
+    /// pictures. Answers its path.
     QString answerSaveDialog(const QString& name);
     QString openedUrl() const { return openedUrl_; }
     /// A text from one step to a later one.
