@@ -172,8 +172,9 @@ void ComparisonView::enableWhatCanBeDone()
     takePage_->setEnabled(onPage != found.positions.end() && *onPage < end);
     const std::int32_t pot = controller_.potChoice.get().focusedPot;
     takePot_->setEnabled(pot != panel::PotChoice::kNone && differsAt(first + pot));
+    // A pot that is gone to gets the focus, which it takes while a plug-in is chosen.
     for (QAction* item : {next_, previous_})
-        item->setEnabled(!found.positions.empty() &&
+        item->setEnabled(controller_.isPluginBeingEdited() && !found.positions.empty() &&
                          found.positions.front() < panel::firstSlotOf(mapping::totalPages + 1));
 }
 

@@ -129,6 +129,18 @@ TEST_F(ComparingWindow, TheHintSaysWhatDiffers)
     EXPECT_EQ(tile(1, PageModel::DifferingPots).toUInt(), 0u);
 }
 
+TEST_F(ComparingWindow, NoDifferenceIsGoneToWhileNoPotTakesTheFocus)
+{
+    open(without(numbered(20), {2, 17}));
+    trigger("compareWithOriginal");
+    click("btnRunCheck");
+    EXPECT_FALSE(canBeDone("nextDifference"));
+    EXPECT_FALSE(canBeDone("previousDifference"));
+    select("Lead");
+    trigger("compareWithOriginal");
+    EXPECT_TRUE(canBeDone("nextDifference"));
+}
+
 TEST_F(ComparingWindow, KeysGoFromDifferenceToDifferenceAndTakeThem)
 {
     open(without(numbered(20), {2, 17}));

@@ -286,9 +286,9 @@ private:
                     "whether pasteSlots can be done");
         const QWidget* focused = QApplication::focusWidget();
         const auto* focusedPot = qobject_cast<const interface::Pot*>(focused);
-        // An alert that goes gives the focus to nobody where there is no desktop. And while no plug-in is chosen no pot
-        // takes it, although a difference may be gone to.
-        if (!focused || !isEnabled("kvRotaryBtn1"))
+        // An alert that goes gives the focus to nobody where there is no desktop. And while another window is in front
+        // a pot that is gone to has it as soon as that one goes.
+        if (!focused || focused->window() != find<QWidget>("cwinMainWindow"))
             return;
         std::vector<std::int32_t> pots;
         for (const int chosen : find<interface::FrontPanel>("frontPanel")->chosenPots())

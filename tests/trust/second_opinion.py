@@ -327,10 +327,12 @@ class Model:
             "mapUnmapped": loaded and any(e[1] != "-" and joined(e) not in self.on_pots for e in self.list),
             "tidyUp": loaded, "startFromScratch": loaded, "goToPage": loaded,
             "fillFromPot": edited and any(self.list[self.shown[row]][1] != "-" for row in self.selected_rows),
-            "showOnPanel": loaded and bool(self.where()), "nextDifference": differ, "previousDifference": differ,
+            "showOnPanel": loaded and bool(self.where()), "nextDifference": edited and differ,
+            "previousDifference": edited and differ,
             "takePot": has_pot and self.place_of(self.focus) in differ,
             "takePage": any(at // 8 + 1 == self.current for at in differ),
-            "compareWithNothing": loaded, "compareWithSaved": loaded and FILE in self.folders[self.edited].files, "undo": self.undos, "redo": self.redos,
+            "compareWithNothing": loaded, "undo": self.undos, "redo": self.redos,
+            "compareWithSaved": loaded and FILE in self.folders[self.edited].files,
         }
         for side, suffix in BESIDE.items():
             can["compareWith" + side] = loaded and FILE + suffix in self.folders[self.edited].files
@@ -1189,7 +1191,8 @@ def random_element(dice):
         return dice.choice(["5", "", "olume", "Volume", "-", "0"])
     if kind < 0.3:
         return dice.choice([" leading", "0 -", "7 -", "3 ", "  ", "-1 x", "12 0", "0 0"])
-    word = dice.choice(WORDS) if dice.random() < 0.3 else f"Knob {dice.randrange(60)}"
+    knob = "Knob" if dice.random() < 0.8 else dice.choice(["KNOB", "Knöb"])
+    word = dice.choice(WORDS) if dice.random() < 0.3 else f"{knob} {dice.randrange(60)}"
     return f"{dice.randrange(40)} {word}"
 
 
