@@ -34,6 +34,7 @@
 #include <map>
 #include <set>
 #include <string_view>
+#include <utility>
 
 namespace test {
 
@@ -59,6 +60,7 @@ protected:
         startOver();
         looked_.clear();
         looks_ = 0;
+        chosenPots_.clear();
         const bool traces = std::getenv("KV_RANDOM_TRACE") != nullptr;
         std::vector<std::string> done;
         for (std::size_t i = 0; i < steps.size(); ++i) {
@@ -284,6 +286,11 @@ private:
             expectEqual(canBeDone(item), hasSlots, std::string("whether ") + item + " can be done");
         expectEqual(canBeDone("pasteSlots"), isLoaded && !choice.isText && controller().canPaste(),
                     "whether pasteSlots can be done");
+        const std::vector<int> chosen = find<interface::FrontPanel>("frontPanel")->chosenPots();
+        const int pageBefore = std::exchange(shownPage_, mapping::curPage);
+        const bool areThoseBefore = std::exchange(chosenPots_, chosen) == chosen;
+        expect(chosen.empty() || !areThoseBefore || pageBefore == mapping::curPage,
+               "chosen pots stay chosen on another page");
         const QWidget* focused = QApplication::focusWidget();
         const auto* focusedPot = qobject_cast<const interface::Pot*>(focused);
         // An alert that goes gives the focus to nobody where there is no desktop. And while another window is in front
@@ -291,8 +298,8 @@ private:
         if (!focused || focused->window() != find<QWidget>("cwinMainWindow"))
             return;
         std::vector<std::int32_t> pots;
-        for (const int chosen : find<interface::FrontPanel>("frontPanel")->chosenPots())
-            pots.push_back(chosen - 1);
+        for (const int number : chosen)
+            pots.push_back(number - 1);
         if (pots.empty() && focusedPot)
             pots.push_back(focusedPot->number() - 1);
         expectEqual(choice.focusedPot, focusedPot ? focusedPot->number() - 1 : panel::PotChoice::kNone, "focused pot");
@@ -489,6 +496,8 @@ private:
 
     std::string complaints_;
     int looks_ = 0;
+    int shownPage_ = 0;
+    std::vector<int> chosenPots_;
     std::map<std::string, fs::file_time_type> looked_;
 };
 

@@ -1339,13 +1339,16 @@ class Sequence:
         # Some begin before anything was selected; the others with a plug-in.
         if self.dice.random() < 0.9:
             self.step(model, "plugin", self.dice.choice(list(model.plugins)))
+        planned = []
         for _ in range(count):
             rare = self.dice.random()
-            operation = ("scan" if rare < 0.01 else "quit" if rare < 0.02 else "crash" if rare < 0.025
-                         else self.dice.choice(operations))
+            operation = (planned.pop() if planned else "scan" if rare < 0.01 else "quit" if rare < 0.02
+                         else "crash" if rare < 0.025 else self.dice.choice(operations))
             if operation == "downloaded" and not model.is_loaded():
                 continue  # a download begins beside a plug-in's file
             self.step(model, operation, random_argument(self.dice, operation, model))
+            if operation == "copySlots" and self.dice.random() < 0.4:
+                planned = ["pasteSlots", "choose", "plugin"]  # the last comes first
         return count
 
 
