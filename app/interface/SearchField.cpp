@@ -12,8 +12,6 @@ namespace interface {
 SearchField::SearchField(QWidget* parent) : QLineEdit(parent)
 {
     setClearButtonEnabled(true);
-    if (auto* clearButton = findChild<QAbstractButton*>())
-        clearButton->setAccessibleName(tr("Clear the search"));
     connect(this, &QLineEdit::textEdited, this, [this] { wasTypedInto_ = true; });
 }
 
@@ -22,6 +20,8 @@ void SearchField::setList(platform::qt::RecordListView* list, const QString& wor
     list_ = list;
     setPlaceholderText(words);
     setAccessibleName(words);
+    if (auto* clearButton = findChild<QAbstractButton*>())
+        clearButton->setAccessibleName(tr("Clear: %1").arg(words));
     platform::qt::bindFilter(list->rows(), this);
 }
 

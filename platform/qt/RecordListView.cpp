@@ -347,8 +347,12 @@ void RecordListView::selectionChanged(const QItemSelection& selected, const QIte
         return;
     if (auto rows = selectedRows(); rows.size() == 1)
         choose(rows.front());
-    else if (!rows.empty())
-        choose(std::move(rows));
+    else if (!rows.empty()) {
+        // A screen reader adds a row without moving the cursor there.
+        const bool isOne = selected.size() == 1 && selected.front().height() == 1;
+        const bool isAside = isOne && !selected.contains(currentIndex());
+        choose(std::move(rows), isAside ? selected.front().top() : currentIndex().row());
+    }
 }
 
 void RecordListView::choose(std::int32_t row)
@@ -358,9 +362,9 @@ void RecordListView::choose(std::int32_t row)
     table_->rowChosen.emit();
 }
 
-void RecordListView::choose(std::vector<std::int32_t> rows)
+void RecordListView::choose(std::vector<std::int32_t> rows, std::int32_t current)
 {
-    rows_->setSelectedRows(std::move(rows), currentIndex().row());
+    rows_->setSelectedRows(std::move(rows), current);
     table_->rowChosen.emit();
 }
 

@@ -85,7 +85,7 @@ private:
     QPixmap dragPicture(const QString& caption) const;
     void moveByKey(QKeyEvent* event);
     void choose(std::int32_t row);
-    void choose(std::vector<std::int32_t> rows);
+    void choose(std::vector<std::int32_t> rows, std::int32_t current);
     void waitForRest();
     void rested();
 

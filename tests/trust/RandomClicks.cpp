@@ -280,7 +280,7 @@ private:
         const bool isLoaded = controller().isMappingLoaded();
         const bool hasPot = isLoaded && choice.focusedPot != panel::PotChoice::kNone;
         const bool hasSlots = hasPot || (isLoaded && choice.isPage);
-        for (const char* item : {"clearPot", "insertPot", "removePot", "findInList"})
+        for (const char* item : {"clearPot", "insertPot", "removePot"})
             expectEqual(canBeDone(item), hasPot, std::string("whether ") + item + " can be done");
         for (const char* item : {"cutSlots", "copySlots"})
             expectEqual(canBeDone(item), hasSlots, std::string("whether ") + item + " can be done");
