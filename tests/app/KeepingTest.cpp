@@ -107,7 +107,7 @@ TEST_F(KeepingTest, TheDialogProposesANameInTheDocumentsFolder)
 {
     std::filesystem::create_directories(home_.path() / "home/Documents");
     edit(numbered(3));
-    trigger("chartPdf", "saveDialog", [this](QDialog& dialog) {
+    trigger("chartPdf", "saveDialog", [](QDialog& dialog) {
         auto* line = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
         EXPECT_EQ(line->text().toStdString(), "Synth chart.pdf");
         QTest::keyClick(line, Qt::Key_Return);
