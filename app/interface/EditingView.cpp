@@ -3,11 +3,8 @@
 #include "app/ViewController.h"
 #include "app/interface/Actions.h"
 #include "app/interface/DraftBar.h"
-#include "app/interface/DragData.h"
 #include "app/interface/Interface.h"
-#include "app/interface/SearchField.h"
 #include "app/interface/panel/FrontPanel.h"
-#include "app/interface/panel/PageDrags.h"
 #include "app/interface/panel/PageOverview.h"
 #include "chart/Chart.h"
 #include "chart/ChartState.h"
@@ -15,7 +12,6 @@
 #include "mapping/ParameterOrder.h"
 #include "panel/Pages.h"
 #include "platform/qt/RecordListView.h"
-#include "platform/qt/RecordSort.h"
 #include "platform/qt/SymbolIcon.h"
 #include "platform/qt/Text.h"
 #include "plugins/PluginScan.h"
@@ -23,7 +19,6 @@
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QAction>
-#include <QCheckBox>
 #include <QClipboard>
 #include <QDateTime>
 #include <QEvent>
@@ -34,8 +29,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <functional>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -53,8 +46,6 @@ constexpr int kBackupPauseMs = 250;
 /// failed.
 constexpr int kDraftPauseMs = 1000;
 constexpr int kDraftRetryMs = 10'000;
-/// No cell shows more.
-constexpr std::size_t kMostPotsTold = 40;
 
 /// Puts a line under a tool tip, or none, and has a screen reader tell it.
 void describe(QAbstractButton* button, const QString& toolTip, const QString& more)
@@ -74,24 +65,6 @@ QString leftoverText(std::size_t parameters, std::size_t entries, std::int32_t p
     return text.arg(locale.toString(parameters > 0 ? parameters : entries), locale.toString(pages));
 }
 
-/// Whether what a search finds depends on where parameters stand.
-bool findsPots(const std::string& filterText)
-{
-    const QStringList words = qt::searchWords(filterText);
-    return std::any_of(words.begin(), words.end(),
-                       [](const QString& word) { return mapping::potsMeant(qt::fromQt(word)).has_value(); });
-}
-
-QString potsOf(const platform::Record& parameter, const mapping::MappedPots& pots)
-{
-    if (mapping::isEmptyEntry(parameter))
-        return QObject::tr("clears a pot");
-    auto positions = pots.positionsOf(parameter);
-    const bool isCut = positions.size() > kMostPotsTold;
-    positions.resize(std::min(positions.size(), kMostPotsTold));
-    return qt::toQt(mapping::potsText(positions)) + (isCut ? QStringLiteral(", \u2026") : QString());
-}
-
 } // namespace
 
 EditingView::EditingView(ViewController& controller, const Interface& loaded)
@@ -99,15 +72,8 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
       window_(loaded.mainWindow()),
       panel_(loaded.find<FrontPanel>("frontPanel")),
       overview_(loaded.find<PageOverview>("pageOverview")),
-      pluginSearch_(loaded.find<SearchField>("pluginSearch")),
-      search_(loaded.find<SearchField>("parameterSearch")),
       plugins_(loaded.find<qt::RecordListView>("pluginTableView")),
-      parameters_(loaded.find<qt::RecordListView>("tablePlistOfSelectedPlugin")),
-      shared_(loaded.find<qt::RecordListView>("cwinPlistAvailable")),
-      foundPlugins_(loaded.find<QLabel>("pluginReadOut")),
-      mapped_(loaded.find<QLabel>("mappedReadOut")),
       unsaved_(loaded.find<QLabel>("unsavedReadOut")),
-      unmappedOnly_(loaded.find<QCheckBox>("unmappedOnly")),
       modeSwitch_(loaded.find<QWidget>("kvPluginMode")),
       undo_(loaded.find<QAction>("undo")),
       redo_(loaded.find<QAction>("redo")),
@@ -130,15 +96,12 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
     overview_->setSource([](int page, int pot) {
         return qt::toQt(mapping::nameAt(mapping::plistBuild, panel::slotFor(page, pot - 1)));
     });
-    letThingsBeDragged();
     for (const auto& [name, suffix] :
          {std::pair{"kvRecallOriginalMapping", "original"}, std::pair{"kvRecallPreviousMapping", "prev"}}) {
         auto* button = loaded.find<QAbstractButton>(name);
         recalls_.push_back({button, suffix, button->toolTip()});
         button->installEventFilter(this);
     }
-    parameters_->records().setTextMaker(
-        [&controller](const platform::Record& parameter) { return potsOf(parameter, controller.mappedPots()); });
     plugins_->records().setMark(qt::symbolIcon(QStringLiteral("unsaved")), [this](const platform::Record& plugin) {
         const std::string_view path = plugin.text(plugins::kFileLocation);
         QStringList words;
@@ -155,10 +118,6 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
         for (const RecallButton& recall : recalls_)
             describeBackup(recall);
     });
-    arrangeParameters();
-    connect(unmappedOnly_, &QCheckBox::toggled, this,
-            [rows = controller_.arrayControllerPlistSelected()] { rows->rearrange(); });
-
     connections_.push_back(controller_.editingChanged.connect([this] { refresh(); }));
     connections_.push_back(controller_.potChoice.onChange([this](const auto&) { enableWhatCanBeDone(); }));
     connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this, &EditingView::enableWhatCanBeDone);
@@ -167,42 +126,10 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
         showDraft();
         plugins_->records().refreshMarks();
     }));
-    for (const auto& rows : {controller_.myArrayController(), controller_.arrayControllerPlistSelected(),
-                             controller_.arrayController_downloadList()})
-        connections_.push_back(rows->arrangedChanged.connect([this] { showHints(); }));
-    connections_.push_back(controller_.myArrayController()->arrangedChanged.connect([this] { showFoundPlugins(); }));
-    showFoundPlugins();
-    connections_.push_back(controller_.arrayControllerPlistSelected()->selectionChanged.connect([this] {
-        showWhere();
-        enableWhatCanBeDone();
-    }));
-    connect(loaded.find<QAction>("findInList"), &QAction::triggered, this, &EditingView::findInList);
-    connect(parameters_, &QAbstractItemView::doubleClicked, this,
-            [this, show = loaded.find<QAction>("showOnPanel")](const QModelIndex& cell) {
-                if (parameters_->records().isMadeText(cell.column()))
-                    show->trigger();
-            });
+    connections_.push_back(
+        controller_.arrayControllerPlistSelected()->selectionChanged.connect([this] { enableWhatCanBeDone(); }));
     showDraft();
     refresh();
-}
-
-void EditingView::letThingsBeDragged()
-{
-    const auto parameters = controller_.arrayControllerPlistSelected();
-    const EditState state = [this, parameters] {
-        return controller_.historyRevision() + parameters->contentRevision(); // neither ever goes back
-    };
-    panel_->setEditState(state);
-    overview_->drags().setEditState(state);
-    parameters_->setDrag(QString::fromLatin1(kParameterDrag), [parameters, state] {
-        const auto rows = parameters->selectedObjects();
-        const auto blanks = std::count_if(rows.begin(), rows.end(),
-                                          [](const platform::Record* row) { return mapping::isEmptyEntry(*row); });
-        const int count = static_cast<int>(static_cast<std::ptrdiff_t>(rows.size()) - blanks);
-        const DragData drag{.kind = DragData::Kind::parameters, .state = state(), .parameters = count};
-        const QString several = count == 1 ? tr("1 parameter") : tr("%1 parameters").arg(QLocale().toString(count));
-        return qt::RowDrag{drag.content(), rows.size() > 1 ? several : QString()};
-    });
 }
 
 bool EditingView::eventFilter(QObject* watched, QEvent* event)
@@ -216,70 +143,15 @@ bool EditingView::eventFilter(QObject* watched, QEvent* event)
     return false;
 }
 
-void EditingView::arrangeParameters()
-{
-    using Rows = std::vector<const platform::Record*>;
-    const auto selected = std::make_shared<Rows>(); // by address, while the rows are arranged
-    const auto isSelected = [selected](const platform::Record& parameter) {
-        return std::ranges::binary_search(*selected, &parameter, std::less());
-    };
-    qt::Search search{{mapping::kParamNum, mapping::kParameter}};
-    search.findsToo = [this](const QString& word) -> std::function<bool(const platform::Record&)> {
-        const auto pots = mapping::potsMeant(qt::fromQt(word));
-        if (!pots)
-            return nullptr;
-        std::vector<panel::SlotContent> there;
-        for (const platform::Record& entry : controller_.mappedPots().entriesOn(*pots))
-            there.push_back(panel::contentOf(entry));
-        return [there = std::move(there)](const platform::Record& parameter) {
-            const std::string_view number = parameter.text(mapping::kParamNum);
-            return std::any_of(there.begin(), there.end(), [&](const panel::SlotContent& slot) {
-                return slot.number == number && slot.name == parameter.text(mapping::kParameter);
-            });
-        };
-    };
-    // Above the parameters stands the blank entry. And while an edit changes what is on the pots that are searched, the
-    // selected rows stay: the next press, or filling, goes on from them.
-    search.stays = [this, isSelected](const platform::ArrayController& list, std::size_t row) {
-        return row == 0 || (list.filterText.get() == searched_ && isSelected(list.content()[row]));
-    };
-    const auto arranged = [this, selected, isSelected,
-                           found = qt::searching(std::move(search))](const platform::ArrayController& list) {
-        *selected = list.selectedObjects();
-        std::ranges::sort(*selected, std::less());
-        auto rows = found(list);
-        searched_ = list.filterText.get();
-        // They stay although they were mapped just now, for the same reason.
-        const auto isMapped = [&](std::size_t row) {
-            const platform::Record& parameter = list.content()[row];
-            return !isSelected(parameter) && controller_.mappedPots().isOnPot(parameter);
-        };
-        if (unmappedOnly_->isChecked())
-            std::erase_if(rows, isMapped);
-        selected->clear();
-        return rows;
-    };
-    controller_.arrayControllerPlistSelected()->setArrangement(arranged);
-}
-
 void EditingView::refresh()
 {
     const bool hasMapping = controller_.isMappingLoaded();
     panel_->setShownPage(mapping::curPage, hasMapping ? mapping::totalPages : 0);
     showLeftovers();
     showWhatTheChartHolds();
-    if (std::exchange(historyRevision_, controller_.historyRevision()) != controller_.historyRevision()) {
-        for (SearchField* search : {pluginSearch_, search_})
-            search->giveUpUndo();
-    }
-    if (unmappedOnly_->isChecked() || findsPots(controller_.arrayControllerPlistSelected()->filterText.get()))
-        controller_.arrayControllerPlistSelected()->rearrange();
-    showWhere();
     enableWhatCanBeDone();
     showTitle();
     showHistory();
-    showMapped();
-    showHints();
     markPlugins();
     backupsChanged_.start(kBackupPauseMs);
     if (!keepsDraft_.isActive() || keepsDraft_.interval() > kDraftPauseMs)
@@ -353,13 +225,15 @@ void EditingView::enableWhatCanBeDone()
     const bool hasPot = hasMapping && choice.focusedPot != panel::PotChoice::kNone;
     const bool hasSlots = hasPot || (hasMapping && choice.isPage);
     const mapping::MappedPots& pots = controller_.mappedPots();
-    const auto selected = controller_.arrayControllerPlistSelected()->selectedObjects();
+    const auto parameters = controller_.arrayControllerPlistSelected();
+    const platform::Record* current = parameters->selection();
+    const auto selected = parameters->selectedObjects();
     const bool isAnySelected = std::ranges::any_of(
         selected, [](const platform::Record* parameter) { return !mapping::isEmptyEntry(*parameter); });
     const auto canBeDone = [&](Needs needs) {
         switch (needs) {
         case Needs::plugin: return hasPlugin;
-        case Needs::placed: return hasMapping && isSelectedPlaced_;
+        case Needs::placed: return hasMapping && current && pots.isOnPot(*current);
         case Needs::unmapped: return hasMapping && pots.mappedCount() < pots.parameterCount();
         case Needs::pot: return hasPot;
         case Needs::mappedPot:
@@ -375,6 +249,7 @@ void EditingView::enableWhatCanBeDone()
     for (const auto& [item, needs] : needing_)
         item->setEnabled(canBeDone(needs));
     modeSwitch_->setEnabled(hasPlugin);
+    modeItems_[mapping::plugin_Mode != mapping::kModeInsertEffect ? 1 : 0]->setChecked(true);
 }
 
 void EditingView::showTitle()
@@ -409,120 +284,6 @@ void EditingView::showHistory()
     const QString redo = qt::toQt(history.redoName());
     show(undo_, undo.isEmpty() ? tr("Undo") : tr("Undo %1").arg(undo), history.canUndo());
     show(redo_, redo.isEmpty() ? tr("Redo") : tr("Redo %1").arg(redo), history.canRedo());
-}
-
-void EditingView::showMapped()
-{
-    const mapping::MappedPots& pots = controller_.mappedPots();
-    const QLocale locale;
-    mapped_->setText(
-        pots.parameterCount() == 0
-            ? QString()
-            : tr("%1 of %2 mapped").arg(locale.toString(pots.mappedCount()), locale.toString(pots.parameterCount())));
-    parameters_->records().refreshMadeTexts();
-    modeItems_[mapping::plugin_Mode != mapping::kModeInsertEffect ? 1 : 0]->setChecked(true);
-}
-
-void EditingView::showHints()
-{
-    const auto found = controller_.myArrayController();
-    const auto offered = controller_.arrayControllerPlistSelected();
-    const QString searched = qt::toQt(offered->filterText.get());
-    QString hint;
-    if (offered->content().empty())
-        hint = found->content().empty() ? QString() : tr("Choose a plug-in at the left to see its parameters.");
-    else if (offered->content().size() == 1)
-        hint = tr("The file of this plug-in lists no parameters.");
-    else if (offered->arrangedCount() == 1 && !searched.isEmpty() && unmappedOnly_->isChecked())
-        hint = tr("No parameter that is not mapped yet was found for \u201c%1\u201d.\n\nSwitch off \u201cNot mapped "
-                  "yet\u201d to search all of them.")
-                   .arg(searched.left(80));
-    else if (offered->arrangedCount() == 1 && !searched.isEmpty())
-        hint = tr("No parameter found for \u201c%1\u201d.\n\nPress Escape in the search field to see all again.")
-                   .arg(searched.left(80));
-    else if (offered->arrangedCount() == 1)
-        hint = tr("Every parameter stands on a pot.");
-    parameters_->setHint(hint);
-    if (!controller_.arrayController_downloadList()->content().empty())
-        hint.clear();
-    else if (controller_.myArrayController()->selection())
-        hint = tr("Nothing to show: nothing is shared for this plug-in yet, or the community server did not answer.");
-    else
-        hint = tr("Choose a plug-in in the main window to see what others shared for it.");
-    shared_->setHint(hint);
-}
-
-void EditingView::showWhere()
-{
-    const platform::Record* selected = controller_.arrayControllerPlistSelected()->selection();
-    unsigned pots = 0;
-    std::vector<int> pages;
-    if (selected && controller_.isMappingLoaded()) {
-        for (const std::int32_t position : controller_.mappedPots().positionsOf(*selected)) {
-            const int page = position / mapping::kPotsPerPage + 1;
-            if (pages.empty() || pages.back() != page)
-                pages.push_back(page);
-            if (page == mapping::curPage)
-                pots |= 1U << static_cast<unsigned>(position % mapping::kPotsPerPage);
-        }
-    }
-    isSelectedPlaced_ = !pages.empty();
-    panel_->ringPots(pots);
-    overview_->ringPages(std::move(pages));
-}
-
-void EditingView::findInList()
-{
-    const std::int32_t pot = controller_.potChoice.get().focusedPot;
-    const auto position = static_cast<std::size_t>(panel::slotFor(mapping::curPage, pot));
-    if (pot == panel::PotChoice::kNone || position >= mapping::plistBuild.size())
-        return;
-    const platform::Record& sought = mapping::plistBuild[position];
-    if (mapping::isEmptyEntry(sought))
-        return;
-    const auto list = controller_.arrayControllerPlistSelected();
-    const auto isSought = [&sought](const platform::Record& parameter) {
-        return mapping::isSameParameter(parameter, sought);
-    };
-    if (std::none_of(list->content().begin(), list->content().end(), isSought))
-        return;
-    const auto select = [&] {
-        std::int32_t row = 0;
-        while (row < list->arrangedCount() && !isSought(*list->arrangedObject(row)))
-            ++row;
-        list->setSelectionIndex(row == list->arrangedCount() ? platform::ArrayController::kNoSelection : row);
-        return list->selection() != nullptr;
-    };
-    if (!select()) {
-        unmappedOnly_->setChecked(false); // which hides all that stand on a pot
-        if (!select()) {
-            search_->clear();
-            select();
-        }
-    }
-    parameters_->scrollTo(parameters_->model()->index(list->selectionIndex(), 0));
-}
-
-void EditingView::showFoundPlugins()
-{
-    const auto listed = controller_.myArrayController();
-    const QString searched = qt::toQt(listed->filterText.get());
-    const QStringList words = qt::searchWords(listed->filterText.get());
-    const platform::Record* selected = listed->selection();
-    const bool isKept = selected && !qt::holdsWords(*selected, {plugins::kPlugin, plugins::kType}, words);
-    const std::int32_t found = listed->arrangedCount() - (isKept ? 1 : 0);
-    const QLocale locale;
-    foundPlugins_->setText(words.isEmpty() || listed->content().empty()
-                               ? QString()
-                               : tr("%1 of %2").arg(locale.toString(found), locale.toString(listed->content().size())));
-    QString hint;
-    if (listed->content().empty())
-        hint = tr("No plug-ins were found.\n\nSave a 'default' setting of a plug-in in Logic, "
-                  "then press \u201cScan for plugins\u201d.");
-    else if (found == 0)
-        hint = tr("No plug-in found for \u201c%1\u201d.\n\nPress Escape in the search field to see all again.")
-                   .arg(searched.left(80));
-    plugins_->setHint(hint);
 }
 
 void EditingView::showLeftovers()

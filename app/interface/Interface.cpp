@@ -7,6 +7,7 @@
 #include "app/interface/ContextMenus.h"
 #include "app/interface/EditingView.h"
 #include "app/interface/GoToPage.h"
+#include "app/interface/ListsView.h"
 #include "app/interface/MainWindow.h"
 #include "app/interface/PreviewView.h"
 #include "app/interface/panel/FrontPanel.h"
@@ -190,6 +191,7 @@ Interface::Interface(ViewController& controller) : controller_(controller), logg
     connectActions();
     connectPanel();
     qt::bind(controller_.downloadProgress(), find<QProgressBar>("downloadProgress"));
+    lists_ = std::make_unique<ListsView>(controller_, *this);
     editing_ = std::make_unique<EditingView>(controller_, *this);
     comparison_ = std::make_unique<ComparisonView>(controller_, *this);
     preview_ = std::make_unique<PreviewView>(controller_, *this);

@@ -20,6 +20,7 @@ namespace interface {
 class ContextMenus;
 class ComparisonView;
 class EditingView;
+class ListsView;
 class PageOverview;
 class PreviewView;
 struct Action;
@@ -68,7 +69,8 @@ private:
     std::shared_ptr<platform::TextField> loggedInAs_;
     std::vector<platform::Connection> connections_;
     std::unique_ptr<ContextMenus> contextMenus_;
-    std::unique_ptr<EditingView> editing_; // these go first: they follow the others
+    std::unique_ptr<ListsView> lists_; // these go first: they follow the others
+    std::unique_ptr<EditingView> editing_;
     std::unique_ptr<ComparisonView> comparison_;
     std::unique_ptr<PreviewView> preview_;
 };
