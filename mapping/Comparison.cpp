@@ -56,11 +56,6 @@ void Differences::follow(const Records& entries)
     }
 }
 
-std::int32_t pagesFilledBy(std::size_t entries)
-{
-    return static_cast<std::int32_t>((entries + kPotsPerPage - 1) / kPotsPerPage);
-}
-
 std::optional<std::int32_t> positionAfter(const std::vector<std::int32_t>& positions, std::int32_t from,
                                           std::int32_t end)
 {

@@ -47,9 +47,6 @@ private:
     std::vector<std::int32_t> positions_;
 };
 
-/// Pages that so many entries fill, the last one perhaps in part.
-std::int32_t pagesFilledBy(std::size_t entries);
-
 /// The next of ascending positions behind `from`, or the one before it, round the ends; only of those before `end`.
 std::optional<std::int32_t> positionAfter(const std::vector<std::int32_t>& positions, std::int32_t from,
                                           std::int32_t end);

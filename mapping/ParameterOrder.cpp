@@ -53,6 +53,11 @@ std::int32_t pageOfElement(std::int32_t n)
     return 1 + (n - 1) / kPotsPerPage;
 }
 
+std::int32_t pagesFilledBy(std::size_t elements)
+{
+    return static_cast<std::int32_t>((elements + kPotsPerPage - 1) / kPotsPerPage);
+}
+
 std::optional<std::int32_t> modeFromText(std::string_view text)
 {
     if (text == "1")

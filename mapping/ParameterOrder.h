@@ -4,6 +4,7 @@
 
 #include "platform/controls/Record.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -53,6 +54,9 @@ std::string_view nameAt(const std::vector<platform::Record>& entries, std::int32
 
 /// Page (from 1) of the n-th element (from 1).
 std::int32_t pageOfElement(std::int32_t n);
+
+/// Pages that so many elements fill, the last one perhaps in part.
+std::int32_t pagesFilledBy(std::size_t elements);
 
 // Convert
 

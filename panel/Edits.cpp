@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <string>
 #include <unordered_set>
 
@@ -18,19 +19,9 @@ platform::Record& entryAt(Mapping& edited, std::int32_t position)
     return edited.entries.at(static_cast<std::size_t>(position));
 }
 
-std::int32_t slotsOf(const Mapping& edited)
-{
-    return edited.totalPages * kPotsPerPage;
-}
-
 std::int32_t pagesFor(std::int32_t slots)
 {
-    return (slots + kPotsPerPage - 1) / kPotsPerPage;
-}
-
-bool isSlot(const Mapping& edited, std::int32_t position)
-{
-    return position >= 0 && position < slotsOf(edited);
+    return mapping::pagesFilledBy(static_cast<std::size_t>(slots));
 }
 
 bool isEmptyAt(const Mapping& edited, std::int32_t position)
@@ -53,7 +44,7 @@ SlotContent emptyContent()
 void clearSlots(Mapping& edited, std::span<const std::int32_t> positions)
 {
     for (const std::int32_t position : positions) {
-        if (isSlot(edited, position))
+        if (edited.isSlot(position))
             setContent(entryAt(edited, position), emptyContent());
     }
 }
@@ -75,7 +66,7 @@ void layOn(Mapping& edited, std::int32_t position, std::span<const SlotContent> 
     if (lastFull != contents.rend() && pages > edited.totalPages)
         insertEmptyPages(edited, edited.totalPages + 1, pages - edited.totalPages);
     for (const SlotContent& content : contents) {
-        if (isSlot(edited, position))
+        if (edited.isSlot(position))
             setContent(entryAt(edited, position), content);
         ++position;
     }
@@ -83,12 +74,12 @@ void layOn(Mapping& edited, std::int32_t position, std::span<const SlotContent> 
 
 void insertSlot(Mapping& edited, std::int32_t position)
 {
-    if (!isSlot(edited, position))
+    if (!edited.isSlot(position))
         return;
     std::int32_t gap = position;
-    while (isSlot(edited, gap) && !isEmptyAt(edited, gap))
+    while (edited.isSlot(gap) && !isEmptyAt(edited, gap))
         ++gap;
-    if (!isSlot(edited, gap))
+    if (!edited.isSlot(gap))
         insertEmptyPages(edited, edited.totalPages + 1, 1);
     for (std::int32_t to = gap; to > position; --to)
         setContent(entryAt(edited, to), contentAt(edited, to - 1));
@@ -98,12 +89,12 @@ void insertSlot(Mapping& edited, std::int32_t position)
 
 void removeSlot(Mapping& edited, std::int32_t position)
 {
-    if (!isSlot(edited, position))
+    if (!edited.isSlot(position))
         return;
     std::int32_t end = position + 1;
-    while (isSlot(edited, end) && isEmptyAt(edited, end))
+    while (edited.isSlot(end) && isEmptyAt(edited, end))
         ++end;
-    while (isSlot(edited, end) && !isEmptyAt(edited, end))
+    while (edited.isSlot(end) && !isEmptyAt(edited, end))
         ++end;
     for (std::int32_t to = position; to < end - 1; ++to)
         setContent(entryAt(edited, to), contentAt(edited, to + 1));
@@ -134,7 +125,7 @@ void pasteSlots(Mapping& edited, std::int32_t position, std::span<const std::opt
 {
     std::vector<SlotContent> laid;
     for (std::int32_t at = position; const auto& content : contents) {
-        laid.push_back(content ? *content : (isSlot(edited, at) ? contentAt(edited, at) : emptyContent()));
+        laid.push_back(content ? *content : (edited.isSlot(at) ? contentAt(edited, at) : emptyContent()));
         ++at;
     }
     layOn(edited, position, laid);
@@ -150,7 +141,7 @@ void mapUnmapped(Mapping& edited, std::span<const platform::Record> parameters)
 {
     std::unordered_set<std::string> mapped;
     std::int32_t end = 0;
-    for (std::int32_t position = 0; position < slotsOf(edited); ++position) {
+    for (std::int32_t position = 0; position < edited.slots(); ++position) {
         if (isEmptyAt(edited, position))
             continue;
         mapped.insert(mapping::elementFromEntry(entryAt(edited, position)));
@@ -172,7 +163,7 @@ void tidyUp(Mapping& edited)
     const std::int32_t firstShown = firstSlotOf(edited.shownPage);
     std::int32_t end = 0;
     std::optional<std::int32_t> shown;
-    for (std::int32_t position = 0; position < slotsOf(edited); ++position) {
+    for (std::int32_t position = 0; position < edited.slots(); ++position) {
         if (isEmptyAt(edited, position))
             continue;
         if (!shown && position >= firstShown && position < firstShown + kPotsPerPage)

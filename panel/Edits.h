@@ -3,6 +3,7 @@
 // are touched; what lies behind them stays behind them, whatever is inserted or removed before it. Positions count from
 // 0.
 
+#include "mapping/ParameterOrder.h"
 #include "panel/Pages.h"
 #include "platform/controls/Record.h"
 
@@ -18,6 +19,10 @@ struct Mapping {
     Entries entries;
     std::int32_t totalPages = 1;
     std::int32_t shownPage = 1; ///< from 1
+
+    /// Slots of the counted pages.
+    std::int32_t slots() const { return totalPages * mapping::kPotsPerPage; }
+    bool isSlot(std::int32_t position) const { return position >= 0 && position < slots(); }
 };
 
 /// Empties slots of counted pages; others do not matter.

@@ -8,16 +8,6 @@ namespace panel {
 
 namespace {
 
-std::int32_t slotsOf(const Mapping& mapping)
-{
-    return mapping.totalPages * mapping::kPotsPerPage;
-}
-
-bool isSlot(const Mapping& mapping, std::int32_t position)
-{
-    return position >= 0 && position < slotsOf(mapping);
-}
-
 /// `end` where all slots from `first` on are full.
 std::int32_t firstEmptyBetween(const Entries& entries, std::int32_t first, std::int32_t end)
 {
@@ -38,19 +28,19 @@ std::optional<std::int32_t> firstEmptySlotOf(const Mapping& mapping, std::int32_
 
 std::int32_t firstEmptySlotFrom(const Mapping& mapping, std::int32_t page)
 {
-    return firstEmptyBetween(mapping.entries, firstSlotOf(page), slotsOf(mapping));
+    return firstEmptyBetween(mapping.entries, firstSlotOf(page), mapping.slots());
 }
 
 void exchangeSlots(Mapping& edited, std::int32_t one, std::int32_t other)
 {
-    if (isSlot(edited, one) && isSlot(edited, other))
+    if (edited.isSlot(one) && edited.isSlot(other))
         exchangeContents(edited.entries, one, other);
 }
 
 void moveToPage(Mapping& edited, std::int32_t position, std::int32_t page)
 {
     const auto target = firstEmptySlotOf(edited, page);
-    if (target && isSlot(edited, position) &&
+    if (target && edited.isSlot(position) &&
         !mapping::isEmptyEntry(edited.entries.at(static_cast<std::size_t>(position))))
         exchangeContents(edited.entries, position, *target);
 }

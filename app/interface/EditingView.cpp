@@ -291,8 +291,7 @@ void EditingView::showLeftovers()
     const std::int32_t pages = controller_.isMappingLoaded() ? mapping::totalPages : 0;
     const std::size_t all = pages > 0 ? mapping::plistBuild.size() : 0;
     const std::size_t left = all - std::min(all, static_cast<std::size_t>(pages) * mapping::kPotsPerPage);
-    const std::size_t leftPages = (left + mapping::kPotsPerPage - 1) / mapping::kPotsPerPage;
-    overview_->refresh(pages, mapping::curPage, static_cast<int>(leftPages));
+    overview_->refresh(pages, mapping::curPage, mapping::pagesFilledBy(left));
     QString hint, save, newPage;
     if (left > 0) {
         const std::size_t parameters = panel::parametersBehind(mapping::plistBuild, pages);
