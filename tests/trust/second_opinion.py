@@ -461,8 +461,12 @@ class Model:
         return all(word in folded(name) or word in folded(self.plugins[name][0]) for word in words)
 
     def look_for_plugin(self, text):
-        self.plugin_search = text
-        words = folded(text).split()
+        if text != self.plugin_search:
+            self.plugin_search = text
+            self.find_plugins()
+
+    def find_plugins(self):
+        words = folded(self.plugin_search).split()
         self.plugin_rows = {name for name in self.listed if name == self.row or self.finds_plugin(words, name)}
 
     def show_only_unmapped(self, only):
@@ -613,7 +617,7 @@ class Model:
 
     def list_plugins(self):
         self.listed = {name for name in self.plugins if FILE in self.folders[name].files}
-        self.look_for_plugin(self.plugin_search)
+        self.find_plugins()
 
     def scan(self, _):
         self.keep()
