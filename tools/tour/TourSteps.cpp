@@ -310,6 +310,16 @@ QString help(Tour& tour)
     return tour.textOfAlert();
 }
 
+QString about(Tour& tour)
+{
+    tour.answerAlert();
+    tour.chooseFromMenuBar("about");
+    tour.expect(tour.informativeTextOfAlert().contains(QLatin1String("libcurl ")),
+                QStringLiteral("libraries are told"));
+    return tour.textOfAlert() + QStringLiteral(": ") +
+           tour.informativeTextOfAlert().section(QLatin1String("\n\n"), 0, 0).simplified();
+}
+
 QString selectAgain(Tour& tour)
 {
     tour.clickRow("pluginTableView", QStringLiteral("Longwether Matrix"));
@@ -364,6 +374,7 @@ std::vector<Step> allSteps()
         {QStringLiteral("preview"), preview, {{QStringLiteral("preview"), {"cwinDownloadWindow"}}}},
         {QStringLiteral("download"), download},
         {QStringLiteral("help"), help},
+        {QStringLiteral("about"), about},
         {QStringLiteral("select-another"), selectAgain},
     };
     // clang-format on
