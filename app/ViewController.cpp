@@ -1,5 +1,7 @@
 #include "app/ViewController.h"
 
+#include "platform/files/Files.h"
+
 #include <utility>
 
 ViewController::ViewController(platform::Platform& platform)
@@ -46,12 +48,31 @@ void ViewController::kvHelpMe(Sender)
         "More in depth help to come later");
 }
 
+void ViewController::userGuide(Sender)
+{
+    platform_.workspace.openFile(userGuidePath());
+}
+
+bool ViewController::hasUserGuide() const
+{
+    return platform::files::exists(userGuidePath());
+}
+
+std::filesystem::path ViewController::userGuidePath() const
+{
+    return platform_.folders.resources() / "guide/index.html";
+}
+
 void ViewController::about(Sender)
 {
+    std::string libraries;
+    for (const std::string& library : platform_.surroundings.libraries())
+        libraries += (libraries.empty() ? "" : ", ") + library;
     platform_.alerts.runModal({"kvOrvantaLogic Tool " KV_VERSION,
-                               "Uses Qt under the GNU Lesser General Public License, version 3 "
-                               "(https://www.gnu.org/licenses/lgpl-3.0.html), and libcurl under the curl licence "
-                               "(https://curl.se/docs/copyright.html).",
+                               "System: " + platform_.surroundings.system() + "\nLibraries: " + libraries +
+                                   "\n\nUses Qt under the GNU Lesser General Public License, version 3 "
+                                   "(https://www.gnu.org/licenses/lgpl-3.0.html), and libcurl under the curl licence "
+                                   "(https://curl.se/docs/copyright.html).",
                                {"OK"},
                                platform::Alert::Style::informational});
 }

@@ -35,6 +35,7 @@
 #include <any>
 #include <cstdint>
 #include <ctime>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -63,7 +64,11 @@ public:
     /// Closes the three community windows, whichever are open.
     void closeAllAuxillaryWindows();
     void kvHelpMe(Sender sender = nullptr);
-    /// Tells which version this is and on what terms it uses the libraries that come with it.
+    /// Opens the user guide's first page.
+    void userGuide(Sender = nullptr);
+    /// Whether it came along: it is made only where its converter is.
+    bool hasUserGuide() const;
+    /// Tells which version this is, on what it runs, and on what terms it uses the libraries that come with it.
     void about(Sender = nullptr);
 
     // Plug-in library
@@ -354,6 +359,7 @@ private:
     /// Sends a request without a body and returns the reply's text.
     std::string sendRequest(const std::string& address);
     std::string selectedPlugin() const;
+    std::filesystem::path userGuidePath() const;
     /// Where a shared mapping is kept, beside the file of the plug-in selected now.
     std::string downloadedPath() const;
 

@@ -1,6 +1,7 @@
 // The program: composes the real effects, loads the interface and runs the event loop.
 
 #include "app/AppDelegate.h"
+#include "app/CommandLine.h"
 #include "app/ViewController.h"
 #include "app/interface/Interface.h"
 #include "app/interface/Lifecycle.h"
@@ -9,8 +10,18 @@
 #include "platform/qt/Application.h"
 #include "platform/qt/SystemPlatform.h"
 
+#include <cstddef>
+#include <cstdlib>
+#include <iostream>
+
 int main(int argc, char* argv[])
 {
+    // Before there is an application, which would want a screen.
+    if (const auto answer = answerTo({argv, static_cast<std::size_t>(argc)})) {
+        std::cout << *answer << std::flush;
+        return std::cout ? EXIT_SUCCESS : EXIT_FAILURE;
+    }
+
     platform::qt::Application application(argc, argv);
     platform::files::failBeyondSizeLimits();
     platform::qt::SystemPlatform system(KV_BUNDLE_IDENTIFIER);

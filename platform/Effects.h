@@ -1,7 +1,7 @@
 #pragma once
 // What controller and delegate do to the world beyond files: alerts and errors, opening a file for the user, printing,
-// well-known folders, the log, preferences, JSON and HTTP, translated texts, the clipboard and undo managers. `main`
-// composes the real ones and hands them over in one Platform.
+// well-known folders, the log, preferences, JSON and HTTP, translated texts, the clipboard, undo managers and what
+// all of that runs on. `main` composes the real ones and hands them over in one Platform.
 
 #include "platform/UndoManager.h"
 #include "platform/controls/Record.h"
@@ -135,6 +135,16 @@ public:
     virtual std::vector<Record> objectsOf(std::string_view json) const = 0;
 };
 
+/// What the program runs on and with, found out when it is asked for.
+class Surroundings {
+public:
+    virtual ~Surroundings() = default;
+    /// Name and version of the system, and the kind of processor.
+    virtual std::string system() const = 0;
+    /// Name and version of each library.
+    virtual std::vector<std::string> libraries() const = 0;
+};
+
 /// The one bundle of effects that controller and delegate are given; all outlive them.
 struct Platform {
     Alerts& alerts;
@@ -149,6 +159,7 @@ struct Platform {
     Localization& localization;
     UndoManagers& undoManagers;
     Clipboard& clipboard;
+    Surroundings& surroundings;
 };
 
 } // namespace platform

@@ -255,6 +255,9 @@ std::span<const Action> Action::all()
         {.name = "kvHelpMe", .text = QT_TR_NOOP("Brief instructions on use"), .symbol = "help",
          .menu = Menu::help, .keys = QKeySequence::HelpContents, .call = &VC::kvHelpMe,
          .row = ButtonRow::help, .caption = QT_TR_NOOP("Help"), .toolTip = QT_TR_NOOP("Brief instructions on use")},
+        {.name = "userGuide", .text = QT_TR_NOOP("User Guide"), .symbol = "guide",
+         .menu = Menu::help, .call = &VC::userGuide,
+         .toolTip = QT_TR_NOOP("Open the guide, with pictures and a list of all keys, in the browser")},
         {.name = "about", .text = QT_TR_NOOP("About kvOrvantaLogic Tool"),
          .menu = Menu::help, .beginsSection = true, .role = QAction::AboutRole, .call = &VC::about},
 

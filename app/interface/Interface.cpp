@@ -273,6 +273,7 @@ void Interface::connectActions()
         }
     }
     controller_.kv_btn_cloudLibrary()->enabled.set(false); // until somebody is logged in
+    find<QAction>("userGuide")->setVisible(controller_.hasUserGuide());
 }
 
 void Interface::connectCall(const Action& action, QAction* item)

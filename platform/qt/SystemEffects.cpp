@@ -19,8 +19,11 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QSysInfo>
 #include <QTextDocument>
 #include <QUrl>
+
+#include <curl/curl.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -198,6 +201,16 @@ std::string TranslatedTexts::localizedString(const std::string& english) const
 std::string TranslatedTexts::folded(std::string_view text) const
 {
     return fromQt(foldedForSearch(toQt(text)));
+}
+
+std::string SystemSurroundings::system() const
+{
+    return fromQt(QSysInfo::prettyProductName() + QStringLiteral(", ") + QSysInfo::currentCpuArchitecture());
+}
+
+std::vector<std::string> SystemSurroundings::libraries() const
+{
+    return {std::string("Qt ") + qVersion(), std::string("libcurl ") + ::curl_version_info(CURLVERSION_NOW)->version};
 }
 
 void SystemClipboard::set(const std::string& own, const std::string& text)

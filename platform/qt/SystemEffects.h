@@ -42,6 +42,13 @@ public:
     std::string folded(std::string_view text) const override;
 };
 
+/// As the system and the libraries tell them while the program runs.
+class SystemSurroundings final : public Surroundings {
+public:
+    std::string system() const override;
+    std::vector<std::string> libraries() const override;
+};
+
 class SystemClipboard final : public Clipboard {
 public:
     /// MIME type of the program's own form.

@@ -50,6 +50,7 @@ struct SystemPlatform {
     TranslatedTexts localization;
     UndoStacks undoManagers;
     SystemClipboard clipboard;
+    SystemSurroundings surroundings;
     const Instead instead;
     ErrorAlerts errors{either(instead.alerts, alerts)};
     Platform platform{either(instead.alerts, alerts),
@@ -63,7 +64,8 @@ struct SystemPlatform {
                       either(instead.errors, errors),
                       localization,
                       undoManagers,
-                      clipboard};
+                      clipboard,
+                      surroundings};
 
 private:
     template <typename Effect, typename Real>

@@ -9,8 +9,11 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QShortcut>
+#include <QSysInfo>
 #include <QTest>
 #include <QTimer>
+
+#include <curl/curl.h>
 
 #include <map>
 #include <set>
@@ -262,16 +265,20 @@ TEST_F(ActionsTest, TheKeyForClosingQuitsFromTheMainWindow)
     EXPECT_FALSE(find<>("cwinMainWindow")->isVisible());
 }
 
-TEST_F(ActionsTest, AboutTellsTheVersionAndTheLibrariesLicences)
+TEST_F(ActionsTest, AboutTellsTheVersionTheSystemTheLibrariesAndTheirLicences)
 {
     launch();
     const auto alerts = alertsOf([this] { trigger("about"); });
     ASSERT_EQ(alerts.size(), 1u);
     EXPECT_EQ(alerts[0].text, "kvOrvantaLogic Tool " + QApplication::applicationVersion().toStdString());
+    const std::string curl = ::curl_version();
     EXPECT_EQ(alerts[0].informativeText,
-              "Uses Qt under the GNU Lesser General Public License, version 3 "
-              "(https://www.gnu.org/licenses/lgpl-3.0.html), and libcurl under the curl licence "
-              "(https://curl.se/docs/copyright.html).");
+              "System: " + QSysInfo::prettyProductName().toStdString() + ", " +
+                  QSysInfo::currentCpuArchitecture().toStdString() + "\nLibraries: Qt " + qVersion() + ", libcurl " +
+                  curl.substr(8, curl.find(' ') - 8) +
+                  "\n\nUses Qt under the GNU Lesser General Public License, version 3 "
+                  "(https://www.gnu.org/licenses/lgpl-3.0.html), and libcurl under the curl licence "
+                  "(https://curl.se/docs/copyright.html).");
     EXPECT_THAT(alerts[0].buttons, ElementsAre("OK"));
 }
 

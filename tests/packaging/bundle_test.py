@@ -21,6 +21,10 @@ NAME = "kvOrvantaLogic_Tool"
 ICON = f"Contents/Resources/{NAME}.icns"
 MODEL = f"Contents/Resources/{NAME}.momd/Model.plist"
 PROGRAM = f"Contents/MacOS/{NAME}"
+GUIDE_SOURCE = ROOT / "docs/guide"
+GUIDE = sorted("Contents/Resources/guide/" + name for name in (
+    *(page.stem + ".html" for page in GUIDE_SOURCE.glob("*.md")), "guide.css",
+    *(f"images/{picture.name}" for picture in (GUIDE_SOURCE / "images").glob("*.png"))))
 # Where CMake finds Debian's libraries when it is told that this is another system; OpenGL is a framework there.
 DEBIAN = f"/usr/lib/{os.environ['KV_LIBRARY_ARCHITECTURE']}"
 FRAMEWORKS = "add_library(WrapOpenGL::WrapOpenGL INTERFACE IMPORTED GLOBAL)\n"
@@ -57,18 +61,24 @@ class Bundle(unittest.TestCase):
         cls.environment = {key: value for key, value in os.environ.items() if key != "KV_SIGNING_IDENTITY"}
         cls.environment["PATH"] = f"{tools}:{os.environ['PATH']}"
         (cls.folder / "frameworks.cmake").write_text(FRAMEWORKS, encoding="utf-8")
-        run(CMAKE, "-S", ROOT, "-B", cls.tree, "-G", "Ninja", "-DCMAKE_SYSTEM_NAME=Darwin", "-DCMAKE_BUILD_TYPE=Release",
-            "-DCMAKE_CXX_COMPILER=clang++", "-DCMAKE_CXX_COMPILER_WORKS=ON", "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON",
-            "-DCMAKE_TRY_COMPILE_TARGET_TYPE=STATIC_LIBRARY", f"-DCMAKE_PREFIX_PATH={DEBIAN}/cmake",
-            f"-DCMAKE_LIBRARY_PATH={DEBIAN}", f"-DCMAKE_PROJECT_INCLUDE={cls.folder}/frameworks.cmake",
-            env=cls.environment)
-        run(CMAKE, "--build", cls.tree, "--target", f"bin/{NAME}.app/{ICON}", f"bin/{NAME}.app/{MODEL}")
+        cls.configure(cls.tree)
+        run(CMAKE, "--build", cls.tree, "--target", f"bin/{NAME}.app/{ICON}", f"bin/{NAME}.app/{MODEL}",
+            *(f"bin/{NAME}.app/{name}" for name in GUIDE))
         (cls.bundle / PROGRAM).write_text("#!/bin/sh\n", encoding="utf-8")
         cls.information = plistlib.loads((cls.bundle / "Contents/Info.plist").read_bytes())
 
+    @classmethod
+    def configure(cls, tree, *options):
+        return run(
+            CMAKE, "-S", ROOT, "-B", tree, "-G", "Ninja", "-DCMAKE_SYSTEM_NAME=Darwin", "-DCMAKE_BUILD_TYPE=Release",
+            "-DCMAKE_CXX_COMPILER=clang++", "-DCMAKE_CXX_COMPILER_WORKS=ON", "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON",
+            "-DCMAKE_TRY_COMPILE_TARGET_TYPE=STATIC_LIBRARY", f"-DCMAKE_PREFIX_PATH={DEBIAN}/cmake",
+            f"-DCMAKE_LIBRARY_PATH={DEBIAN}", f"-DCMAKE_PROJECT_INCLUDE={cls.folder}/frameworks.cmake", *options,
+            env=cls.environment)
+
     def test_holds_exactly_what_is_expected(self):
         files = sorted(str(path.relative_to(self.bundle)) for path in self.bundle.rglob("*") if path.is_file())
-        self.assertEqual(files, sorted(["Contents/Info.plist", ICON, MODEL, PROGRAM]))
+        self.assertEqual(files, sorted(["Contents/Info.plist", ICON, MODEL, PROGRAM, *GUIDE]))
 
     def test_resources_lie_where_the_program_looks_for_them(self):
         commands = json.loads((self.tree / "compile_commands.json").read_text(encoding="utf-8"))
@@ -76,6 +86,14 @@ class Bundle(unittest.TestCase):
         folder = re.search(r'KV_RESOURCES_FOLDER=\\+"([^"\\]+)', command).group(1)
         model = (self.bundle / PROGRAM).parent / ".." / folder / f"{NAME}.momd/Model.plist"
         self.assertEqual(model.read_bytes(), (ROOT / f"resources/{NAME}.momd/Model.plist").read_bytes())
+        guide = (self.bundle / PROGRAM).parent / ".." / folder / "guide/index.html"
+        self.assertIn(os.environ["KV_VERSION"], guide.read_text(encoding="utf-8"))
+
+    def test_a_tree_without_the_guides_converter_is_configured_too(self):
+        with tempfile.TemporaryDirectory() as folder:
+            said = self.configure(folder, "-DKV_CMARK=OFF")
+            self.assertNotRegex(run(CMAKE, "--build", folder, "--target", "help"), r"(?m)^guide: |guide/index.html")
+        self.assertIn("the user guide is not made", said)
 
     def test_information_names_what_is_there(self):
         self.assertEqual(self.information["CFBundleExecutable"], Path(PROGRAM).name)

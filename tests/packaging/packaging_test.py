@@ -27,11 +27,22 @@ ENTRY = f"share/applications/{IDENTIFIER}.desktop"
 METADATA = f"share/metainfo/{IDENTIFIER}.metainfo.xml"
 MODEL = "share/kvOrvantaLogic_Tool/kvOrvantaLogic_Tool.momd/Model.plist"
 DOCUMENTS = f"share/doc/{PACKAGE}"
+GUIDE = "share/kvOrvantaLogic_Tool/guide"
 MANUAL = "share/man/man1/kvOrvantaLogic_Tool.1.gz"
+
+GUIDE_SOURCE = Path(__file__).resolve().parents[2] / "docs/guide"
+
+
+def guide_files():
+    """Of the user guide, as they are shipped."""
+    pages = [page.stem + ".html" for page in GUIDE_SOURCE.glob("*.md")]
+    return pages + ["guide.css"] + [f"images/{picture.name}" for picture in (GUIDE_SOURCE / "images").glob("*.png")]
+
 
 EXPECTED = sorted(
     [PROGRAM, ENTRY, METADATA, MODEL, MANUAL, f"share/icons/hicolor/scalable/apps/{IDENTIFIER}.svg"]
     + [f"share/icons/hicolor/{size}x{size}/apps/{IDENTIFIER}.png" for size in PNG_SIZES]
+    + [f"{GUIDE}/{name}" for name in guide_files()]
     + [f"{DOCUMENTS}/{name}" for name in ("changelog.gz", "changelog.Debian.gz", "copyright")]
 )
 
@@ -106,6 +117,12 @@ class InstalledTree(unittest.TestCase):
             self.assertRegex(changelog.readline(), rf"^{PACKAGE} \({re.escape(VERSION)}-\d+\) ")
         with gzip.open(self.prefix / MANUAL, "rt", encoding="utf-8") as manual:
             self.assertIn(f"kvOrvantaLogic_Tool {VERSION}", manual.readline())
+
+    def test_the_guide_is_the_one_of_the_source(self):
+        self.assertIn("<h1", self.text(f"{GUIDE}/index.html"))
+        self.assertIn(VERSION, self.text(f"{GUIDE}/index.html"))
+        for picture in (GUIDE_SOURCE / "images").glob("*.png"):
+            self.assertEqual((self.prefix / GUIDE / "images" / picture.name).read_bytes(), picture.read_bytes())
 
     def test_every_icon_has_the_size_of_its_folder(self):
         for size in PNG_SIZES:

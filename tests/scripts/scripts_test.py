@@ -42,6 +42,8 @@ for name in HOME CFFIXED_USER_HOME KV_LOCAL_LIBRARY XDG_CONFIG_HOME XDG_DATA_HOM
 done
 if [ -n "$KV_TOUR_OUTPUT" ]; then
     echo picture >"$KV_TOUR_OUTPUT/01.png"
+    mkdir "$KV_TOUR_OUTPUT/guide"
+    echo excerpt | tee "$KV_TOUR_OUTPUT/guide/pages.png" >"$KV_TOUR_OUTPUT/guide/readme-1.png"
     echo new >"$HOME/CSParameterOrder.plist.prev"
 fi
 trap 'exit 7' TERM
@@ -264,7 +266,16 @@ class Run(ScriptsTest):
         self.assertEqual(seen["CFFIXED_USER_HOME"], seen["HOME"])
         output = self.root / "demo-output"
         written = sorted(str(path.relative_to(output)) for path in output.rglob("*") if path.is_file())
-        self.assertEqual(written, ["01.png", "files/home/CSParameterOrder.plist.prev", "log.txt"])
+        self.assertEqual(written, ["01.png", "files/home/CSParameterOrder.plist.prev", "guide/pages.png",
+                                   "guide/readme-1.png", "log.txt"])
+
+    def test_the_pictures_of_the_documents_are_made_anew(self):
+        documents = self.root / "docs"
+        for former in ("guide/images/former.png", "images/former.png"):
+            self.write(documents / former, "former")
+        self.run_script("guide-pictures")
+        made = {str(path.relative_to(documents)): path.read_text(encoding="utf-8") for path in documents.rglob("*.png")}
+        self.assertEqual(made, {"guide/images/pages.png": "excerpt\n", "images/readme-1.png": "excerpt\n"})
 
     def test_a_tour_as_built_sets_nothing_up(self):
         self.run_script("run", "--tour-as-built", self.folder / "there")

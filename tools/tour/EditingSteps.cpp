@@ -102,4 +102,13 @@ QString pastePage(Tour& tour)
     return placed;
 }
 
+QString leaveDraft(Tour& tour)
+{
+    tour.clickRow(kPlugins, QStringLiteral("Quillmoor Echo"));
+    tour.clickRow(kPlugins, QStringLiteral("Thistlewick Hall"));
+    auto* bar = tour.find<QWidget>("draftBar");
+    tour.expect(bar->isVisible(), QStringLiteral("the edits that were left can be brought back"));
+    return bar->accessibleName();
+}
+
 } // namespace tour

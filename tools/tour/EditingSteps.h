@@ -17,5 +17,7 @@ QString insertPot(Tour& tour);
 QString fill(Tour& tour);
 /// Its last page into a reverb.
 QString pastePage(Tour& tour);
+/// And leaves that for another plug-in and comes back.
+QString leaveDraft(Tour& tour);
 
 } // namespace tour

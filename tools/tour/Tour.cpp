@@ -82,6 +82,7 @@ void Tour::next()
     const Step& step = steps_[current_++];
     shownWindow_ = topLevel("cwinMainWindow");
     alertPicture_ = {};
+    alertAlone_ = {};
     alertText_.clear();
     alertWatch_.stop();
     QString seen;
@@ -95,11 +96,20 @@ void Tour::next()
     QTest::qWait(kPauseMs);
     const QString file = QStringLiteral("%1-%2.png").arg(current_, 2, 10, QLatin1Char('0')).arg(step.name);
     QPixmap picture = alertPicture_.isNull() ? shownWindow_->grab() : alertPicture_;
+    QRect menuRect;
     if (QMenu* menu = openMenu()) {
+        menuRect = QRect(shownWindow_->mapFromGlobal(menu->pos()), menu->size());
         picture = pictureWith(*shownWindow_, *menu, shownWindow_->mapFromGlobal(menu->pos()), false);
         menu->close();
     }
-    if (!picture.save(output_.filePath(file))) {
+    bool isWritten = picture.save(output_.filePath(file));
+    for (const Excerpt& excerpt : step.excerpts) {
+        constexpr int kAsSmallAsItGets = 0;
+        const QString excerptFile = output_.filePath(QStringLiteral("guide/%1.png").arg(excerpt.name));
+        isWritten = isWritten && output_.mkpath(QStringLiteral("guide")) &&
+                    cutOut(excerpt, picture, menuRect).save(excerptFile, nullptr, kAsSmallAsItGets);
+    }
+    if (!isWritten) {
         print(QStringLiteral("%1: FAILED, cannot write %2").arg(step.name, output_.filePath(file)));
         QCoreApplication::exit(1);
         return;
@@ -111,6 +121,23 @@ void Tour::next()
 QMenu* Tour::openMenu() const
 {
     return qobject_cast<QMenu*>(QApplication::activePopupWidget());
+}
+
+QImage Tour::cutOut(const Excerpt& excerpt, const QPixmap& picture, const QRect& menu)
+{
+    QPixmap cut = alertAlone_;
+    if (!excerpt.widgets.empty()) {
+        constexpr int kMargin = 3;
+        QRect rect = menu;
+        for (const char* name : excerpt.widgets) {
+            const QWidget* widget = findWidget(name, QWidget::staticMetaObject);
+            rect |= QRect(widget->mapTo(shownWindow_, QPoint()), widget->size());
+        }
+        if (excerpt.height > 0)
+            rect.setHeight(excerpt.height);
+        cut = picture.copy(rect.adjusted(-kMargin, -kMargin, kMargin, kMargin) & picture.rect());
+    }
+    return cut.toImage().convertToFormat(QImage::Format_RGB555, Qt::AvoidDither);
 }
 
 QWidget* Tour::findWidget(const char* name, const QMetaObject& type)
@@ -259,6 +286,7 @@ void Tour::answer(QMessageBox& box)
     alertText_ = box.text();
     alertInformativeText_ = box.informativeText();
     alertPicture_ = pictureWithDialog(box);
+    alertAlone_ = box.grab();
     QTest::mouseClick(box.buttons().front(), Qt::LeftButton);
 }
 

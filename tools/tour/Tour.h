@@ -1,10 +1,13 @@
 #pragma once
 // Takes the running program from step to step as a user would, with mouse and keyboard events on its widgets. Each step
-// leaves a picture and prints one line. The first step that does not find what it expects ends the program with 1.
+// leaves a picture, some of them an excerpt for the guide too, and prints one line. The first step that does not find
+// what it expects ends the program with 1.
 
 #include <QDir>
+#include <QImage>
 #include <QObject>
 #include <QPixmap>
+#include <QRect>
 #include <QString>
 #include <QTimer>
 
@@ -21,10 +24,19 @@ namespace tour {
 
 class Tour;
 
+/// What of a step's picture goes into the user guide or the README.
+struct Excerpt {
+    QString name;
+    /// It shows these, what lies between them and an open menu; none: the alert alone.
+    std::vector<const char*> widgets = {};
+    int height = 0; ///< from the top; 0: all
+};
+
 struct Step {
     QString name; ///< of the picture, and what the line begins with
     /// Does the step and answers what is to be seen now. Throws Failure.
     std::function<QString(Tour&)> act;
+    std::vector<Excerpt> excerpts = {};
 };
 
 struct Failure : std::runtime_error {
@@ -87,6 +99,9 @@ private:
     QWidget* findWidget(const char* name, const QMetaObject& type);
     void next();
     QMenu* openMenu() const;
+    /// The excerpt of a step's picture; null where it is the alert and none came up. With fewer shades, which makes it
+    /// a smaller file and is hardly seen.
+    QImage cutOut(const Excerpt& excerpt, const QPixmap& picture, const QRect& menu);
     void answerNow();
     void answer(QMessageBox& box);
     void answer(QFileDialog& dialog);
@@ -95,7 +110,8 @@ private:
     std::vector<Step> steps_;
     std::size_t current_ = 0;
     QWidget* shownWindow_ = nullptr;
-    QPixmap alertPicture_;
+    QPixmap alertPicture_; ///< over the window
+    QPixmap alertAlone_;
     QString alertText_;
     QString alertInformativeText_;
     QString savePath_;

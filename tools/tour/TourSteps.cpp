@@ -310,6 +310,16 @@ QString help(Tour& tour)
     return tour.textOfAlert();
 }
 
+QString about(Tour& tour)
+{
+    tour.answerAlert();
+    tour.chooseFromMenuBar("about");
+    tour.expect(tour.informativeTextOfAlert().contains(QLatin1String("libcurl ")),
+                QStringLiteral("libraries are told"));
+    return tour.textOfAlert() + QStringLiteral(": ") +
+           tour.informativeTextOfAlert().section(QLatin1String("\n\n"), 0, 0).simplified();
+}
+
 QString selectAgain(Tour& tour)
 {
     tour.clickRow("pluginTableView", QStringLiteral("Longwether Matrix"));
@@ -321,42 +331,53 @@ QString selectAgain(Tour& tour)
 
 std::vector<Step> allSteps()
 {
+    const auto whole = [](const char* name) { return Excerpt{QLatin1String(name), {"cwinMainWindow"}}; };
+    // clang-format off
     return {
         {QStringLiteral("empty-start"), emptyStart},
         {QStringLiteral("start"), start},
-        {QStringLiteral("select"), select},
-        {QStringLiteral("search"), search},
-        {QStringLiteral("assign"), assign},
+        {QStringLiteral("select"), select,
+         {{QStringLiteral("choose"), {"pluginReadOut", "pluginTableView"}}, whole("readme-1-choose")}},
+        {QStringLiteral("search"), search,
+         {{QStringLiteral("search"), {"mappedReadOut", "tablePlistOfSelectedPlugin"}, 170}}},
+        {QStringLiteral("assign"), assign,
+         {{QStringLiteral("press"), {"frontPanel", "pageOverview"}}, whole("readme-2-press")}},
         {QStringLiteral("add-page"), addPage},
         {QStringLiteral("unsaved"), unmapped},
-        {QStringLiteral("undo"), undo},
-        {QStringLiteral("move-page"), movePage},
-        {QStringLiteral("save"), save},
+        {QStringLiteral("undo"), undo, {whole("window")}},
+        {QStringLiteral("move-page"), movePage,
+         {{QStringLiteral("pages"), {"pageOverview", "firstPageButtonPressed", "clearAllPagesButtonPressed"}}}},
+        {QStringLiteral("save"), save, {{QStringLiteral("save")}, whole("readme-3-save")}},
         {QStringLiteral("recall"), recall},
         {QStringLiteral("chart"), chart},
         {QStringLiteral("synthesizer"), synthesizer},
         {QStringLiteral("save-synthesizer"), saveSynthesizer},
-        {QStringLiteral("compare"), compare},
+        {QStringLiteral("compare"), compare,
+         {{QStringLiteral("compare"), {"frontPanel", "pageOverview", "differenceHint"}}}},
         {QStringLiteral("pdf"), chartAsPdf},
         {QStringLiteral("dark"), dark},
         {QStringLiteral("large"), light},
         {QStringLiteral("names-as-they-are"), markup},
         {QStringLiteral("filter"), filterPlugins},
-        {QStringLiteral("context-menu"), contextMenu},
+        {QStringLiteral("context-menu"), contextMenu,
+         {{QStringLiteral("pot-menu"), {"kvRotaryBtn1", "kvControl6"}}}},
         {QStringLiteral("insert-pot"), insertPot},
         {QStringLiteral("fill"), fill},
         {QStringLiteral("paste-page"), pastePage},
+        {QStringLiteral("draft"), leaveDraft, {{QStringLiteral("draft"), {"draftBar", "pluginTableView"}}}},
         {QStringLiteral("new-account"), newAccount},
-        {QStringLiteral("log-in"), logIn},
+        {QStringLiteral("log-in"), logIn, {{QStringLiteral("account"), {"cwinCloudWindow"}}}},
         {QStringLiteral("logged-in"), loggedIn},
         {QStringLiteral("upload"), upload},
         {QStringLiteral("uploaded"), uploaded},
         {QStringLiteral("browse"), browse},
-        {QStringLiteral("preview"), preview},
+        {QStringLiteral("preview"), preview, {{QStringLiteral("preview"), {"cwinDownloadWindow"}}}},
         {QStringLiteral("download"), download},
         {QStringLiteral("help"), help},
+        {QStringLiteral("about"), about},
         {QStringLiteral("select-another"), selectAgain},
     };
+    // clang-format on
 }
 
 } // namespace tour
