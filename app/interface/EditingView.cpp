@@ -10,6 +10,7 @@
 #include "chart/ChartState.h"
 #include "mapping/EditingState.h"
 #include "mapping/ParameterOrder.h"
+#include "panel/PageTitle.h"
 #include "panel/Pages.h"
 #include "platform/qt/RecordListView.h"
 #include "platform/qt/SymbolIcon.h"
@@ -93,9 +94,9 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
         if (action.needs != Needs::nothing)
             needing_.emplace_back(loaded.find<QAction>(action.name), action.needs);
     }
-    overview_->setSource([](int page, int pot) {
-        return qt::toQt(mapping::nameAt(mapping::plistBuild, panel::slotFor(page, pot - 1)));
-    });
+    overview_->setSource(
+        [](int page, int pot) { return qt::toQt(mapping::nameAt(mapping::plistBuild, panel::slotFor(page, pot - 1))); },
+        [](int page) { return qt::toQt(panel::pageTitle(mapping::plistBuild, page)); });
     for (const auto& [name, suffix] :
          {std::pair{"kvRecallOriginalMapping", "original"}, std::pair{"kvRecallPreviousMapping", "prev"}}) {
         auto* button = loaded.find<QAbstractButton>(name);

@@ -81,7 +81,7 @@ TEST_F(ComparingWindow, MarksPotsAndPagesAndTellsBothNames)
     EXPECT_EQ(tile(2, PageModel::DifferingPots).toUInt(), 0u);
     EXPECT_EQ(tile(3, PageModel::DifferingPots).toUInt(), 2u);
     EXPECT_EQ(tile(3, Qt::AccessibleTextRole).toString().toStdString(),
-              "Page 3 of 3, 4 of 8 pots mapped, 1 pot differs");
+              "Page 3 of 3, Knob, 4 of 8 pots mapped, 1 pot differs");
     EXPECT_THAT(tile(1, Qt::ToolTipRole).toString().toStdString(), HasSubstr("\n3  " + difference + "\n"));
 
     click("nextPageButtonPressed");
