@@ -178,7 +178,7 @@ void Pot::mouseMoveEvent(QMouseEvent* event)
     }
     isPulled_ = true;
     setDown(false);
-    setHovered(false); // the drag swallows the leaving of the mouse
+    setHovered(false);
     Q_EMIT pulled();
 }
 
