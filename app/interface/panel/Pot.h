@@ -16,7 +16,7 @@ public:
     explicit Pot(int number, QWidget* parent = nullptr);
 
     int number() const { return number_; }
-    /// Whether a parameter stands on it: turned up and lit, or turned down.
+    /// Whether a parameter stands on it.
     void setMapped(bool isMapped);
     bool isMapped() const { return isMapped_; }
     /// What it holds on the other side of a comparison: marks it and tells; empty where that is the same.
