@@ -282,6 +282,13 @@ const Action& Action::named(std::string_view name)
     return *std::find_if(table.begin(), table.end(), [name](const Action& action) { return action.name == name; });
 }
 
+QString Action::withKeys(const QString& tip) const
+{
+    if (keys.sequences.isEmpty())
+        return tip;
+    return QStringLiteral("%1 (%2)").arg(tip, keys.sequences.front().toString(QKeySequence::NativeText));
+}
+
 QString Action::translated(const char* words) const
 {
     const QString translation = words ? tr(words) : QString();

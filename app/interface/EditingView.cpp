@@ -29,6 +29,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -47,6 +48,15 @@ constexpr int kBackupPauseMs = 250;
 /// failed.
 constexpr int kDraftPauseMs = 1000;
 constexpr int kDraftRetryMs = 10'000;
+
+/// So that a name fits into a tip that can be read.
+constexpr qsizetype kLongestName = 90;
+
+QString shortened(std::string_view name)
+{
+    const QString whole = qt::toQt(name);
+    return whole.size() <= kLongestName ? whole : whole.left(kLongestName) + QChar(0x2026);
+}
 
 /// Puts a line under a tool tip, or none, and has a screen reader tell it.
 void describe(QAbstractButton* button, const QString& toolTip, const QString& more)
@@ -127,8 +137,10 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
         showDraft();
         plugins_->records().refreshMarks();
     }));
-    connections_.push_back(
-        controller_.arrayControllerPlistSelected()->selectionChanged.connect([this] { enableWhatCanBeDone(); }));
+    connections_.push_back(controller_.arrayControllerPlistSelected()->selectionChanged.connect([this] {
+        enableWhatCanBeDone();
+        showWhatPotsDo();
+    }));
     showDraft();
     refresh();
 }
@@ -151,6 +163,7 @@ void EditingView::refresh()
     showLeftovers();
     showWhatTheChartHolds();
     enableWhatCanBeDone();
+    showWhatPotsDo();
     showTitle();
     showHistory();
     markPlugins();
@@ -251,6 +264,27 @@ void EditingView::enableWhatCanBeDone()
         item->setEnabled(canBeDone(needs));
     modeSwitch_->setEnabled(hasPlugin);
     modeItems_[mapping::plugin_Mode != mapping::kModeInsertEffect ? 1 : 0]->setChecked(true);
+}
+
+void EditingView::showWhatPotsDo()
+{
+    std::array<QString, mapping::kPotsPerPage> tasks;
+    for (const Action& action : Action::all()) {
+        if (action.pot == 0)
+            continue;
+        QString& task = tasks[static_cast<std::size_t>(action.pot - 1)];
+        const QString pot = QString::number(action.pot);
+        const platform::Record* parameter = controller_.arrayControllerPlistSelected()->selection();
+        if (!controller_.isPluginBeingEdited())
+            task = tr("Choose a plug-in to put its parameters on pot %1").arg(pot);
+        else if (!parameter)
+            task = tr("Select a parameter to put it on pot %1").arg(pot);
+        else if (mapping::isEmptyEntry(*parameter))
+            task = action.withKeys(tr("Clear pot %1").arg(pot));
+        else // all in one go, since a name may hold "%2" itself
+            task = action.withKeys(tr("Put %1 on pot %2").arg(shortened(parameter->text(mapping::kParameter)), pot));
+    }
+    panel_->setTasks(tasks);
 }
 
 void EditingView::showTitle()

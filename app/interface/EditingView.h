@@ -54,6 +54,7 @@ private:
 
     void refresh();
     void enableWhatCanBeDone();
+    void showWhatPotsDo();
     void showTitle();
     void showHistory();
     void showLeftovers();

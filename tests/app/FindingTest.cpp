@@ -198,7 +198,8 @@ protected:
     {
         std::vector<int> ringed;
         for (int pot = 1; pot <= 8; ++pot) {
-            if (!find<>(("kvRotaryBtn" + std::to_string(pot)).c_str())->accessibleDescription().isEmpty())
+            const QString told = find<>(("kvRotaryBtn" + std::to_string(pot)).c_str())->accessibleDescription();
+            if (told.startsWith(QLatin1String("Holds the selected parameter")))
                 ringed.push_back(pot);
         }
         return ringed;

@@ -172,6 +172,12 @@ void FrontPanel::goTo(Pot& pot, Qt::FocusReason reason, Qt::KeyboardModifiers mo
     extendChoice(pot.number(), Qt::ShiftModifier);
 }
 
+void FrontPanel::setTasks(const std::array<QString, PanelLayout::kPots>& tasks)
+{
+    for (std::size_t i = 0; i < pots_.size(); ++i)
+        pots_[i]->setTask(tasks[i]);
+}
+
 void FrontPanel::setDifferences(const std::array<QString, PanelLayout::kPots>& differences)
 {
     for (std::size_t i = 0; i < pots_.size(); ++i) {

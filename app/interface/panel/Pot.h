@@ -19,6 +19,8 @@ public:
     /// Whether a parameter stands on it.
     void setMapped(bool isMapped);
     bool isMapped() const { return isMapped_; }
+    /// Tells what a press would do now.
+    void setTask(const QString& task);
     /// What it holds on the other side of a comparison: marks it and tells; empty where that is the same.
     void setDifference(const QString& difference);
     bool differs() const { return !difference_.isEmpty(); }
@@ -56,6 +58,7 @@ private:
     void describe();
 
     int number_;
+    QString task_;
     QString difference_;
     bool isMapped_ = false;
     bool holdsSelected_ = false;
