@@ -24,6 +24,7 @@
 #include <QDateTime>
 #include <QEvent>
 #include <QGuiApplication>
+#include <QIcon>
 #include <QLabel>
 #include <QLocale>
 #include <QStringList>
@@ -91,6 +92,7 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
       modeItems_{loaded.find<QAction>("modeInsertEffect"), loaded.find<QAction>("modeInstrument")},
       leftoverHint_(loaded.find<QLabel>("leftoverHint")),
       placedHint_(loaded.find<QLabel>("placedHint")),
+      chartItem_(loaded.find<QAction>("kvCreateChart")),
       draftBar_(loaded.find<DraftBar>("draftBar")),
       draftItems_{loaded.find<QAction>("bringBackDraft"), loaded.find<QAction>("discardDraft")}
 {
@@ -349,11 +351,18 @@ void EditingView::showLeftovers()
 
 void EditingView::showWhatTheChartHolds()
 {
-    const bool isMissing = controller_.isPluginBeingEdited() && !chart::canBeWritten(chart::bHTML);
-    describe(chart_.button, chart_.toolTip,
-             isMissing ? tr("A name or the path has letters outside ASCII, which this chart cannot hold; "
-                            "\u201cChart as PDF\u201d in the File menu can")
-                       : QString());
+    const bool lacks = controller_.isPluginBeingEdited() && !chart::canBeWritten(chart::bHTML);
+    const QString hint = lacks ? tr("Will not be written: a name or the path has letters outside ASCII, which this "
+                                    "chart cannot hold; \u201cChart as PDF\u201d in the File menu can")
+                               : QString();
+    describe(chart_.button, chart_.toolTip, hint);
+    const Action& action = Action::named("kvCreateChart");
+    chartItem_->setToolTip(lacks ? hint : action.translated(action.toolTip));
+    if (std::exchange(lacksChart_, lacks) == lacks)
+        return;
+    const QIcon symbol = qt::symbolIcon(lacks ? QStringLiteral("chart-lacking") : QStringLiteral("chart"));
+    chart_.button->setIcon(symbol);
+    chartItem_->setIcon(symbol);
 }
 
 void EditingView::describeBackup(const RecallButton& recall)

@@ -83,6 +83,8 @@ private:
     ToldButton newPage_;
     ToldButton save_;
     ToldButton chart_;
+    QAction* chartItem_;
+    bool lacksChart_ = false; ///< the chart cannot be written
     QTimer backupsChanged_;
     DraftBar* draftBar_;
     QAction* draftItems_[2];
