@@ -289,7 +289,7 @@ TEST_F(EditingViewTest, RecallButtonsTellWhenTheirBackupWasMadeAndWhatDiffers)
     const QString when = QLocale().toString(QDateTime::fromSecsSinceEpoch(std::chrono::system_clock::to_time_t(made)),
                                             QLocale::ShortFormat);
     EXPECT_EQ(rest("kvRecallOriginalMapping"),
-              "Put back the file as it was before the first save (Ctrl+Shift+O)\nBackup of " + when.toStdString() +
+              "Put back the file as it was before the first save (Ctrl+Alt+Shift+O)\nBackup of " + when.toStdString() +
                   "; pots that differ: 3");
     EXPECT_THAT(rest("kvRecallPreviousMapping"), HasSubstr("pots that differ: 3"));
     click("undoButton");
