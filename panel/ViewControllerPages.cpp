@@ -125,7 +125,7 @@ void ViewController::movePageAndPageTo(std::int32_t from, std::int32_t to)
     }
     if (to == from)
         return;
-    const Operation edit(*this, "Move Page");
+    const Operation edit(*this, "Exchange Pages");
     curPage = to;
     for (std::int32_t pot = 0; pot < mapping::kPotsPerPage; ++pot)
         moveParameterPositionAndToMovePageMode(panel::slotFor(from, pot), panel::slotFor(to, pot), 1);

@@ -37,10 +37,10 @@ std::span<const Action> Action::all()
          .row = ButtonRow::mapping,
          .toolTip = QT_TR_NOOP("Write the mapping into the plug-in's file and keep backups")},
         {.name = "kvRecallOriginalMapping", .text = QT_TR_NOOP("Recall Original"), .symbol = "recall-original",
-         .menu = Menu::file, .keys = "Ctrl+Shift+O", .needs = Needs::plugin, .call = &VC::kvRecallOriginalMapping,
+         .menu = Menu::file, .keys = "Ctrl+Alt+Shift+O", .needs = Needs::plugin, .call = &VC::kvRecallOriginalMapping,
          .row = ButtonRow::mapping, .toolTip = QT_TR_NOOP("Put back the file as it was before the first save")},
         {.name = "kvRecallPreviousMapping", .text = QT_TR_NOOP("Recall Previous"), .symbol = "recall-previous",
-         .menu = Menu::file, .keys = "Ctrl+Shift+P", .needs = Needs::plugin, .call = &VC::kvRecallPreviousMapping,
+         .menu = Menu::file, .keys = "Ctrl+Alt+Shift+U", .needs = Needs::plugin, .call = &VC::kvRecallPreviousMapping,
          .row = ButtonRow::mapping, .toolTip = QT_TR_NOOP("Put back the file as it was before the last save")},
         {.name = "kvCreateChart", .text = QT_TR_NOOP("Chart"), .symbol = "chart",
          .menu = Menu::file, .keys = QKeySequence::Print, .needs = Needs::plugin, .call = &VC::kvCreateChart,
@@ -60,7 +60,8 @@ std::span<const Action> Action::all()
          .row = ButtonRow::draft, .caption = QT_TR_NOOP("Discard"), .spoken = QT_TR_NOOP("Discard draft"),
          .toolTip = QT_TR_NOOP("Forget these edits for good")},
         {.name = "saveAction", .text = QT_TR_NOOP("Save Application Data"),
-         .menu = Menu::file, .beginsSection = true, .keys = "Ctrl+Shift+S"},
+         .menu = Menu::file, .beginsSection = true, .role = QAction::ApplicationSpecificRole,
+         .keys = "Ctrl+Alt+K", .toolTip = QT_TR_NOOP("Save what the program keeps for itself; no mapping is part of it")},
         {.name = "closeWindow", .text = QT_TR_NOOP("Close Window"),
          .menu = Menu::file, .beginsSection = true, .keys = QKeySequence::Close},
         {.name = "terminate", .text = QT_TR_NOOP("Quit"),
@@ -158,22 +159,22 @@ std::span<const Action> Action::all()
         {.name = "goToPage", .text = QT_TR_NOOP("Go to Page"), .symbol = "page-go-to",
          .menu = Menu::page, .keys = "Ctrl+G", .needs = Needs::mapping,
          .toolTip = QT_TR_NOOP("Show a page by its number or by the first letters of a name on it")},
-        {.name = "kvMovePage_First", .text = QT_TR_NOOP("Move Page to First"), .symbol = "move-first",
+        {.name = "kvMovePage_First", .text = QT_TR_NOOP("Exchange Page With First"), .symbol = "move-first",
          .menu = Menu::page, .beginsSection = true, .keys = "Ctrl+Home", .contexts = kOnTiles, .needs = Needs::mapping,
          .call = &VC::kvMovePage_First,
-         .row = ButtonRow::movePage, .caption = QT_TR_NOOP("First"), .spoken = QT_TR_NOOP("Move page to first"),
+         .row = ButtonRow::movePage, .caption = QT_TR_NOOP("First"), .spoken = QT_TR_NOOP("Exchange page with first"),
          .toolTip = QT_TR_NOOP("Exchange this page with the first one")},
-        {.name = "kvMovePage_Prev", .text = QT_TR_NOOP("Move Page to Previous"), .symbol = "move-previous",
+        {.name = "kvMovePage_Prev", .text = QT_TR_NOOP("Exchange Page With Previous"), .symbol = "move-previous",
          .menu = Menu::page, .keys = "Ctrl+PgUp", .contexts = kOnTiles, .needs = Needs::mapping, .call = &VC::kvMovePage_Prev,
-         .row = ButtonRow::movePage, .caption = QT_TR_NOOP("Previous"), .spoken = QT_TR_NOOP("Move page to previous"),
+         .row = ButtonRow::movePage, .caption = QT_TR_NOOP("Previous"), .spoken = QT_TR_NOOP("Exchange page with previous"),
          .toolTip = QT_TR_NOOP("Exchange this page with the one before")},
-        {.name = "kvMovePage_Next", .text = QT_TR_NOOP("Move Page to Next"), .symbol = "move-next",
+        {.name = "kvMovePage_Next", .text = QT_TR_NOOP("Exchange Page With Next"), .symbol = "move-next",
          .menu = Menu::page, .keys = "Ctrl+PgDown", .contexts = kOnTiles, .needs = Needs::mapping, .call = &VC::kvMovePage_Next,
-         .row = ButtonRow::movePage, .caption = QT_TR_NOOP("Next"), .spoken = QT_TR_NOOP("Move page to next"),
+         .row = ButtonRow::movePage, .caption = QT_TR_NOOP("Next"), .spoken = QT_TR_NOOP("Exchange page with next"),
          .toolTip = QT_TR_NOOP("Exchange this page with the one after")},
-        {.name = "kvMovePage_Last", .text = QT_TR_NOOP("Move Page to Last"), .symbol = "move-last",
+        {.name = "kvMovePage_Last", .text = QT_TR_NOOP("Exchange Page With Last"), .symbol = "move-last",
          .menu = Menu::page, .keys = "Ctrl+End", .contexts = kOnTiles, .needs = Needs::mapping, .call = &VC::kvMovePage_Last,
-         .row = ButtonRow::movePage, .caption = QT_TR_NOOP("Last"), .spoken = QT_TR_NOOP("Move page to last"),
+         .row = ButtonRow::movePage, .caption = QT_TR_NOOP("Last"), .spoken = QT_TR_NOOP("Exchange page with last"),
          .toolTip = QT_TR_NOOP("Exchange this page with the last one")},
         {.name = "newPageButtonPressed", .text = QT_TR_NOOP("New Page"), .symbol = "page-new",
          .menu = Menu::page, .beginsSection = true, .keys = QKeySequence::New, .needs = Needs::mapping,
@@ -283,6 +284,13 @@ const Action& Action::named(std::string_view name)
 {
     const auto table = all();
     return *std::find_if(table.begin(), table.end(), [name](const Action& action) { return action.name == name; });
+}
+
+QString Action::withKeys(const QString& tip) const
+{
+    if (keys.sequences.isEmpty())
+        return tip;
+    return QStringLiteral("%1 (%2)").arg(tip, keys.sequences.front().toString(QKeySequence::NativeText));
 }
 
 QString Action::translated(const char* words) const

@@ -102,6 +102,8 @@ public:
     static const Action& named(std::string_view name);
 
     const char* buttonName() const { return button ? button : name; }
+    /// A tool tip followed by the first of its keys, if it has any.
+    QString withKeys(const QString& tip) const;
     /// One of its texts in the user's language.
     QString translated(const char* words) const;
 };

@@ -84,7 +84,7 @@ std::vector<platform::qt::RecordColumn> sharedColumns(const std::vector<platform
 QWidget* makeSharedList()
 {
     auto* list =
-        makeList("cwinPlistAvailable", "arrayController_downloadList", QObject::tr("Shared for this plugin"), {});
+        makeList("cwinPlistAvailable", "arrayController_downloadList", QObject::tr("Shared for this plug-in"), {});
     list->records().setColumns(sharedColumns);
     list->header()->setDefaultSectionSize(105);
     QObject::connect(&list->records(), &QAbstractItemModel::modelReset, list, [list] {
@@ -180,7 +180,7 @@ QWidget* makeDownloadWindow()
     auto* comments = makeTextBox("cwinUploadedComments", QObject::tr("Comments"));
     comments->setReadOnly(true);
     comments->setMaximumHeight(120);
-    window->layout()->addWidget(makeHeading(QObject::tr("Shared for this plugin")));
+    window->layout()->addWidget(makeHeading(QObject::tr("Shared for this plug-in")));
     window->layout()->addWidget(makeSharedList());
     window->layout()->addWidget(makeHeading(QObject::tr("Comments")));
     window->layout()->addWidget(comments);

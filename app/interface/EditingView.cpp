@@ -10,6 +10,7 @@
 #include "chart/ChartState.h"
 #include "mapping/EditingState.h"
 #include "mapping/ParameterOrder.h"
+#include "panel/PageTitle.h"
 #include "panel/Pages.h"
 #include "platform/qt/RecordListView.h"
 #include "platform/qt/SymbolIcon.h"
@@ -23,11 +24,13 @@
 #include <QDateTime>
 #include <QEvent>
 #include <QGuiApplication>
+#include <QIcon>
 #include <QLabel>
 #include <QLocale>
 #include <QStringList>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -46,6 +49,15 @@ constexpr int kBackupPauseMs = 250;
 /// failed.
 constexpr int kDraftPauseMs = 1000;
 constexpr int kDraftRetryMs = 10'000;
+
+/// So that a name fits into a tip that can be read.
+constexpr qsizetype kLongestName = 90;
+
+QString shortened(std::string_view name)
+{
+    const QString whole = qt::toQt(name);
+    return whole.size() <= kLongestName ? whole : whole.left(kLongestName) + QChar(0x2026);
+}
 
 /// Puts a line under a tool tip, or none, and has a screen reader tell it.
 void describe(QAbstractButton* button, const QString& toolTip, const QString& more)
@@ -80,6 +92,7 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
       modeItems_{loaded.find<QAction>("modeInsertEffect"), loaded.find<QAction>("modeInstrument")},
       leftoverHint_(loaded.find<QLabel>("leftoverHint")),
       placedHint_(loaded.find<QLabel>("placedHint")),
+      chartItem_(loaded.find<QAction>("kvCreateChart")),
       draftBar_(loaded.find<DraftBar>("draftBar")),
       draftItems_{loaded.find<QAction>("bringBackDraft"), loaded.find<QAction>("discardDraft")}
 {
@@ -93,9 +106,9 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
         if (action.needs != Needs::nothing)
             needing_.emplace_back(loaded.find<QAction>(action.name), action.needs);
     }
-    overview_->setSource([](int page, int pot) {
-        return qt::toQt(mapping::nameAt(mapping::plistBuild, panel::slotFor(page, pot - 1)));
-    });
+    overview_->setSource(
+        [](int page, int pot) { return qt::toQt(mapping::nameAt(mapping::plistBuild, panel::slotFor(page, pot - 1))); },
+        [](int page) { return qt::toQt(panel::pageTitle(mapping::plistBuild, page)); });
     for (const auto& [name, suffix] :
          {std::pair{"kvRecallOriginalMapping", "original"}, std::pair{"kvRecallPreviousMapping", "prev"}}) {
         auto* button = loaded.find<QAbstractButton>(name);
@@ -126,8 +139,10 @@ EditingView::EditingView(ViewController& controller, const Interface& loaded)
         showDraft();
         plugins_->records().refreshMarks();
     }));
-    connections_.push_back(
-        controller_.arrayControllerPlistSelected()->selectionChanged.connect([this] { enableWhatCanBeDone(); }));
+    connections_.push_back(controller_.arrayControllerPlistSelected()->selectionChanged.connect([this] {
+        enableWhatCanBeDone();
+        showWhatPotsDo();
+    }));
     showDraft();
     refresh();
 }
@@ -150,6 +165,7 @@ void EditingView::refresh()
     showLeftovers();
     showWhatTheChartHolds();
     enableWhatCanBeDone();
+    showWhatPotsDo();
     showTitle();
     showHistory();
     markPlugins();
@@ -252,6 +268,27 @@ void EditingView::enableWhatCanBeDone()
     modeItems_[mapping::plugin_Mode != mapping::kModeInsertEffect ? 1 : 0]->setChecked(true);
 }
 
+void EditingView::showWhatPotsDo()
+{
+    std::array<QString, mapping::kPotsPerPage> tasks;
+    for (const Action& action : Action::all()) {
+        if (action.pot == 0)
+            continue;
+        QString& task = tasks[static_cast<std::size_t>(action.pot - 1)];
+        const QString pot = QString::number(action.pot);
+        const platform::Record* parameter = controller_.arrayControllerPlistSelected()->selection();
+        if (!controller_.isPluginBeingEdited())
+            task = tr("Choose a plug-in to put its parameters on pot %1").arg(pot);
+        else if (!parameter)
+            task = tr("Select a parameter to put it on pot %1").arg(pot);
+        else if (mapping::isEmptyEntry(*parameter))
+            task = action.withKeys(tr("Clear pot %1").arg(pot));
+        else // all in one go, since a name may hold "%2" itself
+            task = action.withKeys(tr("Put %1 on pot %2").arg(shortened(parameter->text(mapping::kParameter)), pot));
+    }
+    panel_->setTasks(tasks);
+}
+
 void EditingView::showTitle()
 {
     const bool hasMapping = controller_.isMappingLoaded();
@@ -314,11 +351,18 @@ void EditingView::showLeftovers()
 
 void EditingView::showWhatTheChartHolds()
 {
-    const bool isMissing = controller_.isPluginBeingEdited() && !chart::canBeWritten(chart::bHTML);
-    describe(chart_.button, chart_.toolTip,
-             isMissing ? tr("A name or the path has letters outside ASCII, which this chart cannot hold; "
-                            "\u201cChart as PDF\u201d in the File menu can")
-                       : QString());
+    const bool lacks = controller_.isPluginBeingEdited() && !chart::canBeWritten(chart::bHTML);
+    const QString hint = lacks ? tr("Will not be written: a name or the path has letters outside ASCII, which this "
+                                    "chart cannot hold; \u201cChart as PDF\u201d in the File menu can")
+                               : QString();
+    describe(chart_.button, chart_.toolTip, hint);
+    const Action& action = Action::named("kvCreateChart");
+    chartItem_->setToolTip(lacks ? hint : action.translated(action.toolTip));
+    if (std::exchange(lacksChart_, lacks) == lacks)
+        return;
+    const QIcon symbol = qt::symbolIcon(lacks ? QStringLiteral("chart-lacking") : QStringLiteral("chart"));
+    chart_.button->setIcon(symbol);
+    chartItem_->setIcon(symbol);
 }
 
 void EditingView::describeBackup(const RecallButton& recall)

@@ -54,6 +54,7 @@ private:
 
     void refresh();
     void enableWhatCanBeDone();
+    void showWhatPotsDo();
     void showTitle();
     void showHistory();
     void showLeftovers();
@@ -82,6 +83,8 @@ private:
     ToldButton newPage_;
     ToldButton save_;
     ToldButton chart_;
+    QAction* chartItem_;
+    bool lacksChart_ = false; ///< the chart cannot be written
     QTimer backupsChanged_;
     DraftBar* draftBar_;
     QAction* draftItems_[2];

@@ -144,18 +144,14 @@ void join(QAbstractButton* button, QAction* item, const Action& action)
         QObject::connect(item, &QAction::triggered, button, &QAbstractButton::click);
     if (button->isCheckable())
         QObject::connect(button, &QAbstractButton::toggled, item, &QAction::setChecked);
-    const auto setToolTip = [button, item](const QString& text) {
-        const QString keys = item->shortcut().toString(QKeySequence::NativeText);
-        button->setToolTip(keys.isEmpty() ? text : QStringLiteral("%1 (%2)").arg(text, keys));
-    };
-    const auto follow = [button, item, setToolTip, saysItemsText = !action.toolTip] {
+    const auto follow = [button, item, &action] {
         button->setEnabled(item->isEnabled());
-        if (saysItemsText) {
+        if (!action.toolTip) {
             button->setAccessibleName(item->text());
-            setToolTip(item->text());
+            button->setToolTip(action.withKeys(item->text()));
         }
     };
-    setToolTip(action.translated(action.toolTip));
+    button->setToolTip(action.withKeys(action.translated(action.toolTip)));
     follow();
     QObject::connect(item, &QAction::changed, button, follow);
 }

@@ -2,6 +2,7 @@
 
 #include "app/ViewController.h"
 #include "app/interface/DragData.h"
+#include "app/interface/DragPicture.h"
 #include "app/interface/Interface.h"
 #include "app/interface/SearchField.h"
 #include "app/interface/panel/FrontPanel.h"
@@ -116,14 +117,18 @@ void ListsView::letThingsBeDragged()
     };
     panel_->setEditState(state);
     overview_->drags().setEditState(state);
-    parameters_->setDrag(QString::fromLatin1(kParameterDrag), [parameters, state] {
+    parameters_->setDrag(QString::fromLatin1(kParameterDrag), [this, parameters, state] {
         const auto rows = parameters->selectedObjects();
         const auto blanks = std::count_if(rows.begin(), rows.end(),
                                           [](const platform::Record* row) { return mapping::isEmptyEntry(*row); });
         const int count = static_cast<int>(static_cast<std::ptrdiff_t>(rows.size()) - blanks);
         const DragData drag{.kind = DragData::Kind::parameters, .state = state(), .parameters = count};
-        const QString several = count == 1 ? tr("1 parameter") : tr("%1 parameters").arg(QLocale().toString(count));
-        return qt::RowDrag{drag.content(), rows.size() > 1 ? several : QString()};
+        QString caption = tr("%1 parameters").arg(QLocale().toString(count));
+        if (rows.size() == 1)
+            caption = count == 1 ? qt::toQt(rows.front()->text(mapping::kParameter)) : tr("Clears a pot");
+        else if (count == 1)
+            caption = tr("1 parameter");
+        return qt::RowDrag{drag.content(), dragPicture(caption, parameters_)};
     });
 }
 

@@ -134,9 +134,9 @@ QWidget* makeColumn(QLayout* top, QHBoxLayout* narrowing, QWidget* list)
 
 QWidget* makePluginColumn()
 {
-    auto* heading = makeHeading(QObject::tr("Plugins"));
+    auto* heading = makeHeading(QObject::tr("Plug-ins"));
     auto* list = makeList("pluginTableView", "myArrayController", heading->text(),
-                          {{QObject::tr("Plugin"), plugins::kPlugin},
+                          {{QObject::tr("Plug-in"), plugins::kPlugin},
                            {QObject::tr("Type"), plugins::kType, 160},
                            {QObject::tr("State"), plugins::kState, 80}},
                           plugins::kFileLocation);
@@ -212,7 +212,7 @@ QLayout* makePageControls()
     layout->setSpacing(10);
     addGroup(layout, ButtonRow::showPage, QObject::tr("Show page"));
     layout->addWidget(makeSeparator());
-    addGroup(layout, ButtonRow::movePage, QObject::tr("Move page to"));
+    addGroup(layout, ButtonRow::movePage, QObject::tr("Exchange with"));
     layout->addWidget(makeSeparator());
     addGroup(layout, ButtonRow::newPage);
     layout->addStretch(1);
@@ -307,6 +307,7 @@ MainWindow::MainWindow()
         search->setFocus(Qt::ShortcutFocusReason);
         search->selectAll();
     });
+    findChild<QWidget*>(QStringLiteral("pluginTableView"))->setFocus(Qt::OtherFocusReason); // where the work begins
     onWindowInFront("closeWindow", [](QWidget& front) { front.close(); });
     onWindowInFront("minimiseWindow", [](QWidget& front) { front.showMinimized(); });
     onWindowInFront("zoomWindow",

@@ -1,5 +1,6 @@
 #include "platform/qt/RecordListView.h"
 
+#include "platform/qt/Hover.h"
 #include "platform/qt/Typing.h"
 
 #include <QAccessible>
@@ -8,7 +9,6 @@
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
@@ -96,15 +96,16 @@ RecordListView::RecordListView(std::vector<RecordColumn> columns, std::string to
     : QTreeView(parent), records_(new RecordTableModel(rows_, columns, std::move(toolTipKey), this))
 {
     setModel(records_);
+    int roomiest = 0;
     for (int column = 0; column < records_->columnCount(); ++column) {
         if (const int width = columns[static_cast<std::size_t>(column)].width; width > 0)
             header()->resizeSection(column, width);
         else
-            roomiestColumn_ = column;
+            roomiest = column;
     }
     if (!columns.empty()) {
         header()->setStretchLastSection(false);
-        header()->setSectionResizeMode(roomiestColumn_, QHeaderView::Stretch);
+        header()->setSectionResizeMode(roomiest, QHeaderView::Stretch);
     }
     setItemDelegate(new OneLineDelegate(this));
     const int symbol = fontMetrics().height() - 2; // a row is no higher with one
@@ -173,22 +174,6 @@ void RecordListView::enterFromSearch()
         selectionModel()->setCurrentIndex(model()->index(first, 0), QItemSelectionModel::NoUpdate);
 }
 
-QPixmap RecordListView::dragPicture(const QString& caption) const
-{
-    if (caption.isEmpty())
-        return viewport()->grab(visualRect(model()->index(selectedRow(), roomiestColumn_)));
-    QLabel label(caption);
-    label.setTextFormat(Qt::PlainText);
-    label.setFont(font());
-    label.setPalette(palette());
-    label.setForegroundRole(QPalette::HighlightedText);
-    label.setBackgroundRole(QPalette::Highlight);
-    label.setAutoFillBackground(true);
-    label.setMargin(fontMetrics().height() / 4);
-    label.adjustSize();
-    return label.grab();
-}
-
 void RecordListView::startDrag(Qt::DropActions actions)
 {
     if (selectedRow() == ArrayController::kNoSelection || !dragOf_)
@@ -198,8 +183,9 @@ void RecordListView::startDrag(Qt::DropActions actions)
     rows->setData(dragType_, dragged.data);
     auto* drag = new QDrag(this);
     drag->setMimeData(rows);
-    drag->setPixmap(dragPicture(dragged.caption));
+    drag->setPixmap(dragged.picture);
     const bool wasDropped = drag->exec(actions, Qt::CopyAction) != Qt::IgnoreAction;
+    endHover(*viewport());
     Q_EMIT dragEnded(wasDropped);
 }
 

@@ -23,7 +23,7 @@ namespace platform::qt {
 /// The selected rows while they are dragged.
 struct RowDrag {
     QByteArray data;
-    QString caption; ///< what hangs at the pointer; empty: the row itself
+    QPixmap picture; ///< what hangs at the pointer
 };
 
 class RecordListView final : public QTreeView {
@@ -82,7 +82,6 @@ private:
     std::int32_t selectedRow() const;
     void showSelection();
     void showSeveral();
-    QPixmap dragPicture(const QString& caption) const;
     void moveByKey(QKeyEvent* event);
     void choose(std::int32_t row);
     void choose(std::vector<std::int32_t> rows, std::int32_t current);
@@ -92,7 +91,6 @@ private:
     std::shared_ptr<ArrayController> rows_ = std::make_shared<ArrayController>();
     std::shared_ptr<TableView> table_ = std::make_shared<TableView>();
     RecordTableModel* records_;
-    int roomiestColumn_ = 0; ///< which is what is seen of a row that is dragged
     bool showingSelection_ = false;
     bool isDeliberate_ = false;
     bool isOnlyMarking_ = false; ///< the row that is selected just now is not chosen yet

@@ -37,7 +37,7 @@ class ProgramTest(unittest.TestCase):
         self.main = self.program.window("kvOrvantaLogic Tool")
 
     def choose_plug_in(self, name):
-        self.main.find("tree", "Plugins").cell(name).choose()
+        self.main.find("tree", "Plug-ins").cell(name).choose()
         self.wait(lambda: self.main.name.startswith(name), "the title does not tell the plug-in")
 
     def choose_parameter(self, name):
@@ -84,7 +84,7 @@ class MainWindowTest(ProgramTest):
 
     def test_every_row_of_a_list_says_what_it_is(self):
         self.choose_plug_in("Wendlebrook EQ")
-        for title in ("Plugins", "Plugin Parameters"):
+        for title in ("Plug-ins", "Plugin Parameters"):
             cells = [node for node in self.main.find("tree", title).children() if node.role in reader.CELLS]
             columns = 3
             self.assertGreater(len(cells), 2 * columns)
@@ -94,8 +94,8 @@ class MainWindowTest(ProgramTest):
 
     def test_parts_are_told_in_the_order_in_which_they_are_seen(self):
         told = [node.name for node in self.main.outline()]
-        parts = ["kvOrvantaLogic Tool", "Editing mode", "Plugins", "Plugin Parameters", "Please Select a plugin",
-                 "Move page to", "Not Logged In"]
+        parts = ["kvOrvantaLogic Tool", "Editing mode", "Plug-ins", "Plugin Parameters", "Please Select a plugin",
+                 "Exchange with", "Not Logged In"]
         places = [told.index(part) for part in parts]
         self.assertEqual(places, sorted(places), dict(zip(parts, places)))
 
@@ -158,7 +158,7 @@ class MainWindowTest(ProgramTest):
         # Of the two cells of the mode one is on the way; arrow keys go to the other.
         unvisited = [node for node in controls if node not in visited and node.role != "radio button"]
         self.assertEqual(unvisited, [])
-        order = ["Instrument", "Undo Assign Parameter", "Save Mapping", "Help", "Plugins", "Search parameters", "Not mapped yet",
+        order = ["Instrument", "Undo Assign Parameter", "Save Mapping", "Help", "Plug-ins", "Search parameters", "Not mapped yet",
                  "Plugin Parameters"]
         order += [self.pot(number).name for number in range(1, 9)]
         order += ["Show first page", "New Page", "Delete Page", "Clear All", "Account", "Browse"]
@@ -235,7 +235,7 @@ class CommunityWindowsTest(ProgramTest):
         self.main.find("push button", "Browse").press()
         window = self.program.window("Shared Mappings")
         self.check_controls(window)
-        self.assertEqual(window.find("tree", "Shared for this plugin").cell("Drums first").name, "Drums first")
+        self.assertEqual(window.find("tree", "Shared for this plug-in").cell("Drums first").name, "Drums first")
 
     def test_an_alert_is_read_whole(self):
         self.main.find("push button", "Help").press()

@@ -8,6 +8,7 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointF>
 #include <QShortcut>
 #include <QSysInfo>
 #include <QTest>
@@ -15,6 +16,7 @@
 
 #include <curl/curl.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -170,7 +172,46 @@ TEST_F(ActionsTest, NoTwoOperationsShareAKey)
     EXPECT_GE(plain.size(), 16u);
 }
 
-TEST_F(ActionsTest, AMacMovesOnlyQuitAndAbout)
+TEST_F(ActionsTest, NoSlipOfAnotherKeyPutsBackAFile)
+{
+    constexpr Qt::KeyboardModifier kModifiers[] = {Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier,
+                                                   Qt::MetaModifier};
+    // Which keys lie beside one another.
+    const QString rows[] = {QStringLiteral("1234567890"), QStringLiteral("QWERTYUIOP"), QStringLiteral("ASDFGHJKL"),
+                            QStringLiteral("ZXCVBNM")};
+    const auto place = [&](Qt::Key key) {
+        for (int row = 0; row < 4; ++row) {
+            if (const auto at = rows[row].indexOf(QChar(static_cast<char16_t>(key))); at >= 0)
+                return QPointF(static_cast<double>(at) + row * 0.4, row);
+        }
+        return QPointF(-9, -9);
+    };
+    const auto isSlip = [&](const QKeySequence& one, const QKeySequence& other) {
+        if (one[0].key() == other[0].key()) {
+            const auto differing = one[0].keyboardModifiers() ^ other[0].keyboardModifiers();
+            return std::ranges::count_if(kModifiers, [&](auto each) { return differing.testFlag(each); }) <= 1;
+        }
+        const QPointF way = place(one[0].key()) - place(other[0].key());
+        return one[0].keyboardModifiers() == other[0].keyboardModifiers() && QPointF::dotProduct(way, way) < 1.5;
+    };
+    EXPECT_TRUE(isSlip(QKeySequence(QStringLiteral("Ctrl+P")), QKeySequence(QStringLiteral("Ctrl+Shift+P"))));
+    EXPECT_TRUE(isSlip(QKeySequence(QStringLiteral("Ctrl+O")), QKeySequence(QStringLiteral("Ctrl+L"))));
+    EXPECT_FALSE(isSlip(QKeySequence(QStringLiteral("Ctrl+O")), QKeySequence(QStringLiteral("Ctrl+U"))));
+    for (const char* recall : {"kvRecallOriginalMapping", "kvRecallPreviousMapping"}) {
+        const QKeySequence keys = interface::Action::named(recall).keys.sequences.value(0);
+        ASSERT_EQ(keys.count(), 1) << recall;
+        for (const interface::Action& other : interface::Action::all()) {
+            for (const QKeySequence& otherKeys : other.keys.sequences) {
+                const bool isOther = other.name != std::string(recall);
+                EXPECT_FALSE(isOther && isSlip(keys, otherKeys)) << recall << " and " << other.name;
+            }
+        }
+        for (const char* taken : kTakenOnAMac)
+            EXPECT_FALSE(isSlip(keys, QKeySequence(QLatin1String(taken)))) << recall << " and " << taken;
+    }
+}
+
+TEST_F(ActionsTest, AMacMovesOnlyQuitAndAboutAndWhatIsTheProgramsOwn)
 {
     for (const interface::Action& action : interface::Action::all()) {
         const bool quits = action.name == std::string("terminate");
@@ -179,10 +220,12 @@ TEST_F(ActionsTest, AMacMovesOnlyQuitAndAbout)
         const bool isForTexts =
             QStringList{QStringLiteral("cutSlots"), QStringLiteral("copySlots"), QStringLiteral("pasteSlots")}.contains(
                 QString::fromLatin1(action.name));
-        const auto role = quits        ? QAction::QuitRole
-                          : tells      ? QAction::AboutRole
-                          : isForTexts ? QAction::TextHeuristicRole
-                                       : QAction::NoRole;
+        const bool isOfTheProgram = action.name == std::string("saveAction");
+        const auto role = quits            ? QAction::QuitRole
+                          : tells          ? QAction::AboutRole
+                          : isOfTheProgram ? QAction::ApplicationSpecificRole
+                          : isForTexts     ? QAction::TextHeuristicRole
+                                           : QAction::NoRole;
         EXPECT_EQ(action.role, role) << action.name;
     }
 }

@@ -74,10 +74,10 @@ TEST_F(EditingViewTest, AButtonWhoseCaptionIsTooShortIsSpokenInWords)
 {
     load();
     const std::map<std::string, std::string> spoken = {
-        {"firstPageButtonPressed", "Show first page"}, {"prevPageButtonPressed", "Show previous page"},
-        {"nextPageButtonPressed", "Show next page"},   {"lastPageButtonPressed", "Show last page"},
-        {"kvMovePage_First", "Move page to first"},    {"kvMovePage_Prev", "Move page to previous"},
-        {"kvMovePage_Next", "Move page to next"},      {"kvMovePage_Last", "Move page to last"},
+        {"firstPageButtonPressed", "Show first page"},    {"prevPageButtonPressed", "Show previous page"},
+        {"nextPageButtonPressed", "Show next page"},      {"lastPageButtonPressed", "Show last page"},
+        {"kvMovePage_First", "Exchange page with first"}, {"kvMovePage_Prev", "Exchange page with previous"},
+        {"kvMovePage_Next", "Exchange page with next"},   {"kvMovePage_Last", "Exchange page with last"},
     };
     for (const auto& [button, words] : spoken)
         EXPECT_EQ(find<>(button.c_str())->accessibleName().toStdString(), words) << button;
@@ -103,13 +103,13 @@ TEST_F(EditingViewTest, UndoAndRedoSayWhatTheyWouldDo)
     EXPECT_FALSE(itemIsEnabled("undo") || isEnabled("undoButton"));
     click("nextPageButtonPressed");
     click("kvMovePage_First");
-    EXPECT_EQ(itemText("undo"), "Undo Move Page");
-    EXPECT_EQ(toolTip("undoButton"), "Undo Move Page (Ctrl+Z)");
+    EXPECT_EQ(itemText("undo"), "Undo Exchange Pages");
+    EXPECT_EQ(toolTip("undoButton"), "Undo Exchange Pages (Ctrl+Z)");
     EXPECT_TRUE(itemIsEnabled("undo") && isEnabled("undoButton"));
     find<QAction>("undo")->trigger();
     EXPECT_EQ(text("lab_PageCurrentlyDisplayed"), "Page 2 of 3");
     EXPECT_EQ(itemText("undo"), "Undo");
-    EXPECT_EQ(itemText("redo"), "Redo Move Page");
+    EXPECT_EQ(itemText("redo"), "Redo Exchange Pages");
     EXPECT_TRUE(itemIsEnabled("redo") && isEnabled("redoButton"));
     find<QAction>("redo")->trigger();
     EXPECT_EQ(text("lab_PageCurrentlyDisplayed"), "Page 1 of 3");
@@ -289,7 +289,7 @@ TEST_F(EditingViewTest, RecallButtonsTellWhenTheirBackupWasMadeAndWhatDiffers)
     const QString when = QLocale().toString(QDateTime::fromSecsSinceEpoch(std::chrono::system_clock::to_time_t(made)),
                                             QLocale::ShortFormat);
     EXPECT_EQ(rest("kvRecallOriginalMapping"),
-              "Put back the file as it was before the first save (Ctrl+Shift+O)\nBackup of " + when.toStdString() +
+              "Put back the file as it was before the first save (Ctrl+Alt+Shift+O)\nBackup of " + when.toStdString() +
                   "; pots that differ: 3");
     EXPECT_THAT(rest("kvRecallPreviousMapping"), HasSubstr("pots that differ: 3"));
     click("undoButton");

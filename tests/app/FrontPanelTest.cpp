@@ -20,6 +20,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <utility>
 
@@ -260,6 +261,35 @@ TEST_F(FrontPanelTest, MappedPotsAreNotToldByColourAlone)
     const QImage mapped = pictureOfPot(3).convertToFormat(QImage::Format_Grayscale8);
     EXPECT_GT(comparePictures(mapped, empty).share, 0.02);
     EXPECT_EQ(label(4)->shownLines(), QStringList(QStringLiteral("-")));
+}
+
+TEST_F(FrontPanelTest, APotsPointerSaysNothingAndItsRingAndCapWhetherItIsMapped)
+{
+    for (const auto& palette : {test::lightPalette(), test::darkPalette()}) {
+        open(palette);
+        pot(1)->clearFocus();
+        const auto colourAt = [this](int number, double radius, double degrees) {
+            const QImage picture = pictureOf(*pot(number), 3);
+            const double angle = degrees * 3.14159265358979 / 180;
+            const double half = std::min(picture.width(), picture.height()) / 2.0;
+            return picture.pixelColor(static_cast<int>(picture.width() / 2.0 + std::sin(angle) * radius * half),
+                                      static_cast<int>(picture.height() / 2.0 - std::cos(angle) * radius * half));
+        };
+        showNames({{}, QStringLiteral("Cutoff")});
+        for (const double degrees : {0, 45, 90, 135, 180, 225, 270, 315}) {
+            // Lit or out all the way round, and told apart without colours.
+            EXPECT_GE(contrast(colourAt(2, 0.745, degrees), colourAt(1, 0.745, degrees)), 3) << degrees;
+            for (const int number : {1, 2}) {
+                const bool isPointer = contrast(colourAt(number, 0.45, degrees), Qt::white) < 1.2;
+                EXPECT_EQ(isPointer, degrees == 0) << number << " " << degrees;
+            }
+        }
+        double brighter = 1e9;
+        for (int degrees = 30; degrees <= 330; degrees += 15)
+            brighter = std::min(brighter, contrast(colourAt(2, 0.4, degrees), Qt::black) /
+                                              contrast(colourAt(1, 0.4, degrees), Qt::black));
+        EXPECT_GE(brighter, 1.2) << "the cap";
+    }
 }
 
 TEST_F(FrontPanelTest, FollowsTheDesktopFromLightToDark)

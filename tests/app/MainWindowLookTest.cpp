@@ -154,7 +154,7 @@ protected:
         EXPECT_EQ(topOf(find<>("pluginTableView")), topOf(find<>("tablePlistOfSelectedPlugin")));
         std::vector<int> headings;
         for (const QLabel* label : window()->findChildren<QLabel*>()) {
-            if (label->text() == QLatin1String("Plugins") || label->text() == QLatin1String("Plugin Parameters"))
+            if (label->text() == QLatin1String("Plug-ins") || label->text() == QLatin1String("Plugin Parameters"))
                 headings.push_back(topOf(label));
         }
         ASSERT_EQ(headings.size(), 2u);

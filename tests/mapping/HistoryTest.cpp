@@ -46,8 +46,8 @@ const Edit kEdits[] = {
     {"Delete Page", [](ViewController& c) { c.deletePageButtonPressed(); }},
     {"Clear All Pages", [](ViewController& c) { c.clearAllPagesButtonPressed(); }},
     {"Start From Scratch", [](ViewController& c) { c.startFromScratch(); }},
-    {"Move Page", [](ViewController& c) { c.kvMovePage_First(); }},
-    {"Move Page", [](ViewController& c) { c.kvMovePage_Last(); }},
+    {"Exchange Pages", [](ViewController& c) { c.kvMovePage_First(); }},
+    {"Exchange Pages", [](ViewController& c) { c.kvMovePage_Last(); }},
     {"Change Mode",
      [](ViewController& c) {
          c.kvPluginMode()->selectedTag.set(1 - mapping::plugin_Mode);

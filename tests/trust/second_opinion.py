@@ -832,7 +832,7 @@ class Model:
                 if source != "-":
                     self.select_next()
             self.refresh(to)
-        self.edit(exchange, "Move Page")
+        self.edit(exchange, "Exchange Pages")
 
     # Slots
 

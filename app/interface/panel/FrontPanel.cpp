@@ -1,9 +1,11 @@
 #include "app/interface/panel/FrontPanel.h"
 
+#include "app/interface/DragPicture.h"
 #include "app/interface/Fonts.h"
 #include "app/interface/panel/PanelDrawing.h"
 #include "app/interface/panel/Pot.h"
 #include "platform/qt/ElidedLabel.h"
+#include "platform/qt/Hover.h"
 
 #include <QDrag>
 #include <QDragEnterEvent>
@@ -41,27 +43,6 @@ QString accessibleNameOf(const Pot& pot, const QString& name, int page, int page
 {
     const QString place = placeOf(pot.number(), name, page, pages);
     return pot.isChosen() ? FrontPanel::tr("%1, chosen").arg(place) : place;
-}
-
-/// A name as it hangs at the mouse pointer.
-QPixmap namePicture(const QString& name, const QWidget* widget)
-{
-    const QFontMetrics metrics = widget->fontMetrics();
-    const QString shown = metrics.elidedText(name.left(200), Qt::ElideRight, 20 * metrics.averageCharWidth());
-    const QSize size(metrics.horizontalAdvance(shown) + 16, metrics.height() + 8);
-    QPixmap picture(size * widget->devicePixelRatioF());
-    picture.setDevicePixelRatio(widget->devicePixelRatioF());
-    picture.fill(Qt::transparent);
-    const PanelColours& colours = panelColours(widget->palette());
-    QPainter painter(&picture);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setFont(widget->font());
-    painter.setPen(QPen(colours.lit, 1.5));
-    painter.setBrush(colours.screenBottom);
-    painter.drawRoundedRect(QRectF(QPointF(), size).adjusted(1, 1, -1, -1), 4, 4);
-    painter.setPen(colours.screenText);
-    painter.drawText(QRect(QPoint(), size), Qt::AlignCenter | Qt::TextSingleLine, shown);
-    return picture;
 }
 
 ElidedLabel* makeDisplay(const QString& name, int mostLines, QWidget* parent)
@@ -189,6 +170,12 @@ void FrontPanel::goTo(Pot& pot, Qt::FocusReason reason, Qt::KeyboardModifiers mo
         return;
     choiceBegin_ = begin;
     extendChoice(pot.number(), Qt::ShiftModifier);
+}
+
+void FrontPanel::setTasks(const std::array<QString, PanelLayout::kPots>& tasks)
+{
+    for (std::size_t i = 0; i < pots_.size(); ++i)
+        pots_[i]->setTask(tasks[i]);
 }
 
 void FrontPanel::setDifferences(const std::array<QString, PanelLayout::kPots>& differences)
@@ -343,8 +330,9 @@ void FrontPanel::dragPot(Pot* pot)
     auto* drag = new QDrag(pot);
     drag->setMimeData(
         DragData{.kind = DragData::Kind::pot, .state = state_(), .page = page_, .pot = pot->number()}.toMime());
-    drag->setPixmap(namePicture(isEmptyName(name) ? tr("Pot %1").arg(pot->number()) : name, this));
+    drag->setPixmap(dragPicture(isEmptyName(name) ? tr("Pot %1").arg(pot->number()) : name, this));
     const bool wasDropped = drag->exec(Qt::MoveAction) != Qt::IgnoreAction;
+    platform::qt::endHover(*pot);
     setTarget(kNoPot);
     Q_EMIT dragEnded(wasDropped);
 }

@@ -41,6 +41,8 @@ public:
     /// Somebody means a pot without pressing it: those chosen where it is one of them, else it alone.
     void mean(const Pot& pot);
 
+    /// What a press of each pot would do now.
+    void setTasks(const std::array<QString, PanelLayout::kPots>& tasks);
     /// What each pot of that page holds on the other side of a comparison; empty where that is the same.
     void setDifferences(const std::array<QString, PanelLayout::kPots>& differences);
     /// Gives a pot, 1 to 8, the keyboard focus.

@@ -2,6 +2,7 @@
 
 #include "app/interface/panel/PageModel.h"
 #include "app/interface/panel/PanelColours.h"
+#include "platform/qt/Hover.h"
 
 #include <QDrag>
 #include <QDragEnterEvent>
@@ -79,7 +80,9 @@ void PageDrags::dragPage()
     auto* drag = new QDrag(&strip_);
     drag->setMimeData(DragData{.kind = DragData::Kind::page, .state = state_(), .page = page}.toMime());
     drag->setPixmap(strip_.viewport()->grab(strip_.visualRect(pages_.index(page - 1))));
-    end(drag->exec(Qt::MoveAction) != Qt::IgnoreAction);
+    const bool wasDropped = drag->exec(Qt::MoveAction) != Qt::IgnoreAction;
+    platform::qt::endHover(*strip_.viewport());
+    end(wasDropped);
 }
 
 void PageDrags::end(bool wasDropped)

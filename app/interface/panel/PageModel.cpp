@@ -8,7 +8,7 @@ namespace interface {
 
 namespace {
 
-/// So that the tip with eight names stays one that can be read.
+/// So that the tip with eight names stays one that can be read, and a title is drawn at once.
 constexpr qsizetype kLongestName = 90;
 
 QString shortened(const QString& name)
@@ -18,10 +18,11 @@ QString shortened(const QString& name)
 
 } // namespace
 
-void PageModel::setSource(std::function<QString(int page, int pot)> name)
+void PageModel::setSource(std::function<QString(int page, int pot)> name, std::function<QString(int page)> title)
 {
     beginResetModel();
     name_ = std::move(name);
+    title_ = std::move(title);
     endResetModel();
 }
 
@@ -92,6 +93,7 @@ QVariant PageModel::data(const QModelIndex& index, int role) const
     case HoldsSelected: return holdsSelected(page);
     case IsLeftOver: return page > pages_;
     case DifferingPots: return differingPots(page);
+    case Title: return titleOf(page);
     default: return {};
     }
 }
@@ -99,6 +101,11 @@ QVariant PageModel::data(const QModelIndex& index, int role) const
 QString PageModel::nameAt(int page, int pot) const
 {
     return name_ ? name_(page, pot) : QStringLiteral("-");
+}
+
+QString PageModel::titleOf(int page) const
+{
+    return title_ ? shortened(title_(page)) : QString();
 }
 
 unsigned PageModel::mappedPots(int page) const
@@ -132,12 +139,20 @@ QString PageModel::spokenText(int page) const
     QString difference;
     if (differing > 0)
         difference = differing == 1 ? tr(", 1 pot differs") : tr(", %1 pots differ").arg(differing);
+    const QString number = QString::number(page);
+    const QString title = titleOf(page);
+    // All in one go, since a name may hold "%2" itself.
+    const QString named = title.isEmpty() ? QString() : tr(", %1").arg(title);
     if (page > pages_)
-        return tr("Page %1, left behind the last page, %2 of 8 pots mapped").arg(page).arg(mapped) + difference;
-    const QString text = tr("Page %1 of %2, %3 of 8 pots mapped");
-    const QString shown = tr("Page %1 of %2, %3 of 8 pots mapped, shown");
-    const QString spoken = (page == shown_ ? shown : text).arg(page).arg(pages_).arg(mapped) + difference;
-    return holdsSelected(page) ? tr("%1, holds the selected parameter").arg(spoken) : spoken;
+        return tr("Page %1%2, left behind the last page, %3 of 8 pots mapped")
+                   .arg(number, named, QString::number(mapped)) +
+               difference;
+    const QString text = tr("Page %1 of %2%3, %4 of 8 pots mapped");
+    const QString shown = tr("Page %1 of %2%3, %4 of 8 pots mapped, shown");
+    const QString spoken =
+        (page == shown_ ? shown : text).arg(number, QString::number(pages_), named, QString::number(mapped)) +
+        difference;
+    return holdsSelected(page) ? spoken + tr(", holds the selected parameter") : spoken;
 }
 
 QString PageModel::namesText(int page) const

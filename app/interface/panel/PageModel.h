@@ -25,12 +25,14 @@ public:
         IsLeftOver,
         /// A bit for each pot that differs from the other side of a comparison.
         DifferingPots,
+        /// What its parameters begin with; empty where none stands on it.
+        Title,
     };
     static constexpr int kPots = mapping::kPotsPerPage;
 
     using QAbstractListModel::QAbstractListModel;
 
-    void setSource(std::function<QString(int page, int pot)> name);
+    void setSource(std::function<QString(int page, int pot)> name, std::function<QString(int page)> title = {});
     /// What a pot that differs from the other side of a comparison holds on either; empty where they are the same.
     void setDifferences(std::function<QString(int page, int pot)> difference);
     /// Rows are pages, then those left over behind them; names may have changed everywhere.
@@ -46,6 +48,7 @@ public:
 
 private:
     QString nameAt(int page, int pot) const;
+    QString titleOf(int page) const;
     unsigned mappedPots(int page) const;
     QString differenceAt(int page, int pot) const;
     unsigned differingPots(int page) const;
@@ -54,6 +57,7 @@ private:
     bool holdsSelected(int page) const;
 
     std::function<QString(int page, int pot)> name_;
+    std::function<QString(int page)> title_;
     std::function<QString(int page, int pot)> difference_;
     int pages_ = 0;
     int leftOver_ = 0;

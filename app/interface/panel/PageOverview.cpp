@@ -9,6 +9,7 @@
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QScrollBar>
+#include <QStyle>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
@@ -67,7 +68,7 @@ public:
             painter->setPen(QPen(colours.where, 2));
             painter->drawRoundedRect(tile.adjusted(3, 3, -3, -3), 3, 3); // inside, apart from frame and focus
         }
-        drawNumber(*painter, tile, option, index, isShown, colours);
+        drawTexts(*painter, tile, option, index, isShown, colours);
         const double cells = PageModel::kPots * kCell + (PageModel::kPots - 1) * kCellGap;
         drawCells(*painter, {tile.center().x() - cells / 2, tile.bottom() - kCell - 6},
                   index.data(PageModel::MappedPots).toUInt(), colours);
@@ -95,27 +96,50 @@ private:
         painter.drawRoundedRect(tile.adjusted(-2.5, -2.5, 2.5, 2.5), 6, 6);
     }
 
-    static void drawNumber(QPainter& painter, const QRectF& tile, const QStyleOptionViewItem& option,
-                           const QModelIndex& index, bool isShown, const PanelColours& colours)
+    /// The number, and beside it as much of the title as there is room for.
+    static void drawTexts(QPainter& painter, const QRectF& tile, const QStyleOptionViewItem& option,
+                          const QModelIndex& index, bool isShown, const PanelColours& colours)
     {
         QFont font = option.font;
         font.setBold(isShown);
+        const QFontMetrics metrics(font);
+        const int textHeight = option.fontMetrics.height();
+        const QRect within = tile.toAlignedRect();
+        QRect room(within.left() + kTilePadding, within.top() + 3, within.width() - 2 * kTilePadding, textHeight);
+        if (index.data(PageModel::DifferingPots).toUInt() != 0)
+            room.setWidth(room.width() - static_cast<int>(2 * kBadge));
+        /// Cuts what is so wide off the begin of the room.
+        const auto take = [&](int width) {
+            const QRect taken(room.topLeft(), QSize(std::min(width, room.width()), room.height()));
+            room.setLeft(taken.right() + 1);
+            return QStyle::visualRect(option.direction, within, taken);
+        };
+        if (isShown) {
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(colours.tileText);
+            drawArrow(painter, take(textHeight * 5 / 9), option.direction);
+        }
         painter.setFont(font);
         painter.setPen(colours.tileText);
+        painter.setLayoutDirection(option.direction);
+        const auto draw = [&painter](const QRect& area, const QString& text) {
+            painter.drawText(area, Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine, text);
+        };
         const QString number = index.data().toString();
-        const QRectF room(tile.left(), tile.top() + 3, tile.width(), option.fontMetrics.height());
-        painter.drawText(room, Qt::AlignCenter, number);
-        if (!isShown)
-            return;
-        const double half = QFontMetricsF(font).horizontalAdvance(number) / 2;
-        const double reach = option.fontMetrics.height() * 0.22;
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(colours.tileText);
-        for (const double side : {-1.0, 1.0}) { // an arrow head on either side points at the number
-            const QPointF tip = room.center() + QPointF(side * (half + 5), 0);
-            painter.drawPolygon(
-                QPolygonF{tip, tip + QPointF(side * reach * 1.4, -reach), tip + QPointF(side * reach * 1.4, reach)});
-        }
+        draw(take(metrics.horizontalAdvance(number)), number);
+        take(metrics.horizontalAdvance(QLatin1Char(' ')) + 2);
+        const QString title = metrics.elidedText(index.data(PageModel::Title).toString(), Qt::ElideRight, room.width());
+        draw(take(room.width()), title);
+    }
+
+    /// Points at the number that follows.
+    static void drawArrow(QPainter& painter, const QRectF& room, Qt::LayoutDirection direction)
+    {
+        const double reach = room.width() * 0.45;
+        const bool isForward = direction == Qt::LeftToRight;
+        const double along = isForward ? reach * 1.4 : -reach * 1.4;
+        const QPointF tip((isForward ? room.left() : room.right()) + along, room.center().y());
+        painter.drawPolygon(QPolygonF{tip, tip + QPointF(-along, -reach), tip + QPointF(-along, reach)});
     }
 };
 
@@ -144,10 +168,10 @@ PageOverview::PageOverview(QWidget* parent) : QListView(parent), model_(new Page
     refresh(0, 0);
 }
 
-void PageOverview::setSource(Source name)
+void PageOverview::setSource(Source name, std::function<QString(int page)> title)
 {
     const QScopedValueRollback guard(isRefreshing_, true);
-    model_->setSource(std::move(name));
+    model_->setSource(std::move(name), std::move(title));
 }
 
 void PageOverview::setDifferences(Source difference)

@@ -1,6 +1,7 @@
 #pragma once
-// A strip of all pages: a tile each with the page's number and eight cells, filled where a parameter stands. The shown
-// page is marked. Names are asked for by tiles on screen only, so that it stays quick with thousands of pages.
+// A strip of all pages: a tile each with the page's number, what its parameters begin with, and eight cells, filled
+// where a parameter stands. The shown page is marked. Names are asked for by tiles on screen only, so that it stays
+// quick with thousands of pages.
 
 #include <QListView>
 
@@ -21,7 +22,8 @@ public:
 
     explicit PageOverview(QWidget* parent = nullptr);
 
-    void setSource(Source name);
+    /// Of each page what its parameters begin with, too.
+    void setSource(Source name, std::function<QString(int page)> title = {});
     /// What a pot that differs from the other side of a comparison holds on either; empty where they are the same.
     void setDifferences(Source difference);
     /// Shows so many pages as they are now, one of them marked and in sight, and dimmed those left over behind them.

@@ -33,8 +33,8 @@ PanelColours graphite()
     c.skirtDark = 0x0c0d0f;
     c.skirtRidge = QColor(255, 255, 255, 46);
     c.capLight = 0x8d949d;
-    c.capMiddle = 0x555b63;
-    c.capDark = 0x33373d;
+    c.capMiddle = 0x6b727b;
+    c.capDark = 0x484d54;
     c.capRim = 0xa9b0b8;
     c.pointer = 0xffffff;
     c.pointerOff = 0x9aa1a9;
@@ -78,9 +78,9 @@ PanelColours aluminium()
     c.screenEdge = 0x3b4046;
     c.skirtLight = 0x4b5057;
     c.skirtDark = 0x17191c;
-    c.capLight = 0x7f868f;
-    c.capMiddle = 0x4c5259;
-    c.capDark = 0x2c3035;
+    c.capLight = 0x8d949d;
+    c.capMiddle = 0x666d75;
+    c.capDark = 0x454a51;
     c.groove = 0x41464d;
     c.shadow = QColor(30, 34, 40, 120);
     c.focus = 0x0a52bd;

@@ -29,12 +29,18 @@ void Pot::setMapped(bool isMapped)
     update();
 }
 
+void Pot::setTask(const QString& task)
+{
+    if (task == task_)
+        return;
+    task_ = task;
+    describe();
+}
+
 void Pot::setDifference(const QString& difference)
 {
     if (difference == difference_)
         return;
-    const QString usual = difference_.isEmpty() ? toolTip() : toolTip().mid(difference_.size() + 1);
-    setToolTip(difference.isEmpty() ? usual : difference + QLatin1Char('\n') + usual);
     difference_ = difference;
     describe();
     update();
@@ -54,9 +60,12 @@ void Pot::describe()
     QStringList words;
     if (holdsSelected_)
         words += tr("Holds the selected parameter");
-    if (differs())
-        words += difference_;
+    for (const QString& more : {difference_, task_}) {
+        if (!more.isEmpty())
+            words += more;
+    }
     setAccessibleDescription(words.join(QLatin1String("; ")));
+    setToolTip(differs() ? difference_ + QLatin1Char('\n') + task_ : task_);
 }
 
 void Pot::setDropTarget(bool isTarget)
@@ -178,7 +187,7 @@ void Pot::mouseMoveEvent(QMouseEvent* event)
     }
     isPulled_ = true;
     setDown(false);
-    setHovered(false); // the drag swallows the leaving of the mouse
+    setHovered(false);
     Q_EMIT pulled();
 }
 

@@ -16,9 +16,11 @@ public:
     explicit Pot(int number, QWidget* parent = nullptr);
 
     int number() const { return number_; }
-    /// Whether a parameter stands on it: turned up and lit, or turned down.
+    /// Whether a parameter stands on it.
     void setMapped(bool isMapped);
     bool isMapped() const { return isMapped_; }
+    /// Tells what a press would do now.
+    void setTask(const QString& task);
     /// What it holds on the other side of a comparison: marks it and tells; empty where that is the same.
     void setDifference(const QString& difference);
     bool differs() const { return !difference_.isEmpty(); }
@@ -56,6 +58,7 @@ private:
     void describe();
 
     int number_;
+    QString task_;
     QString difference_;
     bool isMapped_ = false;
     bool holdsSelected_ = false;

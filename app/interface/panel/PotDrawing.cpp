@@ -20,19 +20,16 @@ using platform::qt::mixed;
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
-constexpr double kTurn = 135;         // degrees from the top to either end
-constexpr double kMappedPointer = 40; // where the pointer of a pot with a parameter stands; an empty one is turned down
 constexpr int kRidges = 44;
 
 // Radii, as shares of half the square.
 constexpr double kFocusRing = 0.965;
-constexpr double kNumber = 0.845;
-constexpr double kTickOuter = 0.905;
-constexpr double kTickInner = 0.815;
-constexpr double kGroove = 0.755;
-constexpr double kSkirt = 0.685;
+constexpr double kNumber = 0.875;
+constexpr double kGroove = 0.745;
+constexpr double kSkirt = 0.68;
 constexpr double kWhere = 0.635; // on the dark skirt, apart from the rings round the pot
 constexpr double kCap = 0.53;
+constexpr double kDull = 0.72; // of the cap of an empty pot, which is dark
 constexpr double kBadge = 0.2;
 constexpr double kBadgeCentre = 0.79; // along both axes
 
@@ -57,40 +54,24 @@ QPointF onCircle(const QPointF& centre, double radius, double degrees)
     return centre + QPointF(std::sin(angle), -std::cos(angle)) * radius;
 }
 
-void arc(const Drawing& d, double share, double from, double to, const QPen& pen)
-{
-    d.painter.setPen(pen);
-    d.painter.setBrush(Qt::NoBrush);
-    d.painter.drawArc(d.circle(share), static_cast<int>((90 - from) * 16), static_cast<int>((from - to) * 16));
-}
-
-void drawTicks(const Drawing& d)
-{
-    constexpr int kTicks = 11;
-    const QColor ink = d.look.isEnabled ? d.c.legend : d.c.legendOff;
-    for (int tick = 0; tick < kTicks; ++tick) {
-        const bool isMain = tick == 0 || tick == kTicks - 1 || tick == kTicks / 2;
-        const double angle = -kTurn + tick * 2 * kTurn / (kTicks - 1);
-        d.painter.setPen(
-            QPen(faded(ink, isMain ? 255 : 190), d.at(isMain ? 0.032 : 0.022), Qt::SolidLine, Qt::FlatCap));
-        d.painter.drawLine(onCircle(d.centre, d.at(kTickInner + (isMain ? 0 : 0.02)), angle),
-                           onCircle(d.centre, d.at(kTickOuter - (isMain ? 0 : 0.02)), angle));
-    }
-}
-
-void drawRing(const Drawing& d, double pointer)
+/// A closed ring, since it says whether there is a parameter and nothing of its value.
+void drawRing(const Drawing& d)
 {
     const double width = d.at(0.062);
-    arc(d, kGroove, -kTurn, kTurn, QPen(d.c.groove, width, Qt::SolidLine, Qt::RoundCap));
+    d.painter.setBrush(Qt::NoBrush);
+    const auto draw = [&d](const QColor& colour, double ringWidth) {
+        d.painter.setPen(QPen(colour, ringWidth));
+        d.painter.drawEllipse(d.circle(kGroove));
+    };
+    draw(d.c.groove, width);
     if (!d.look.isMapped)
         return;
     const QColor light = d.look.isEnabled ? d.c.lit : mixed(d.c.lit, d.c.groove, 0.45);
     if (d.look.isEnabled)
-        arc(d, kGroove, -kTurn, pointer, QPen(faded(light, 60), width * 2.1, Qt::SolidLine, Qt::RoundCap));
-    arc(d, kGroove, -kTurn, pointer, QPen(light, width * 0.72, Qt::SolidLine, Qt::RoundCap));
+        draw(faded(light, 60), width * 2.1);
+    draw(light, width * 0.72);
     if (d.look.isEnabled)
-        arc(d, kGroove, -kTurn, pointer,
-            QPen(faded(light.lighter(150), 200), width * 0.22, Qt::SolidLine, Qt::RoundCap));
+        draw(faded(light.lighter(150), 200), width * 0.22);
 }
 
 void drawShadow(const Drawing& d)
@@ -111,13 +92,13 @@ void drawShadow(const Drawing& d)
 }
 
 /// The outline of a grip with ridges.
-QPainterPath knurled(const QPointF& centre, double radius, double turn)
+QPainterPath knurled(const QPointF& centre, double radius)
 {
     constexpr int kSteps = kRidges * 6;
     QPolygonF outline;
     for (int step = 0; step < kSteps; ++step) {
         const double degrees = 360.0 * step / kSteps;
-        const double wave = std::cos((degrees - turn) * kRidges * kPi / 180);
+        const double wave = std::cos(degrees * kRidges * kPi / 180);
         outline << onCircle(centre, radius * (0.985 + 0.018 * wave), degrees);
     }
     QPainterPath path;
@@ -126,10 +107,10 @@ QPainterPath knurled(const QPointF& centre, double radius, double turn)
     return path;
 }
 
-void drawSkirt(const Drawing& d, double turn)
+void drawSkirt(const Drawing& d)
 {
     const double radius = d.at(kSkirt);
-    const QPainterPath outline = knurled(d.centre, radius, turn);
+    const QPainterPath outline = knurled(d.centre, radius);
     QLinearGradient rubber(d.centre - QPointF(radius * 0.5, radius), d.centre + QPointF(radius * 0.5, radius));
     rubber.setColorAt(0, d.c.skirtLight);
     rubber.setColorAt(0.55, mixed(d.c.skirtLight, d.c.skirtDark, 0.7));
@@ -138,7 +119,7 @@ void drawSkirt(const Drawing& d, double turn)
     d.painter.setBrush(rubber);
     d.painter.drawPath(outline);
     for (int ridge = 0; ridge < kRidges; ++ridge) {
-        const double degrees = turn + 360.0 * ridge / kRidges;
+        const double degrees = 360.0 * ridge / kRidges;
         const double towardsLight = 0.5 + 0.5 * std::cos((degrees + 28) * kPi / 180);
         const int alpha = static_cast<int>(d.c.skirtRidge.alpha() * (0.25 + 1.3 * towardsLight));
         d.painter.setPen(QPen(faded(d.c.skirtRidge, std::min(alpha, 255)), d.at(0.018), Qt::SolidLine, Qt::FlatCap));
@@ -151,8 +132,9 @@ QConicalGradient turnedMetal(const Drawing& d)
 {
     const double lift = d.look.isHovered && !d.look.isPressed ? 0.22 : 0;
     const double sink = d.look.isPressed ? 0.3 : 0;
-    const auto tone = [lift, sink](const QColor& colour) {
-        return mixed(mixed(colour, Qt::white, lift), Qt::black, sink);
+    const auto tone = [&](const QColor& colour) {
+        const QColor metal = d.look.isMapped ? colour : mixed(colour, d.c.skirtDark, kDull);
+        return mixed(mixed(metal, Qt::white, lift), Qt::black, sink);
     };
     const QColor light = tone(d.c.capLight);
     const QColor middle = tone(d.c.capMiddle);
@@ -180,7 +162,7 @@ void drawCap(const Drawing& d)
     d.painter.setBrush(turnedMetal(d));
     d.painter.drawEllipse(d.circle(cap));
     // The marks of the lathe, which can't be seen on a faint pot.
-    for (double ring = 0.12; d.look.isEnabled && ring < cap - 0.03; ring += 0.055) {
+    for (double ring = 0.12; d.look.isEnabled && d.look.isMapped && ring < cap - 0.03; ring += 0.055) {
         d.painter.setBrush(Qt::NoBrush);
         d.painter.setPen(QPen(QColor(0, 0, 0, 18), d.at(0.014)));
         d.painter.drawEllipse(d.circle(ring));
@@ -194,10 +176,11 @@ void drawCap(const Drawing& d)
     d.painter.drawEllipse(d.circle(cap));
 }
 
-void drawPointer(const Drawing& d, double degrees)
+/// At the same place on every pot.
+void drawPointer(const Drawing& d)
 {
-    const QPointF inner = onCircle(d.centre, d.at(0.25), degrees);
-    const QPointF outer = onCircle(d.centre, d.at(kSkirt * 0.965), degrees);
+    const QPointF inner = onCircle(d.centre, d.at(0.25), 0);
+    const QPointF outer = onCircle(d.centre, d.at(kSkirt * 0.965), 0);
     d.painter.setPen(QPen(QColor(0, 0, 0, 190), d.at(0.105), Qt::SolidLine, Qt::RoundCap));
     d.painter.drawLine(inner, outer);
     d.painter.setPen(QPen(d.look.isEnabled ? d.c.pointer : d.c.pointerOff, d.at(0.06), Qt::SolidLine, Qt::RoundCap));
@@ -259,15 +242,13 @@ void drawTick(const Drawing& d)
 
 void drawBody(const Drawing& d)
 {
-    const double pointer = d.look.isMapped ? kMappedPointer : -kTurn;
-    drawTicks(d);
     drawShadow(d);
-    drawRing(d, pointer);
+    drawRing(d);
     d.painter.setOpacity(d.look.isEnabled ? 1 : 0.6);
-    drawSkirt(d, pointer);
+    drawSkirt(d);
     drawCap(d);
     d.painter.setOpacity(1);
-    drawPointer(d, pointer);
+    drawPointer(d);
 }
 
 /// All but number and marks: pots that look alike share it.

@@ -1,5 +1,6 @@
 #pragma once
-// Draws one pot of the front panel: cap with knurl and pointer on its skirt, the ring round it, tick marks and number.
+// Draws one pot of the front panel: cap with knurl and pointer on its skirt, the ring round it and the number. One with
+// a parameter has a bright cap and its ring is lit; the pointer stands still.
 
 #include "app/interface/panel/PanelColours.h"
 
