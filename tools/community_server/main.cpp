@@ -64,6 +64,7 @@ int main(int argc, char* argv[])
     }
     umask(077); // the folder holds e-mail addresses and the hashes of PINs
     platform::files::failBeyondSizeLimits();
+    ::signal(SIGPIPE, SIG_IGN);
     // Blocked before any thread starts, so that only the one that waits for them gets them.
     sigset_t ends;
     sigemptyset(&ends);
