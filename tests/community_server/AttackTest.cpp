@@ -209,7 +209,7 @@ TEST(SlowReaders, TakeBoundedMemoryAndLeaveOthersAlone)
             database.run("INSERT INTO file VALUES (?1, ?1)", Blob{std::to_string(i)});
             database.run("INSERT INTO mapping (plugin, account, comments, hash, fileName, uploaded) "
                          "VALUES ('Echo', 1, ?, ?, ?, 0)",
-                         std::string(4000, '\1'), Blob{std::to_string(i)}, std::to_string(i));
+                         std::string(4000, 'x'), Blob{std::to_string(i)}, std::to_string(i));
         }
         database.run("INSERT INTO mapping (plugin, account, comments, hash, fileName, uploaded) "
                      "VALUES ('Small', 1, 'small', x'00', 'small', 0)");
