@@ -10,6 +10,8 @@
 
 namespace {
 
+using namespace community_server;
+
 Access access(std::string target)
 {
     return {"192.0.2.1", "POST", std::move(target), 200, 4, 1'795'350'600};

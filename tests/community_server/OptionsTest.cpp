@@ -8,6 +8,8 @@
 
 namespace {
 
+using namespace community_server;
+
 using Texts = std::vector<std::string>;
 
 Options options(const Texts& arguments, const Texts& environment = {})

@@ -11,6 +11,8 @@
 
 namespace {
 
+namespace pages = community_server::pages;
+
 bool has(std::string_view html, std::string_view part)
 {
     return html.find(part) != std::string_view::npos;

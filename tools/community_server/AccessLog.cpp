@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <utility>
 
+namespace community_server {
+
 namespace {
 
 constexpr std::size_t kLongestPath = 80;
@@ -86,3 +88,5 @@ void AccessLog::write(const Access& access)
     if (descriptor_ >= 0)
         static_cast<void>(!::write(descriptor_, line.data(), line.size()));
 }
+
+} // namespace community_server

@@ -11,6 +11,8 @@
 
 #include <sys/types.h>
 
+namespace community_server {
+
 struct Access {
     std::string address; ///< the client's
     std::string method;
@@ -45,3 +47,5 @@ private:
     std::mutex mutex_;
     int descriptor_ = -1;
 };
+
+} // namespace community_server

@@ -10,6 +10,8 @@
 
 extern char** environ;
 
+namespace community_server {
+
 namespace {
 
 /// A whole number in decimal that the type can hold.
@@ -60,11 +62,11 @@ struct Row {
 constexpr Row kRows[] = {
     {"host", "ADDRESS", "the address to listen on (127.0.0.1)", "a numeric address",
      [](const std::string& text, Options& options) { return readAddress(text, options.host); }},
-    {"port", "NUMBER", "the port to listen on (8765); 0 takes a free one", "a number from 0 to 65535",
+    {"port", "NUMBER", "the port (8765); 0 takes a free one", "a number from 0 to 65535",
      [](const std::string& text, Options& options) { return readNumber(text, options.port); }},
     {"data", "FOLDER", "the folder of everything (community-data)", "a folder",
      [](const std::string& text, Options& options) { return readText(text, options.data); }},
-    {"path-prefix", "PATH", "what addresses begin with, such as /library", "a path that begins with a slash",
+    {"path-prefix", "PATH", "what addresses begin with, say /library", "a path that begins with a slash",
      [](const std::string& text, Options& options) { return readPrefix(text, options.pathPrefix); }},
     {"trusted-proxy", "ADDRESS", "the proxy whose X-Forwarded-For is believed", "a numeric address",
      [](const std::string& text, Options& options) { return readAddress(text, options.trustedProxy); }},
@@ -76,7 +78,7 @@ constexpr Row kRows[] = {
      [](const std::string& text, Options& options) { return readNumber(text, options.uploadsPerAddress); }},
     {"accounts-per-address", "NUMBER", "accounts from an address in 24 hours (10)", "a number",
      [](const std::string& text, Options& options) { return readNumber(text, options.accountsPerAddress); }},
-    {"seed", "FOLDER", "shares its mappings.json if nothing is shared", "a folder",
+    {"seed", "FOLDER", "shares its mappings.json if nothing is there", "a folder",
      [](const std::string& text, Options& options) { return readText(text, options.seed); }},
     {"with-parent", "PID", "ends with this process, which started it", "a process's number",
      [](const std::string& text, Options& options) { return readNumber(text, options.parent.emplace()); }},
@@ -105,7 +107,7 @@ std::string help()
     text += "  --help                         says this\n"
             "  --version                      says the version\n\n"
             "What is not given is taken from the environment: " +
-            variableOf(kRows[0]) + " for --host, and so on.\n";
+            variableOf(kRows[0]) + " for --host,\nand so on.\n";
     return text;
 }
 
@@ -162,3 +164,5 @@ std::vector<std::string> environmentOfProcess()
         variables.emplace_back(*variable);
     return variables;
 }
+
+} // namespace community_server

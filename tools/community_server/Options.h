@@ -11,6 +11,8 @@
 
 #include <sys/types.h>
 
+namespace community_server {
+
 struct Options {
     std::string host = "127.0.0.1";
     std::uint16_t port = 8765; ///< 0 takes a free one
@@ -39,3 +41,5 @@ std::variant<Options, Ending> readOptions(const std::vector<std::string>& argume
 
 /// The process's own environment.
 std::vector<std::string> environmentOfProcess();
+
+} // namespace community_server

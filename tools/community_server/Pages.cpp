@@ -9,7 +9,7 @@
 #include <charconv>
 #include <cstddef>
 
-namespace pages {
+namespace community_server::pages {
 
 namespace {
 
@@ -417,4 +417,4 @@ std::string_view icon()
 )";
 }
 
-} // namespace pages
+} // namespace community_server::pages

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-namespace pages {
+namespace community_server::pages {
 
 /// How many rows a page of a list has.
 inline constexpr std::int64_t kPluginsPerPage = 50;
@@ -93,4 +93,4 @@ inline constexpr std::pair<const char*, const char*> kHeaders[] = {
     {"Cross-Origin-Resource-Policy", "same-origin"},
 };
 
-} // namespace pages
+} // namespace community_server::pages
