@@ -42,28 +42,28 @@ TEST(Options, ServesThisMachineUnlessTold)
     EXPECT_EQ(read.port, 8765);
     EXPECT_EQ(read.data, "community-data");
     EXPECT_EQ(read.seed, "");
-    EXPECT_FALSE(read.parent);
+    EXPECT_EQ(read.parent, "");
     EXPECT_EQ(read.pathPrefix, "");
-    EXPECT_EQ(read.trustedProxy, "");
+    EXPECT_FALSE(read.isBehindProxy);
     EXPECT_EQ(read.accessLog, "");
 }
 
 TEST(Options, AreReadFromFlags)
 {
     const Options read = options({"--host", "::1", "--port=0", "--data", "/var/lib/a b", "--seed=seed", "--with-parent",
-                                  "42", "--path-prefix", "/library/", "--trusted-proxy=10.0.0.1", "--access-log", "-",
-                                  "--uploads-per-user", "1", "--uploads-per-address=2", "--accounts-per-address", "0"});
+                                  "42", "--path-prefix", "/library/", "--behind-proxy=yes", "--access-log", "-",
+                                  "--uploads-of-user", "1", "--uploads-of-address=2", "--accounts-of-address", "0"});
     EXPECT_EQ(read.host, "::1");
     EXPECT_EQ(read.port, 0);
     EXPECT_EQ(read.data, "/var/lib/a b");
     EXPECT_EQ(read.seed, "seed");
-    EXPECT_EQ(read.parent, 42);
+    EXPECT_EQ(read.parent, "42");
     EXPECT_EQ(read.pathPrefix, "/library");
-    EXPECT_EQ(read.trustedProxy, "10.0.0.1");
+    EXPECT_TRUE(read.isBehindProxy);
     EXPECT_EQ(read.accessLog, "-");
-    EXPECT_EQ(read.uploadsPerUser, 1U);
-    EXPECT_EQ(read.uploadsPerAddress, 2U);
-    EXPECT_EQ(read.accountsPerAddress, 0U);
+    EXPECT_EQ(read.quotas.uploadsOfUser, 1);
+    EXPECT_EQ(read.quotas.uploadsOfAddress, 2);
+    EXPECT_EQ(read.quotas.accountsOfAddress, 0);
 }
 
 TEST(Options, AreReadFromTheEnvironmentUnlessAFlagIsGiven)
@@ -96,15 +96,16 @@ TEST(Options, AreRefusedInWords)
         {{"--port", "65536"}, "--port has to be a number from 0 to 65535, not \"65536\"."},
         {{"--port", "-1"}, "--port has to be a number from 0 to 65535, not \"-1\"."},
         {{"--port", "80 "}, "--port has to be a number from 0 to 65535, not \"80 \"."},
-        {{"--host", "library.example.org"}, "--host has to be a numeric address, not \"library.example.org\"."},
-        {{"--trusted-proxy", "10.0.0"}, "--trusted-proxy has to be a numeric address, not \"10.0.0\"."},
+        {{"--host="}, "--host has to be an address, not \"\"."},
+        {{"--behind-proxy", "10.0.0.1"}, "--behind-proxy has to be yes or no, not \"10.0.0.1\"."},
         {{"--data", ""}, "--data has to be a folder, not \"\"."},
         {{"--path-prefix", "library"}, "--path-prefix has to be a path that begins with a slash, not \"library\"."},
         {{"--path-prefix", "/a//b"}, "--path-prefix has to be a path that begins with a slash, not \"/a//b\"."},
         {{"--path-prefix", "/../b"}, "--path-prefix has to be a path that begins with a slash, not \"/../b\"."},
         {{"--path-prefix", "/a b"}, "--path-prefix has to be a path that begins with a slash, not \"/a b\"."},
-        {{"--uploads-per-user", "many"}, "--uploads-per-user has to be a number, not \"many\"."},
-        {{"--uploads-per-user", "4294967296"}, "--uploads-per-user has to be a number, not \"4294967296\"."},
+        {{"--uploads-of-user", "many"}, "--uploads-of-user has to be a number, not \"many\"."},
+        {{"--uploads-of-user", "9223372036854775808"},
+         "--uploads-of-user has to be a number, not \"9223372036854775808\"."},
         {{"--with-parent", "x"}, "--with-parent has to be a process's number, not \"x\"."},
     };
     for (const auto& each : cases)
@@ -124,8 +125,8 @@ TEST(Options, OfHelpAndVersionEndWell)
     };
     EXPECT_EQ(said("--version"), "community_server " KV_VERSION "\n");
     const std::string help = said("--help");
-    for (const char* option : {"host", "port", "data", "path-prefix", "trusted-proxy", "access-log", "uploads-per-user",
-                               "uploads-per-address", "accounts-per-address", "seed", "with-parent", "help", "version"})
+    for (const char* option : {"host", "port", "data", "path-prefix", "behind-proxy", "access-log", "uploads-of-user",
+                               "uploads-of-address", "accounts-of-address", "seed", "with-parent", "help", "version"})
         EXPECT_NE(help.find("\n  --" + std::string(option) + " "), std::string::npos) << option;
     for (std::size_t start = 0; start < help.size(); start = help.find('\n', start) + 1)
         EXPECT_LE(help.find('\n', start) - start, 80U);

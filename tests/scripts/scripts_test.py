@@ -151,7 +151,7 @@ class SetUpOnAMac(ScriptsTest):
     def test_the_brewfile_lists_what_is_needed(self):
         lines = (self.root / "Brewfile").read_text(encoding="utf-8").splitlines()
         listed = [line.split('"')[1] for line in lines if line.startswith("brew ")]
-        self.assertLessEqual({"cmake", "ninja", "qt", "googletest", "pkgconf", "cpp-httplib", "openssl@3"}, set(listed))
+        self.assertLessEqual({"cmake", "ninja", "qt", "googletest", "pkgconf", "libmicrohttpd", "libsodium"}, set(listed))
 
     def test_says_how_to_get_what_it_cannot_install(self):
         self.stand_in(self.tools / "xcode-select", "exit 2")

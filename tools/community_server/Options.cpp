@@ -1,9 +1,5 @@
 #include "tools/community_server/Options.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
@@ -14,30 +10,31 @@ namespace community_server {
 
 namespace {
 
-/// A whole number in decimal that the type can hold.
+/// A whole number from 0 on, in decimal.
 template <typename Number>
 bool readNumber(const std::string& text, Number& number)
 {
-    Number read = 0;
-    const char* end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, read);
-    if (text.empty() || result.ptr != end || result.ec != std::errc())
-        return false;
-    number = read;
-    return true;
+    const auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return problem == std::errc() && end == text.data() + text.size() && number >= 0;
 }
 
-bool readText(const std::string& text, std::filesystem::path& path)
+template <typename Text>
+bool readText(const std::string& text, Text& value)
 {
-    path = text;
+    value = text;
     return !text.empty();
 }
 
-bool readAddress(const std::string& text, std::string& address)
+bool readParent(const std::string& text, std::string& parent)
 {
-    in6_addr bytes{};
-    address = text;
-    return ::inet_pton(AF_INET, text.c_str(), &bytes) == 1 || ::inet_pton(AF_INET6, text.c_str(), &bytes) == 1;
+    int number = 0;
+    return readNumber(text, number) && readText(text, parent);
+}
+
+bool readYes(const std::string& text, bool& value)
+{
+    value = text == "yes";
+    return value || text == "no";
 }
 
 /// Letters, digits and "-._~" between slashes: what stands in an address as it is.
@@ -60,28 +57,28 @@ struct Row {
 };
 
 constexpr Row kRows[] = {
-    {"host", "ADDRESS", "the address to listen on (127.0.0.1)", "a numeric address",
-     [](const std::string& text, Options& options) { return readAddress(text, options.host); }},
+    {"host", "ADDRESS", "the address to listen on (127.0.0.1)", "an address",
+     [](const std::string& text, Options& options) { return readText(text, options.host); }},
     {"port", "NUMBER", "the port (8765); 0 takes a free one", "a number from 0 to 65535",
-     [](const std::string& text, Options& options) { return readNumber(text, options.port); }},
+     [](const std::string& text, Options& options) { return readNumber(text, options.port) && options.port <= 65535; }},
     {"data", "FOLDER", "the folder of everything (community-data)", "a folder",
      [](const std::string& text, Options& options) { return readText(text, options.data); }},
     {"path-prefix", "PATH", "what addresses begin with, say /library", "a path that begins with a slash",
      [](const std::string& text, Options& options) { return readPrefix(text, options.pathPrefix); }},
-    {"trusted-proxy", "ADDRESS", "the proxy whose X-Forwarded-For is believed", "a numeric address",
-     [](const std::string& text, Options& options) { return readAddress(text, options.trustedProxy); }},
+    {"behind-proxy", "yes|no", "whether X-Forwarded-For is believed (no)", "yes or no",
+     [](const std::string& text, Options& options) { return readYes(text, options.isBehindProxy); }},
     {"access-log", "FILE", "a line for each request; - is standard output", "a file or -",
      [](const std::string& text, Options& options) { return readText(text, options.accessLog); }},
-    {"uploads-per-user", "NUMBER", "uploads of an account in 24 hours (50)", "a number",
-     [](const std::string& text, Options& options) { return readNumber(text, options.uploadsPerUser); }},
-    {"uploads-per-address", "NUMBER", "uploads from an address in 24 hours (100)", "a number",
-     [](const std::string& text, Options& options) { return readNumber(text, options.uploadsPerAddress); }},
-    {"accounts-per-address", "NUMBER", "accounts from an address in 24 hours (10)", "a number",
-     [](const std::string& text, Options& options) { return readNumber(text, options.accountsPerAddress); }},
+    {"uploads-of-user", "NUMBER", "uploads of an account in a day (50)", "a number",
+     [](const std::string& text, Options& options) { return readNumber(text, options.quotas.uploadsOfUser); }},
+    {"uploads-of-address", "NUMBER", "uploads from an address in a day (200)", "a number",
+     [](const std::string& text, Options& options) { return readNumber(text, options.quotas.uploadsOfAddress); }},
+    {"accounts-of-address", "NUMBER", "accounts from an address in a day (20)", "a number",
+     [](const std::string& text, Options& options) { return readNumber(text, options.quotas.accountsOfAddress); }},
     {"seed", "FOLDER", "shares its mappings.json if nothing is there", "a folder",
      [](const std::string& text, Options& options) { return readText(text, options.seed); }},
     {"with-parent", "PID", "ends with this process, which started it", "a process's number",
-     [](const std::string& text, Options& options) { return readNumber(text, options.parent.emplace()); }},
+     [](const std::string& text, Options& options) { return readParent(text, options.parent); }},
 };
 
 constexpr std::string_view kVariables = "KV_COMMUNITY_";

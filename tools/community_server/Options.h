@@ -1,30 +1,25 @@
 #pragma once
 // What the server is told on its command line and in its environment.
 
-#include <cstdint>
+#include "tools/community_server/Quotas.h"
+
 #include <filesystem>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <variant>
 #include <vector>
-
-#include <sys/types.h>
 
 namespace community_server {
 
 struct Options {
     std::string host = "127.0.0.1";
-    std::uint16_t port = 8765; ///< 0 takes a free one
+    int port = 8765; ///< 0 takes a free one
     std::filesystem::path data = "community-data";
-    std::filesystem::path seed;        ///< empty: nothing is shared by the server itself
-    std::optional<pid_t> parent;       ///< the process with which the server ends
-    std::string pathPrefix;            ///< empty, or "/" and what all addresses begin with, without a slash at its end
-    std::string trustedProxy;          ///< empty, or the address whose X-Forwarded-For is believed
-    std::filesystem::path accessLog;   ///< empty: none; "-": standard output
-    std::uint32_t uploadsPerUser = 50; ///< within 24 hours, as the next ones
-    std::uint32_t uploadsPerAddress = 100;
-    std::uint32_t accountsPerAddress = 10;
+    std::filesystem::path seed; ///< empty: the server shares nothing by itself
+    std::string parent;         ///< process whose end ends the server
+    std::string pathPrefix;     ///< empty, or a slash and what all addresses begin with, without a slash at its end
+    bool isBehindProxy = false;
+    std::filesystem::path accessLog; ///< empty: none; "-": standard output
+    Quotas quotas;
 };
 
 /// What is said instead of serving: help or the version with status 0, why the options are refused with 2.

@@ -1,0 +1,16 @@
+#include "tools/community_server/Quotas.h"
+
+namespace community_server {
+
+bool countUse(Database& database, const std::string& what, std::int64_t allowed, std::int64_t now)
+{
+    constexpr std::int64_t kDay = 24LL * 3600 * 1000;
+    const std::int64_t today = now / kDay;
+    database.run("DELETE FROM usage WHERE day < ?", today);
+    // Changes no row when there were as many as allowed.
+    return allowed > 0 && database.run("INSERT INTO usage (day, what, count) VALUES (?, ?, 1) "
+                                       "ON CONFLICT DO UPDATE SET count = count + 1 WHERE count < ?",
+                                       today, what, allowed) == 1;
+}
+
+} // namespace community_server
