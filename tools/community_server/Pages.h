@@ -21,7 +21,7 @@ inline constexpr std::int64_t kMappingsPerPage = 10;
 inline constexpr std::int32_t kPagesInList = 4;
 inline constexpr std::int32_t kPagesAlone = 250;
 /// A larger file is not read for its chart in a list.
-inline constexpr std::size_t kLargestInList = std::size_t{64} << 10;
+inline constexpr std::int64_t kLargestInList = 64 << 10;
 
 /// The beginning of a mapping's chart, and how many pages it has in all.
 struct Chart {
@@ -82,11 +82,11 @@ std::string message(std::string_view title, std::string_view text);
 std::string_view styleSheet();
 std::string_view icon(); ///< SVG
 
-/// What every page is sent with: that it loads nothing of others, runs nothing, and is shown in no other's frame.
+/// What every page is sent with, beside what every reply is: that it loads nothing of others, runs nothing, and is
+/// shown in no other's frame.
 inline constexpr std::pair<const char*, const char*> kHeaders[] = {
     {"Content-Security-Policy", "default-src 'none'; style-src 'self'; img-src 'self'; form-action 'self'; "
                                 "base-uri 'none'; frame-ancestors 'none'"},
-    {"X-Content-Type-Options", "nosniff"},
     {"Referrer-Policy", "no-referrer"},
     {"X-Frame-Options", "DENY"},
     {"Cross-Origin-Opener-Policy", "same-origin"},

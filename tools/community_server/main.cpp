@@ -1,6 +1,7 @@
 // A server for the community library: accounts, uploads, listings, downloads. See README.md.
 
 #include "platform/files/Files.h"
+#include "tools/community_server/AccessLog.h"
 #include "tools/community_server/HttpServer.h"
 #include "tools/community_server/Library.h"
 #include "tools/community_server/Options.h"
@@ -42,11 +43,14 @@ void endWith(const std::string& parent)
 void serve(const Options& options, const sigset_t& ends)
 {
     prepareLibrary(options);
-    Service service({options.data, options.quotas});
-    HttpServer server({options.host, options.port, options.isBehindProxy}, [&](Request request, Service::Done done) {
-        service.answer(std::move(request), std::move(done));
-    });
-    std::printf("%s\n", server.address().c_str());
+    Service service({options.data, options.quotas, options.pathPrefix});
+    AccessLog log(options.accessLog);
+    const auto note = [&](const Access& access) { log.write(access); };
+    HttpServer server(
+        {options.host, options.port, options.isBehindProxy, note},
+        [&](Request request, Service::Done done) { service.answer(std::move(request), std::move(done)); });
+    std::printf("%s%s\n", server.address().c_str(),
+                options.pathPrefix.empty() ? "" : (options.pathPrefix.substr(1) + "/").c_str());
     std::fflush(stdout);
     int signal = 0;
     sigwait(&ends, &signal);
