@@ -35,7 +35,7 @@ std::string accessLine(const Access& access)
     if (::gmtime_r(&access.time, &parts))
         std::strftime(when, sizeof when, "%d/%b/%Y:%H:%M:%S +0000", &parts);
     const std::string_view target = access.target;
-    return plainStartOf(access.address, ".:", 45) + " - - [" + when + "] \"" + plainStartOf(access.method, "", 10) +
+    return plainStartOf(access.address, ".:/", 45) + " - - [" + when + "] \"" + plainStartOf(access.method, "", 10) +
            " " + plainStartOf(target.substr(0, target.find('?')), "/._-", kLongestPath) + " HTTP/1.1\" " +
            std::to_string(access.status) + " " + std::to_string(access.bytes) + "\n";
 }

@@ -12,18 +12,6 @@
 
 namespace community_server {
 
-namespace {
-
-std::string hashOf(std::string_view bytes)
-{
-    std::string hash(crypto_hash_sha256_BYTES, '\0');
-    crypto_hash_sha256(reinterpret_cast<unsigned char*>(hash.data()),
-                       reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
-    return hash;
-}
-
-} // namespace
-
 bool isMapping(std::string_view bytes)
 {
     if (bytes.size() > kLargestFile)
@@ -145,9 +133,17 @@ std::int64_t accountNamed(Database& database, const std::string& name, std::int6
     return database.lastRowId();
 }
 
+std::string keyOfFile(std::string_view bytes)
+{
+    std::string hash(crypto_hash_sha256_BYTES, '\0');
+    crypto_hash_sha256(reinterpret_cast<unsigned char*>(hash.data()),
+                       reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
+    return hash;
+}
+
 std::string keepFile(Database& database, std::string_view bytes)
 {
-    std::string hash = hashOf(bytes);
+    std::string hash = keyOfFile(bytes);
     database.run("INSERT INTO file (hash, bytes) VALUES (?, ?) ON CONFLICT DO NOTHING", Blob{hash}, Blob{bytes});
     return hash;
 }

@@ -4,6 +4,7 @@
 #include "mapping/ParameterOrder.h"
 #include "platform/Utf8.h"
 #include "platform/plist/PropertyList.h"
+#include "tools/community_server/PlainText.h"
 
 #include <algorithm>
 #include <charconv>
@@ -13,54 +14,18 @@ namespace community_server::pages {
 
 namespace {
 
-enum class Lines { one, several };
-
-constexpr char32_t kReplacement = 0xFFFD;
-
-/// Marks that turn the direction of what follows: in a window's title nothing would end them.
-bool turnsDirection(char32_t point)
-{
-    return (point >= 0x202A && point <= 0x202E) || (point >= 0x2066 && point <= 0x2069) || point == 0x200E ||
-           point == 0x200F || point == 0x061C;
-}
-
-/// A control character as the symbol that stands for it; others, and what no text may hold, as themselves or U+FFFD.
-char32_t visible(char32_t point)
-{
-    if (point < 0x20)
-        return 0x2400 + point;
-    if (point == 0x7F)
-        return 0x2421;
-    const bool isOdd = (point >= 0x80 && point < 0xA0) || (point & 0xFFFE) == 0xFFFE || platform::isSurrogate(point);
-    return isOdd ? kReplacement : point;
-}
-
 std::string escaped(std::string_view text, Lines lines = Lines::one)
 {
     std::string html;
-    html.reserve(text.size());
-    for (std::size_t at = 0; at < text.size();) {
-        const auto point = platform::codePointAt(text, at);
-        at += point.length;
-        const bool breaksLine = point.value == '\n' || point.value == 0x2028 || point.value == 0x2029;
-        if (!point.wellFormed)
-            platform::appendUtf8(html, kReplacement);
-        else if (point.value == '&')
-            html += "&amp;";
-        else if (point.value == '<')
-            html += "&lt;";
-        else if (point.value == '>')
-            html += "&gt;";
-        else if (point.value == '"')
-            html += "&quot;";
-        else if (point.value == '\'')
-            html += "&#39;";
-        else if (breaksLine)
-            html += lines == Lines::several ? '\n' : ' ';
-        else if (point.value == '\t')
-            html += lines == Lines::several ? '\t' : ' ';
-        else if (point.value != '\r' || at >= text.size() || text[at] != '\n')
-            platform::appendUtf8(html, visible(point.value));
+    for (const char letter : plainText(text, lines)) {
+        switch (letter) {
+        case '&': html += "&amp;"; break;
+        case '<': html += "&lt;"; break;
+        case '>': html += "&gt;"; break;
+        case '"': html += "&quot;"; break;
+        case '\'': html += "&#39;"; break;
+        default: html += letter;
+        }
     }
     return html;
 }
@@ -73,14 +38,7 @@ std::string isolated(std::string_view text)
 
 std::string forTitle(std::string_view text)
 {
-    std::string plain;
-    for (std::size_t at = 0; at < text.size();) {
-        const auto point = platform::codePointAt(text, at);
-        if (!turnsDirection(point.value))
-            plain += text.substr(at, point.length);
-        at += point.length;
-    }
-    return escaped(plain);
+    return escaped(withoutDirections(text));
 }
 
 std::string percentEncoded(std::string_view text)

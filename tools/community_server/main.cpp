@@ -70,6 +70,7 @@ int main(int argc, char* argv[])
     const Options& options = std::get<Options>(read);
     umask(077); // the folder holds e-mail addresses and the hashes of PINs
     platform::files::failBeyondSizeLimits();
+    std::signal(SIGPIPE, SIG_IGN); // whoever read the access log may have ended
     // Blocked before any thread starts, so that only the one that waits for them gets them.
     sigset_t ends;
     sigemptyset(&ends);
