@@ -360,6 +360,11 @@ class Package(ScriptsTest):
         self.assertEqual(said, "package: KV_NOTARY_PROFILE needs KV_SIGNING_IDENTITY\n")
         self.assertEqual(self.note("calls"), [])
 
+    def test_leaves_the_server_s_package_to_debian(self):
+        said = self.run_script("package", "--server", status=2)[1]
+        self.assertEqual(said, "package: the server's package is made on Debian\n")
+        self.assertEqual(self.calls("cmake", "cpack"), [])
+
     def test_fails_when_apple_refuses(self):
         self.stand_in(self.tools / "xcrun", "exit 65")
         self.run_script("package", KV_SIGNING_IDENTITY="Ada", KV_NOTARY_PROFILE="us", status=65)
@@ -373,6 +378,23 @@ class PackageOnDebian(ScriptsTest):
         said = self.run_script("package", KV_SIGNING_IDENTITY="Ada")[0]
         self.assertEqual(said, f"{self.root}/build/release/kvorvantalogic-tool_1_all.deb\n")
         self.assertEqual(self.calls("lipo", "codesign", "xcrun"), [])
+
+    def test_makes_the_server_s_package_beside_it(self):
+        self.write(self.root / "scripts/packages.txt", "cmake\n")
+        kept = self.root / "build/release/kvorvantalogic-tool_0_all.deb"
+        self.write(kept, "the program's")
+        (self.root / "build/release/server").mkdir()
+        said = self.run_script("package", "--server")[0]
+        self.assertTrue(said.startswith(f"{self.root}/build/release/server/"), said)
+        self.assertRegex("\n".join(self.calls("cmake", "cpack")),
+                         r"\Acmake --preset release\n"
+                         r"cmake --build build/release --target community_server community_admin --parallel [1-9]\d*\n"
+                         r"cpack --config build/release/CPackServerConfig.cmake -B build/release/server\Z")
+        self.assertTrue(kept.exists())
+
+    def test_makes_nothing_that_it_does_not_know(self):
+        self.assertEqual(self.run_script("package", "--sever", status=2)[1], "package: unknown option: --sever\n")
+        self.assertEqual(self.note("calls"), [])
 
 
 del ScriptsTest  # it has no tests of its own

@@ -16,6 +16,7 @@
 #include <condition_variable>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <mutex>
 #include <optional>
 #include <stdexcept>
@@ -294,9 +295,10 @@ private:
             return send(connection, exchange);
         connections_.setPhase(exchange.connection, Phase::working);
         MHD_suspend_connection(connection);
-        // Moved away, but for what the reply is counted under.
+        // Moved away, but for what the reply is counted and noted under.
         Request request = std::move(exchange.request);
         exchange.request.address = request.address;
+        exchange.request.method = request.method;
         answer_(std::move(request), [connection, &exchange](Reply reply) {
             exchange.reply = std::move(reply);
             MHD_resume_connection(connection);
@@ -312,6 +314,9 @@ private:
         if (size > Connections::kSmall && !hold(exchange, size))
             exchange.reply = Reply{503, kBusy};
         Reply& reply = *exchange.reply;
+        if (settings_.note)
+            settings_.note({exchange.request.address, exchange.request.method, exchange.target, reply.status,
+                            reply.body.size(), std::time(nullptr)});
         // The exchange outlives the response.
         MHD_Response* response =
             MHD_create_response_from_buffer(reply.body.size(), reply.body.data(), MHD_RESPMEM_PERSISTENT);

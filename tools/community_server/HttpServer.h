@@ -3,6 +3,7 @@
 // every address a number of connections and of bytes in memory. A connection too many costs its address the oldest one
 // that is still being waited for.
 
+#include "tools/community_server/AccessLog.h"
 #include "tools/community_server/Service.h"
 
 #include <functional>
@@ -16,6 +17,7 @@ struct HttpSettings {
     int port = 0; ///< 0 takes a free one
     /// Whether connections come from a proxy, whose last X-Forwarded-For is the client's address.
     bool isBehindProxy = false;
+    std::function<void(const Access&)> note; ///< told of every request that is replied to, by one thread
 };
 
 class HttpServer {

@@ -10,18 +10,6 @@
 
 namespace community_server {
 
-namespace {
-
-std::string hashOf(std::string_view bytes)
-{
-    std::string hash(crypto_hash_sha256_BYTES, '\0');
-    crypto_hash_sha256(reinterpret_cast<unsigned char*>(hash.data()),
-                       reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
-    return hash;
-}
-
-} // namespace
-
 Library::Outcome Library::share(const Account& account, const std::string& plugin, const std::string& comments,
                                 std::string_view file, const std::string& address, const Quotas& quotas,
                                 std::int64_t now)
@@ -132,9 +120,17 @@ std::int64_t accountNamed(Database& database, const std::string& name, std::int6
     return database.lastRowId();
 }
 
+std::string keyOfFile(std::string_view bytes)
+{
+    std::string hash(crypto_hash_sha256_BYTES, '\0');
+    crypto_hash_sha256(reinterpret_cast<unsigned char*>(hash.data()),
+                       reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
+    return hash;
+}
+
 std::string keepFile(Database& database, std::string_view bytes)
 {
-    std::string hash = hashOf(bytes);
+    std::string hash = keyOfFile(bytes);
     database.run("INSERT INTO file (hash, bytes) VALUES (?, ?) ON CONFLICT DO NOTHING", Blob{hash}, Blob{bytes});
     return hash;
 }

@@ -52,6 +52,8 @@ private:
 /// Number of the account with exactly this name; one that nobody can log in to is made where there is none. To be
 /// called within a transaction.
 std::int64_t accountNamed(Database& database, const std::string& name, std::int64_t now);
+/// The key under which a file is kept.
+std::string keyOfFile(std::string_view bytes);
 /// Keeps the bytes, once however often they are shared, and returns the key under which they are kept.
 std::string keepFile(Database& database, std::string_view bytes);
 

@@ -144,4 +144,9 @@ std::vector<std::string> bringUpToDate(Database& database, const fs::path& folde
     return problems;
 }
 
+bool isUpToDate(Database& database)
+{
+    return versionOf(database) == kVersion;
+}
+
 } // namespace community_server

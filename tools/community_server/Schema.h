@@ -14,4 +14,7 @@ namespace community_server {
 /// what a host should know: mappings whose file is not there, which stay unlisted.
 std::vector<std::string> bringUpToDate(Database& database, const std::filesystem::path& folder);
 
+/// Whether the tables are those of this program.
+bool isUpToDate(Database& database);
+
 } // namespace community_server

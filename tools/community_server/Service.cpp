@@ -48,6 +48,12 @@ const Service::Route* Service::routeOf(const Request& request)
         {"POST", "/kv_listplists.php", &Service::reading_, &Service::list},
         {"POST", "/kv_downloadreg.php", &Service::writing_, &Service::countDownload},
         {"GET", kFilesPath, &Service::reading_, &Service::giveFile},
+        {"GET", "/", &Service::reading_, &Service::showPlugins},
+        {"GET", "/plugin", &Service::reading_, &Service::showPlugin},
+        {"GET", "/mapping", &Service::reading_, &Service::showMapping},
+        {"GET", "/style.css", &Service::reading_, &Service::giveStyleSheet},
+        {"GET", "/icon.svg", &Service::reading_, &Service::giveIcon},
+        {"GET", "/healthz", &Service::reading_, &Service::tellHealth},
     };
     const std::string_view method = request.method == "HEAD" ? "GET" : std::string_view(request.method);
     for (const Route& route : routes)
@@ -60,7 +66,13 @@ const Service::Route* Service::routeOf(const Request& request)
 
 void Service::answer(Request request, Done done)
 {
-    const Route* route = routeOf(request);
+    const std::string& prefix = settings_.pathPrefix;
+    const bool isGet = request.method == "GET" || request.method == "HEAD";
+    if (!prefix.empty() && request.path == prefix && isGet) // the pages' addresses are relative to the slash
+        return done({308, {}, "text/plain; charset=utf-8", {{"Location", prefix + "/"}}});
+    const bool isBelow = request.path.starts_with(prefix + "/");
+    request.path.erase(0, prefix.size());
+    const Route* route = isBelow ? routeOf(request) : nullptr;
     if (!route)
         return done({404, kNothingHere});
     const std::int64_t asked = now();

@@ -42,6 +42,7 @@ inline constexpr char kBusy[] = "The library is busy. Please try again in a mome
 struct ServiceSettings {
     std::filesystem::path data;
     Quotas quotas;
+    std::string pathPrefix; ///< as in Options
 };
 
 class Service {
@@ -66,6 +67,14 @@ private:
     Reply list(Database& database, const Request& request);
     Reply countDownload(Database& database, const Request& request);
     Reply giveFile(Database& database, const Request& request);
+
+    // For people and for what watches the server.
+    Reply showPlugins(Database& database, const Request& request);
+    Reply showPlugin(Database& database, const Request& request);
+    Reply showMapping(Database& database, const Request& request);
+    Reply giveStyleSheet(Database& database, const Request& request);
+    Reply giveIcon(Database& database, const Request& request);
+    Reply tellHealth(Database& database, const Request& request);
 
     const ServiceSettings settings_;
     std::atomic<bool> isEnding_ = false;

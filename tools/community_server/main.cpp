@@ -1,6 +1,7 @@
 // A server for the community library: accounts, uploads, listings, downloads. See README.md.
 
 #include "platform/files/Files.h"
+#include "tools/community_server/AccessLog.h"
 #include "tools/community_server/HttpServer.h"
 #include "tools/community_server/Library.h"
 #include "tools/community_server/Options.h"
@@ -16,6 +17,7 @@
 #include <string>
 #include <thread>
 #include <utility>
+#include <variant>
 
 namespace {
 
@@ -41,11 +43,14 @@ void endWith(const std::string& parent)
 void serve(const Options& options, const sigset_t& ends)
 {
     prepareLibrary(options);
-    Service service({options.data, options.quotas});
-    HttpServer server({options.host, options.port, options.isBehindProxy}, [&](Request request, Service::Done done) {
-        service.answer(std::move(request), std::move(done));
-    });
-    std::printf("%s\n", server.address().c_str());
+    Service service({options.data, options.quotas, options.pathPrefix});
+    AccessLog log(options.accessLog);
+    const auto note = [&](const Access& access) { log.write(access); };
+    HttpServer server(
+        {options.host, options.port, options.isBehindProxy, note},
+        [&](Request request, Service::Done done) { service.answer(std::move(request), std::move(done)); });
+    std::printf("%s%s\n", server.address().c_str(),
+                options.pathPrefix.empty() ? "" : (options.pathPrefix.substr(1) + "/").c_str());
     std::fflush(stdout);
     int signal = 0;
     sigwait(&ends, &signal);
@@ -57,24 +62,25 @@ void serve(const Options& options, const sigset_t& ends)
 
 int main(int argc, char* argv[])
 {
-    const auto options = optionsIn(argc, argv);
-    if (!options) {
-        std::fputs(kUsage, stderr);
-        return 2;
+    const auto read = readOptions({argv + 1, argv + argc}, environmentOfProcess());
+    if (const auto* ending = std::get_if<Ending>(&read)) {
+        std::fputs(ending->text.c_str(), ending->status == 0 ? stdout : stderr);
+        return ending->status;
     }
+    const Options& options = std::get<Options>(read);
     umask(077); // the folder holds e-mail addresses and the hashes of PINs
     platform::files::failBeyondSizeLimits();
-    ::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN); // clients go, and whoever reads the access log may end
     // Blocked before any thread starts, so that only the one that waits for them gets them.
     sigset_t ends;
     sigemptyset(&ends);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         sigaddset(&ends, signal);
     pthread_sigmask(SIG_BLOCK, &ends, nullptr);
-    if (!options->parent.empty())
-        std::thread(endWith, options->parent).detach();
+    if (!options.parent.empty())
+        std::thread(endWith, options.parent).detach();
     try {
-        serve(*options, ends);
+        serve(options, ends);
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "community_server: %s\n", error.what());
