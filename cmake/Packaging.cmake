@@ -8,12 +8,17 @@ set(KV_MAINTAINER "kvOrvantaLogic_Tool developers <developers@kvorvanta.invalid>
 set(linux "${PROJECT_SOURCE_DIR}/resources/linux")
 set(packaging "${CMAKE_BINARY_DIR}/packaging")
 
-# kv_install_gzipped(file folder name): installs a file compressed, without its time, so that equal files stay equal.
+# kv_gzip(file name): compresses a file to NAME.gz of the folder, without its time, so that equal files stay equal.
 find_program(KV_GZIP gzip REQUIRED)
-function(kv_install_gzipped file folder name)
+function(kv_gzip file name)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
     execute_process(COMMAND "${KV_GZIP}" -9nc "${file}" OUTPUT_FILE "${packaging}/${name}.gz"
                     COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+
+# kv_install_gzipped(file folder name): installs a file compressed.
+function(kv_install_gzipped file folder name)
+    kv_gzip("${file}" "${name}")
     install(FILES "${packaging}/${name}.gz" DESTINATION "${folder}")
 endfunction()
 
@@ -62,3 +67,6 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 string(CONCAT CPACK_DEBIAN_PACKAGE_RECOMMENDS
     "qt6-wayland, xdg-utils, fonts-dejavu-core, fonts-droid-fallback | fonts-noto-cjk, fonts-noto-color-emoji")
 include(CPack)
+if(TARGET community_admin)
+    include(cmake/ServerPackage.cmake)
+endif()

@@ -153,7 +153,7 @@ class SetUpOnAMac(ScriptsTest):
     def test_the_brewfile_lists_what_is_needed(self):
         lines = (self.root / "Brewfile").read_text(encoding="utf-8").splitlines()
         listed = [line.split('"')[1] for line in lines if line.startswith("brew ")]
-        self.assertLessEqual({"cmake", "ninja", "qt", "googletest", "pkgconf", "cpp-httplib", "openssl@3"}, set(listed))
+        self.assertLessEqual({"cmake", "ninja", "qt", "googletest", "pkgconf", "libmicrohttpd", "libsodium"}, set(listed))
 
     def test_says_how_to_get_what_it_cannot_install(self):
         self.stand_in(self.tools / "xcode-select", "exit 2")
@@ -371,6 +371,11 @@ class Package(ScriptsTest):
         self.assertEqual(said, "package: KV_NOTARY_PROFILE needs KV_SIGNING_IDENTITY\n")
         self.assertEqual(self.note("calls"), [])
 
+    def test_leaves_the_server_s_package_to_debian(self):
+        said = self.run_script("package", "--server", status=2)[1]
+        self.assertEqual(said, "package: the server's package is made on Debian\n")
+        self.assertEqual(self.calls("cmake", "cpack"), [])
+
     def test_fails_when_apple_refuses(self):
         self.stand_in(self.tools / "xcrun", "exit 65")
         self.run_script("package", KV_SIGNING_IDENTITY="Ada", KV_NOTARY_PROFILE="us", status=65)
@@ -384,6 +389,23 @@ class PackageOnDebian(ScriptsTest):
         said = self.run_script("package", KV_SIGNING_IDENTITY="Ada")[0]
         self.assertEqual(said, f"{self.root}/build/release/kvorvantalogic-tool_1_all.deb\n")
         self.assertEqual(self.calls("lipo", "codesign", "xcrun"), [])
+
+    def test_makes_the_server_s_package_beside_it(self):
+        self.write(self.root / "scripts/packages.txt", "cmake\n")
+        kept = self.root / "build/release/kvorvantalogic-tool_0_all.deb"
+        self.write(kept, "the program's")
+        (self.root / "build/release/server").mkdir()
+        said = self.run_script("package", "--server")[0]
+        self.assertTrue(said.startswith(f"{self.root}/build/release/server/"), said)
+        self.assertRegex("\n".join(self.calls("cmake", "cpack")),
+                         r"\Acmake --preset release\n"
+                         r"cmake --build build/release --target community_server community_admin --parallel [1-9]\d*\n"
+                         r"cpack --config build/release/CPackServerConfig.cmake -B build/release/server\Z")
+        self.assertTrue(kept.exists())
+
+    def test_makes_nothing_that_it_does_not_know(self):
+        self.assertEqual(self.run_script("package", "--sever", status=2)[1], "package: unknown option: --sever\n")
+        self.assertEqual(self.note("calls"), [])
 
 
 del ScriptsTest  # it has no tests of its own
