@@ -139,13 +139,16 @@ class Guide(unittest.TestCase):
             self.assertNotIn("raw HTML omitted", text, name)
             self.assertNotRegex(re.sub(r"(?s)<(code|pre)>.*?</\1>", "", text), r"\*\*|\]\(|^#", name)
 
-    def test_a_page_that_nobody_finds_is_refused(self):
+    def test_anchors_are_the_usual_ones_and_a_page_that_nobody_finds_is_refused(self):
         with tempfile.TemporaryDirectory() as folder:
             source = Path(folder) / "source"
             (source / "images").mkdir(parents=True)
-            for name, text in {"index.md": "# One\n\n[Two](two.md)\n", "two.md": "# Two\n", "guide.css": ""}.items():
+            for name, text in {"index.md": "# One\n\n[Two](two.md)\n", "two.md": "# Two\n\n## What's `new` & *good*\n",
+                               "guide.css": ""}.items():
                 (source / name).write_text(text, encoding="utf-8")
             self.make(source, Path(folder) / "made")
+            # As on the pages of a repository.
+            self.assertEqual(Page(Path(folder) / "made/two.html").anchors, ["two", "whats-new--good"])
             (source / "three.md").write_text("# Three\n", encoding="utf-8")
             with self.assertRaises(subprocess.CalledProcessError):
                 self.make(source, Path(folder) / "made")

@@ -331,23 +331,23 @@ QString selectAgain(Tour& tour)
 
 std::vector<Step> allSteps()
 {
-    const auto whole = [](const char* name) { return Excerpt{QLatin1String(name), {"cwinMainWindow"}}; };
     // clang-format off
     return {
         {QStringLiteral("empty-start"), emptyStart},
         {QStringLiteral("start"), start},
         {QStringLiteral("select"), select,
-         {{QStringLiteral("choose"), {"pluginReadOut", "pluginTableView"}}, whole("readme-1-choose")}},
+         {{QStringLiteral("choose"), {"pluginReadOut", "pluginTableView"}}}},
         {QStringLiteral("search"), search,
          {{QStringLiteral("search"), {"mappedReadOut", "tablePlistOfSelectedPlugin"}, 170}}},
         {QStringLiteral("assign"), assign,
-         {{QStringLiteral("press"), {"frontPanel", "pageOverview"}}, whole("readme-2-press")}},
+         {{QStringLiteral("press"), {"frontPanel", "pageOverview"}},
+          {QStringLiteral("readme-press"), {"kvRotaryBtn1", "kvControl1", "kvControl3"}}}},
         {QStringLiteral("add-page"), addPage},
         {QStringLiteral("unsaved"), unmapped},
-        {QStringLiteral("undo"), undo, {whole("window")}},
+        {QStringLiteral("undo"), undo, {{QStringLiteral("window"), {"cwinMainWindow"}}}},
         {QStringLiteral("move-page"), movePage,
          {{QStringLiteral("pages"), {"pageOverview", "firstPageButtonPressed", "clearAllPagesButtonPressed"}}}},
-        {QStringLiteral("save"), save, {{QStringLiteral("save")}, whole("readme-3-save")}},
+        {QStringLiteral("save"), save, {{QStringLiteral("save"), {}}}},
         {QStringLiteral("recall"), recall},
         {QStringLiteral("chart"), chart},
         {QStringLiteral("synthesizer"), synthesizer},
