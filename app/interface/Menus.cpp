@@ -20,6 +20,7 @@ void makeContextMenu(QMainWindow& window, const char* name, const QString& title
 {
     auto* menu = new QMenu(title, &window);
     menu->setObjectName(QLatin1String(name));
+    menu->setAccessibleName(title);
     menu->setToolTipsVisible(true);
     bool beginsSection = false;
     const Action* above = nullptr;

@@ -1,19 +1,26 @@
 // Every text in the main window and the others stands out from what lies behind it, measured on what is drawn.
 
+#include "app/interface/DragPicture.h"
+#include "mapping/Drafts.h"
 #include "platform/qt/ReadableColours.h"
 #include "platform/qt/Text.h"
 #include "tests/support/WindowTest.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
+#include <QAction>
 #include <QHeaderView>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QStyle>
 #include <QStyleFactory>
+#include <QTest>
 #include <QToolTip>
 #include <QTreeView>
 
+#include <ctime>
 #include <memory>
 #include <unordered_map>
 
@@ -156,6 +163,90 @@ TEST_P(ContrastTest, WithAnEditedPlugin)
         expectReadable(header->viewport(), {QPoint(3, 3), QSize(header->sectionSize(0) - 6, header->height() - 6)},
                        "Number");
     }
+}
+
+TEST_P(ContrastTest, BarsHintsAndTheFieldForPages)
+{
+    const Path file = builtIn("Lead");
+    writeDictionary(file, orderFile(numbered(24)));
+    Texts draft = numbered(24);
+    draft[0] = "-1";
+    mapping::Drafts(draftsBelow(home_.path())).keep({file.native(), draft, 3, 1, 0, std::time(nullptr)});
+    launch();
+    select("Lead");
+    click("clearAllPagesButtonPressed"); // leaves two pages behind
+    find<QAction>("compareWithSaved")->trigger();
+    typeInto("pluginSearch", "lead");
+    find<QAction>("goToPage")->trigger(); // last, since it goes with the focus
+    typeInto("goToPageField", "99");
+    QTest::keyClick(find<>("goToPageField"), Qt::Key_Return);
+    draw("cwinMainWindow");
+    for (const char* shown : {"draftBar", "leftoverHint", "differenceHint", "goToPagePopup", "pluginReadOut"})
+        EXPECT_TRUE(find<>(shown)->isVisible()) << shown;
+    EXPECT_GT(expectTextsReadable<QLabel>(), 18);
+    EXPECT_GT(expectTextsReadable<QAbstractButton>(), 16);
+    EXPECT_EQ(expectTextsReadable<QLineEdit>(), 2);
+}
+
+TEST_P(ContrastTest, TilesOfPages)
+{
+    Texts order = numbered(24);
+    order[9] = "-1";
+    writeDictionary(builtIn("Lead"), orderFile(order));
+    launch();
+    select("Lead");
+    chooseParameter("Knob 5");
+    draw("cwinMainWindow");
+    const auto* strip = find<QAbstractItemView>("pageOverview");
+    for (int row = 0; row < 3; ++row) {
+        const QRect tile = strip->visualRect(strip->model()->index(row, 0)).adjusted(9, 6, -9, 0);
+        // The number and the title each for itself, without frame, rings and cells.
+        const int height = strip->fontMetrics().height();
+        for (const QRect& part : {QRect(tile.left(), tile.top(), 2 * height / 3, height),
+                                  QRect(tile.left() + 2 * height, tile.top(), 2 * height, height)})
+            expectReadable(strip->viewport(), part, "tile " + std::to_string(row + 1));
+    }
+}
+
+TEST_P(ContrastTest, ContextMenus)
+{
+    writeDictionary(builtIn("Lead"), orderFile(numbered(24)));
+    launch();
+    select("Lead");
+    chooseParameter("Knob 5");
+    find<>("kvRotaryBtn3")->setFocus();
+    for (const char* name : {"potMenu", "tileMenu", "parameterMenu"}) {
+        auto* menu = find<QMenu>(name);
+        menu->popup(QPoint(10, 10));
+        draw(name);
+        int items = 0;
+        for (QAction* item : menu->actions()) {
+            if (item->isSeparator() || !item->isEnabled())
+                continue;
+            ++items;
+            expectReadable(menu, menu->actionGeometry(item).adjusted(2, 2, -2, -2), fromQt(item->text()));
+        }
+        EXPECT_GT(items, 3) << name;
+        auto* read = QAccessible::queryAccessibleInterface(menu);
+        EXPECT_NE(read->text(QAccessible::Name), QString()) << name;
+        ASSERT_EQ(read->childCount(), menu->actions().size()) << name;
+        for (int child = 0; child < read->childCount(); ++child) {
+            const bool isLine = menu->actions().at(child)->isSeparator();
+            EXPECT_TRUE(isLine || !read->child(child)->text(QAccessible::Name).isEmpty()) << name << " " << child;
+        }
+        menu->hide();
+    }
+}
+
+TEST_P(ContrastTest, WhatHangsAtThePointer)
+{
+    launch();
+    const QWidget* list = find<>("tablePlistOfSelectedPlugin");
+    picture_ = interface::dragPicture(QStringLiteral("Filter Cutoff"), list).toImage();
+    picture_ = picture_.scaled(picture_.size() * kScale, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    window_ = list;
+    EXPECT_GE(contrastIn(list, QRect(4, 4, picture_.width() / kScale - 8, picture_.height() / kScale - 8)),
+              kReadableContrast);
 }
 
 TEST_P(ContrastTest, CommunityWindows)

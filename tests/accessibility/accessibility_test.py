@@ -6,6 +6,7 @@ Usage: accessibility_test.py PROGRAM COMMUNITY-PORT [unittest's arguments]"""
 
 import collections
 import http.server
+import plistlib
 import re
 import shutil
 import sys
@@ -31,6 +32,9 @@ class ProgramTest(unittest.TestCase):
         make_library.PLUG_INS = [plug_in for plug_in in every_plug_in if Path(plug_in[0]).name in PLUG_INS]
         make_library.DECOYS = {}
         make_library.main()
+        self.start()
+
+    def start(self):
         self.process = screen.run(program_path)
         self.addCleanup(end, self.process)
         self.program = reader.Program(self.process)
@@ -52,6 +56,19 @@ class ProgramTest(unittest.TestCase):
     def pot(self, number):
         return next(node for node in self.main.outline()
                     if node.role == "push button" and re.match(rf"Pot {number}\b", node.name))
+
+    def pages(self):
+        return [node for node in self.main.find("list", "Pages").children() if node.role in reader.CELLS]
+
+    def press_item(self, name):
+        self.main.find("menu item", name).press()
+
+    def showing(self, role, name):
+        """The control of that name as soon as it is seen."""
+        found = wait_for(lambda: next((node for node in self.main.outline() if (node.role, node.name) == (role, name)
+                                       and "showing" in node.states), None), 5)
+        self.assertTrue(found, f'no {role} "{name}" is seen')
+        return found
 
     def wait_for_undo(self):
         def can_undo():
@@ -140,12 +157,71 @@ class MainWindowTest(ProgramTest):
 
     def test_the_overview_tells_its_pages(self):
         self.choose_plug_in("Quillmoor Echo")
-        overview = next(node for node in self.main.outline() if node.role == "list")
-        self.assertNotEqual(overview.name, "")
-        pages = [node for node in overview.children() if node.role in reader.CELLS]
+        pages = self.pages()
         self.assertEqual(len(pages), 3)
         for number, page in enumerate(pages, 1):
             self.assertIn(str(number), page.name)
+
+    def test_pots_say_what_a_press_would_do(self):
+        self.choose_plug_in("Quillmoor Echo")
+        self.assertIn("Clear pot 3", self.pot(3).description)
+        self.choose_parameter("Freeze")
+        self.wait(lambda: "Put Freeze on pot 3" in self.pot(3).description, "the pot does not say it")
+
+    def test_narrowing_and_going_to_a_page(self):
+        plug_ins = self.main.find("tree", "Plug-ins")
+        self.main.find("text", "Search plug-ins").type("quill")
+        self.wait(lambda: "1 of 4" in self.labels(), "it is not told how many were found")
+        self.assertEqual([node.name for node in plug_ins.children() if node.role in reader.CELLS][:1], ["Quillmoor Echo"])
+        self.assertIn("Clear: Search plug-ins", [node.name for node in self.main.outline() if "showing" in node.states])
+        self.choose_plug_in("Quillmoor Echo")
+        self.main.find("label", "kvOrvantaLogic Tool").click()
+        self.press_item("Go to Page")
+        field = self.showing("text", "Go to page: number or first letters of a name")
+        self.check_controls(self.main)
+        field.type("99")
+        reader.press_key(reader.RETURN)
+        self.wait(lambda: "99" in field.description, "it is not told that there is no such page")
+        self.assertTrue(any("99" in label for label in self.labels()), self.labels())
+        field.type("3")
+        reader.press_key(reader.RETURN)
+        self.wait(lambda: "Page 3 of 3" in self.labels(), "the page is not shown")
+
+    def test_what_differs_is_told(self):
+        self.choose_plug_in("Quillmoor Echo")
+        self.choose_parameter("Freeze")
+        self.pot(1).press()
+        self.wait_for_undo()
+        self.press_item("Compare With Saved File")
+        self.wait(lambda: "1 pot differs from the saved file" in self.labels(), "the comparison is not told")
+        self.assertIn("Freeze; in the saved file: Left Delay Time", self.pot(1).description)
+        self.assertIn("1 pot differs", self.pages()[0].name)
+        self.check_controls(self.main)
+        self.press_item("Compare With Nothing")
+        self.wait(lambda: "in the saved file" not in self.pot(1).description, "the pot keeps telling it")
+
+    def test_what_is_left_behind_is_told(self):
+        self.choose_plug_in("Quillmoor Echo")
+        self.main.find("push button", "Clear All").press()
+        self.wait(lambda: any("beyond page 1" in label for label in self.labels()), "the hint is not told")
+        self.check_controls(self.main)
+        self.assertIn("left behind the last page", self.pages()[1].name)
+        self.showing("push button", "Start From Scratch").press()
+        self.wait(lambda: not any("beyond page 1" in label for label in self.labels()), "the hint stays")
+
+    def test_a_draft_is_told(self):
+        self.choose_plug_in("Quillmoor Echo")
+        self.choose_parameter("Freeze")
+        self.pot(1).press()
+        self.wait_for_undo()
+        end(self.process)
+        self.start()
+        self.main.find("tree", "Plug-ins").cell("Quillmoor Echo, draft of unsaved edits").choose()
+        self.wait(lambda: any(label.startswith("1 unsaved pot from ") for label in self.labels()), "no draft is told")
+        self.check_controls(self.main)
+        self.showing("push button", "Discard draft")
+        self.showing("push button", "Bring back draft").press()
+        self.wait(lambda: self.pot(1).name.startswith("Pot 1, Freeze,"), "the draft is not brought back")
 
     def test_tab_visits_every_control_once(self):
         self.choose_plug_in("Quillmoor Echo")
@@ -158,10 +234,10 @@ class MainWindowTest(ProgramTest):
         # Of the two cells of the mode one is on the way; arrow keys go to the other.
         unvisited = [node for node in controls if node not in visited and node.role != "radio button"]
         self.assertEqual(unvisited, [])
-        order = ["Instrument", "Undo Assign Parameter", "Save Mapping", "Help", "Plug-ins", "Search parameters", "Not mapped yet",
-                 "Plugin Parameters"]
+        order = ["Instrument", "Undo Assign Parameter", "Save Mapping", "Help", "Search plug-ins", "Scan for plugins",
+                 "Plug-ins", "Search parameters", "Not mapped yet", "Plugin Parameters"]
         order += [self.pot(number).name for number in range(1, 9)]
-        order += ["Show first page", "New Page", "Delete Page", "Clear All", "Account", "Browse"]
+        order += ["Pages", "Show first page", "New Page", "Delete Page", "Clear All", "Account", "Browse"]
         places = [names.index(name) for name in order]
         self.assertEqual(places, sorted(places), names)
 
@@ -196,6 +272,13 @@ class CommunityServer(http.server.BaseHTTPRequestHandler):
         self.send_header("Content-Length", str(len(reply)))
         self.end_headers()
         self.wfile.write(reply.encode())
+
+    def do_GET(self):
+        self.send_response(200)
+        shared = plistlib.dumps({"ControlSurfaceParameterOrder": ["1 Drums", "-1", "2 Bass"]})
+        self.send_header("Content-Length", str(len(shared)))
+        self.end_headers()
+        self.wfile.write(shared)
 
     def log_message(self, *_):
         pass
@@ -236,6 +319,15 @@ class CommunityWindowsTest(ProgramTest):
         window = self.program.window("Shared Mappings")
         self.check_controls(window)
         self.assertEqual(window.find("tree", "Shared for this plug-in").cell("Drums first").name, "Drums first")
+        window.find("tree", "Shared for this plug-in").cell("Drums first").choose()
+        preview = window.find("push button", "Preview")
+        self.wait(lambda: "enabled" in preview.states, "nothing can be previewed")
+        preview.press()
+        tables = wait_for(lambda: [node for node in window.outline() if node.name == "Pages of the shared mapping"
+                                   and "showing" in node.states], 5)
+        self.assertTrue(tables, "the preview is not seen")
+        self.assertEqual(tables[0].cell("Bass, differs").name, "Bass, differs")
+        self.check_controls(window)
 
     def test_an_alert_is_read_whole(self):
         self.main.find("push button", "Help").press()

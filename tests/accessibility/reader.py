@@ -14,7 +14,8 @@ CONTROLS = {"push button", "radio button", "check box", "text", "password text",
 # What lists are made of. A list says how many there are, so they are no controls of their own.
 CELLS = {"table cell", "list item", "tree item", "table row"}
 
-TAB = 23  # its place on the keyboard, whatever the layout
+# Their places on the keyboard, whatever the layout.
+TAB, RETURN = 23, 36
 
 
 class Node:
