@@ -104,6 +104,8 @@ public:
     void kvRecallPreviousMapping(Sender sender = nullptr);
     /// Puts the backup "original" or "prev" in place of the file and loads it.
     void recallOriginalMapping(const std::string& suffix);
+    /// Shows the plug-in's file where it lies. Ignored before a plug-in has been loaded.
+    void revealFile(Sender = nullptr);
 
     // Drafts. Unsaved edits outlast the choice of another plug-in and the end of the program.
 

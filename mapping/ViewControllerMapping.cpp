@@ -91,3 +91,9 @@ void ViewController::recallOriginalMapping(const std::string& suffix)
     }
     alertUserAndSub("Recalled mapping has been applied", "Now saved as this plugins default");
 }
+
+void ViewController::revealFile(Sender)
+{
+    if (isMappingLoaded())
+        platform_.workspace.revealFile(labPluginPlistLocation()->stringValue.get());
+}

@@ -50,6 +50,8 @@ public:
     virtual ~Workspace() = default;
     /// Opens a file in the user's default application for it, whether or not the file exists.
     virtual void openFile(const std::filesystem::path& path) = 0;
+    /// Shows where a file lies, in the system's file manager.
+    virtual void revealFile(const std::filesystem::path& path) = 0;
 };
 
 /// A table for paper. Texts are shown as they are, never as markup.

@@ -4,6 +4,16 @@
 
 namespace interface {
 
+namespace {
+
+#ifdef Q_OS_MACOS
+constexpr char kReveal[] = QT_TR_NOOP("Show in Finder");
+#else
+constexpr char kReveal[] = QT_TR_NOOP("Show in Folder");
+#endif
+
+} // namespace
+
 std::span<const Action> Action::all()
 {
     using VC = ViewController;
@@ -51,6 +61,10 @@ std::span<const Action> Action::all()
         {.name = "chartPdf", .text = QT_TR_NOOP("Chart as PDF"), .symbol = "chart",
          .menu = Menu::file, .needs = Needs::mapping, .call = &VC::chartPdf,
          .toolTip = QT_TR_NOOP("Save the mapping as a chart in a PDF, with names in any script, and open it")},
+        {.name = "revealFile", .text = kReveal, .symbol = "reveal",
+         .menu = Menu::file, .needs = Needs::mapping, .call = &VC::revealFile,
+         .isSymbolOnly = true, .spoken = kReveal,
+         .toolTip = QT_TR_NOOP("Show the plug-in's file where it lies")},
         {.name = "bringBackDraft", .text = QT_TR_NOOP("Bring Back Draft"), .symbol = "bring-back",
          .menu = Menu::file, .beginsSection = true, .keys = "Ctrl+Shift+B", .call = &VC::bringBackDraft,
          .row = ButtonRow::draft, .caption = QT_TR_NOOP("Bring Back"), .spoken = QT_TR_NOOP("Bring back draft"),

@@ -1,6 +1,7 @@
 #include "app/interface/CommunityWindows.h"
 
 #include "app/interface/Actions.h"
+#include "app/interface/RowButton.h"
 #include "app/interface/Widgets.h"
 #include "community/Listing.h"
 #include "platform/qt/ElidedLabel.h"

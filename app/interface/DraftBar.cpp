@@ -2,12 +2,12 @@
 
 #include "app/interface/Actions.h"
 #include "app/interface/Fonts.h"
+#include "app/interface/RowButton.h"
 #include "app/interface/Widgets.h"
 #include "platform/qt/ElidedLabel.h"
 
 #include <QAccessible>
 #include <QHBoxLayout>
-#include <QPushButton>
 
 namespace interface {
 

@@ -2,13 +2,16 @@
 
 #include "app/interface/Actions.h"
 #include "app/interface/DraftBar.h"
+#include "app/interface/FittingRow.h"
 #include "app/interface/Fonts.h"
 #include "app/interface/GoToPage.h"
 #include "app/interface/Menus.h"
+#include "app/interface/RowButton.h"
 #include "app/interface/SearchField.h"
 #include "app/interface/Widgets.h"
 #include "app/interface/panel/FrontPanel.h"
 #include "app/interface/panel/PageOverview.h"
+#include "app/interface/panel/PanelColumn.h"
 #include "mapping/ParameterOrder.h"
 #include "platform/controls/ArrayController.h"
 #include "platform/qt/ElidedLabel.h"
@@ -23,7 +26,6 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QScreen>
 #include <QSplitter>
@@ -37,27 +39,17 @@ namespace interface {
 
 namespace {
 
+constexpr int kBetweenGroups = 14;
+constexpr int kBetweenParts = 10;
+const QString kMakerLike(20, QLatin1Char('x'));
+const QString kPotsLike(28, QLatin1Char('0'));
+
 QHBoxLayout* row(std::initializer_list<QWidget*> widgets)
 {
     auto* layout = new QHBoxLayout;
     for (QWidget* widget : widgets)
         layout->addWidget(widget);
     return layout;
-}
-
-/// Adds the buttons of a row, after a caption if they have one, with little room between them so that they read as one
-/// group.
-void addGroup(QHBoxLayout* layout, ButtonRow buttons, const QString& caption = {})
-{
-    auto* group = new QHBoxLayout;
-    group->setSpacing(4);
-    if (!caption.isEmpty())
-        group->addWidget(new QLabel(caption));
-    for (const Action& action : Action::all()) {
-        if (action.row == buttons)
-            group->addWidget(makeButton(action));
-    }
-    layout->addLayout(group);
 }
 
 QSplitter* makeSplitter(Qt::Orientation orientation, const char* name)
@@ -92,36 +84,37 @@ QWidget* makeModeSwitch()
     return matrix;
 }
 
-QLayout* makeTitle()
+QWidget* makeTitle()
 {
-    auto* title = makeHeading(QStringLiteral("kvOrvantaLogic Tool"));
-    title->setFont(titleFont(title->font(), 1));
-    auto* layout = new QVBoxLayout;
+    auto* heading = makeHeading(QStringLiteral("kvOrvantaLogic Tool"));
+    heading->setFont(titleFont(heading->font(), 1));
+    auto* title = new QWidget;
+    auto* layout = new QVBoxLayout(title);
+    layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(title);
+    layout->addWidget(heading);
     layout->addWidget(makeLabel("mainTitle_Sub"));
-    return layout;
+    return title;
 }
 
-QLayout* makeHeader()
+QWidget* makeHeader()
 {
-    auto* layout = new QHBoxLayout;
-    layout->setSpacing(14);
-    layout->addLayout(makeTitle(), 1);
-    layout->addWidget(makeModeSwitch());
-    layout->addWidget(makeSeparator());
-    addGroup(layout, ButtonRow::history);
-    layout->addWidget(makeSeparator());
-    addGroup(layout, ButtonRow::mapping);
-    layout->addWidget(makeSeparator());
-    addGroup(layout, ButtonRow::help);
-    return layout;
+    auto* header = new FittingRow(kBetweenGroups, "moreOfMapping", QObject::tr("More for the mapping"));
+    header->add(makeTitle(), 1);
+    header->add(makeModeSwitch());
+    header->addSeparator();
+    header->addGroup(ButtonRow::history);
+    header->addSeparator();
+    header->addGroup(ButtonRow::mapping);
+    header->addSeparator();
+    header->addGroup(ButtonRow::help);
+    return header;
 }
 
 /// Lists that stand side by side begin at one height, whether there is a button above them or none.
 QWidget* makeColumn(QLayout* top, QHBoxLayout* narrowing, QWidget* list)
 {
-    const std::unique_ptr<QPushButton> scan(makeButton(Action::named("btnRunCheck")));
+    const std::unique_ptr<RowButton> scan(makeButton(Action::named("btnRunCheck")));
     narrowing->addStrut(scan->sizeHint().height());
     auto* column = new QWidget;
     auto* layout = new QVBoxLayout(column);
@@ -137,8 +130,8 @@ QWidget* makePluginColumn()
     auto* heading = makeHeading(QObject::tr("Plug-ins"));
     auto* list = makeList("pluginTableView", "myArrayController", heading->text(),
                           {{QObject::tr("Plug-in"), plugins::kPlugin},
-                           {QObject::tr("Type"), plugins::kType, 160},
-                           {QObject::tr("State"), plugins::kState, 80}},
+                           {QObject::tr("Type"), plugins::kType, kMakerLike, true},
+                           {QObject::tr("State"), plugins::kState, QStringLiteral("Editable")}},
                           plugins::kFileLocation);
     list->records().setSearchedKeys({plugins::kPlugin, plugins::kType});
     list->setSortingEnabled(true);
@@ -152,10 +145,10 @@ QWidget* makePluginColumn()
     QHBoxLayout* top = row({heading, makeLabel("pluginReadOut")});
     top->setSpacing(14);
     top->setStretch(1, 1);
-    QHBoxLayout* narrowing = row({search});
-    narrowing->setStretch(0, 1);
-    addGroup(narrowing, ButtonRow::scan);
-    return makeColumn(top, narrowing, list);
+    auto* narrowing = new FittingRow(kBetweenParts, "moreOfPlugins", QObject::tr("More for plug-ins"));
+    narrowing->add(search, 1);
+    narrowing->addGroup(ButtonRow::scan);
+    return makeColumn(top, row({narrowing}), list);
 }
 
 /// A press while searching is meant for what was found, never for the blank entry, which every search leaves on top.
@@ -174,9 +167,9 @@ QWidget* makeParameterColumn()
 {
     auto* heading = makeHeading(QObject::tr("Plugin Parameters"));
     auto* list = makeList("tablePlistOfSelectedPlugin", "arrayControllerPlistSelected", heading->text(),
-                          {{QObject::tr("Number"), mapping::kParamNum, 80},
+                          {{QObject::tr("Number"), mapping::kParamNum, QStringLiteral("00000")},
                            {QObject::tr("Parameter"), mapping::kParameter},
-                           {QObject::tr("On pots"), {}, 240}});
+                           {QObject::tr("On pots"), {}, kPotsLike, true}});
     list->selectSeveral();
     list->leaveTypingToTheWindow();
     auto* search = new SearchField;
@@ -200,73 +193,81 @@ QWidget* makeLists()
     lists->addWidget(makePluginColumn());
     lists->addWidget(makeParameterColumn());
     lists->setChildrenCollapsible(false);
+    lists->setContentsMargins(0, 0, lists->isRightToLeft() ? 1 : 0, 0); // by which Qt places the parts too far there
     lists->setStretchFactor(0, 3);
     lists->setStretchFactor(1, 4);
     tellPartsInOrder(lists);
     return lists;
 }
 
-QLayout* makePageControls()
+QWidget* makePageControls()
 {
-    auto* layout = new QHBoxLayout;
-    layout->setSpacing(10);
-    addGroup(layout, ButtonRow::showPage, QObject::tr("Show page"));
-    layout->addWidget(makeSeparator());
-    addGroup(layout, ButtonRow::movePage, QObject::tr("Exchange with"));
-    layout->addWidget(makeSeparator());
-    addGroup(layout, ButtonRow::newPage);
-    layout->addStretch(1);
+    auto* controls = new FittingRow(kBetweenParts, "moreOfPages", QObject::tr("More for pages"));
+    controls->addGroup(ButtonRow::showPage, QObject::tr("Show page"));
+    controls->addSeparator();
+    controls->addGroup(ButtonRow::movePage, QObject::tr("Exchange with"));
+    controls->addSeparator();
+    controls->addGroup(ButtonRow::newPage);
+    controls->addStretch();
     // What takes something away stands apart.
-    addGroup(layout, ButtonRow::removePage);
-    return layout;
+    controls->addGroup(ButtonRow::removePage);
+    return controls;
 }
 
-QLayout* makeStatusRow()
+/// The plug-in's file, and what shows it where it lies, beside each other however short the path is.
+QWidget* makePath()
 {
-    auto* layout = new QHBoxLayout;
-    layout->setSpacing(14);
-    layout->addWidget(makeLabel("labelHelperDisplay"), 5);
-    layout->addWidget(makeLabel("pageLimitWarning"), 0);
+    auto* box = new QWidget;
+    auto* layout = new QHBoxLayout(box);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(4);
+    layout->addWidget(makeButton(Action::named("revealFile")));
+    layout->addWidget(makeLabel("labPluginPlistLocation", Qt::ElideLeft), 1); // its end names the plug-in
+    return box;
+}
+
+QWidget* makeStatusRow()
+{
+    auto* status = new FittingRow(kBetweenGroups, "moreOfCommunity", QObject::tr("More for the community library"));
+    auto* help = makeLabel("labelHelperDisplay");
+    help->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed); // room that it does not need is the path's
+    status->add(help, 4);
+    status->add(makeLabel("pageLimitWarning"));
     auto* unsaved = makeLabel("unsavedReadOut");
     unsaved->setFont(boldFont(unsaved->font()));
     unsaved->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed); // the others are shortened first
-    layout->addWidget(unsaved);
-    auto* path = makeLabel("labPluginPlistLocation", Qt::ElideMiddle);
-    layout->addWidget(path, 4);
-    layout->addWidget(makeSeparator());
+    status->add(unsaved);
+    status->add(makePath(), 5);
     auto* signedIn = makeLabel("labLoggedInAs");
-    signedIn->setMinimumWidth(120);
-    layout->addWidget(signedIn, 1);
-    addGroup(layout, ButtonRow::community);
-    return layout;
+    signedIn->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+    signedIn->setMinimumWidth(14 * signedIn->fontMetrics().averageCharWidth()); // of most user names
+    status->addSeparator();
+    status->add(signedIn, 1);
+    status->addGroup(ButtonRow::community);
+    return status;
 }
 
 /// Tells what stands behind the last page, and takes it away; hidden while nothing does.
 QWidget* makeLeftoverRow()
 {
-    auto* leftovers = new QWidget;
-    auto* layout = new QHBoxLayout(leftovers);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(makeLabel("leftoverHint"), 1);
-    addGroup(layout, ButtonRow::leftovers);
+    auto* leftovers = new FittingRow(kBetweenParts, "moreOfLeftovers", QObject::tr("More for what is left behind"));
+    leftovers->add(makeLabel("leftoverHint"), 1);
+    leftovers->addGroup(ButtonRow::leftovers);
     leftovers->hide();
     return leftovers;
 }
 
 QWidget* makeLowerView()
 {
-    auto* lower = new QWidget;
-    auto* layout = new QVBoxLayout(lower);
-    layout->setContentsMargins(0, 0, 0, 0);
     auto* panel = new FrontPanel;
     panel->setObjectName(QStringLiteral("frontPanel"));
-    layout->addWidget(panel, 1);
-    layout->addWidget(new PageOverview(lower));
+    auto* lower = new QWidget;
+    auto* layout = new PanelColumn(panel, new PageOverview(lower), lower);
     auto* difference = makeLabel("differenceHint"); // hidden while nothing is compared
     difference->hide();
     layout->addWidget(difference);
     layout->addWidget(makeLeftoverRow());
-    layout->addLayout(makePageControls());
+    layout->addWidget(makePageControls());
     return lower;
 }
 
@@ -276,7 +277,9 @@ QWidget* makeViews()
     views->addWidget(makeLists());
     views->addWidget(makeLowerView());
     views->setChildrenCollapsible(false);
-    views->setStretchFactor(0, 1);
+    for (const int part : {0, 1})
+        views->setStretchFactor(part, 1);
+    views->setSizes({5000, 5000}); // halves of whatever height there is
     tellPartsInOrder(views);
     return views;
 }
@@ -293,13 +296,13 @@ MainWindow::MainWindow()
     auto* layout = new QVBoxLayout(content);
     layout->setContentsMargins(10, 8, 10, 8);
     layout->setSpacing(8);
-    layout->addLayout(makeHeader());
+    layout->addWidget(makeHeader());
     layout->addWidget(new DraftBar);
     layout->addWidget(makeViews(), 1);
     auto* placed = makeLabel("placedHint");
     placed->hide();
     layout->addWidget(placed); // a line of its own, with room for names
-    layout->addLayout(makeStatusRow());
+    layout->addWidget(makeStatusRow());
     setCentralWidget(content);
     new GoToPage(findChild<PageOverview*>(), content);
     connect(findChild<QAction*>(QStringLiteral("findParameter")), &QAction::triggered, this, [this] {

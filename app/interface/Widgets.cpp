@@ -2,6 +2,7 @@
 
 #include "app/interface/Actions.h"
 #include "app/interface/Fonts.h"
+#include "app/interface/RowButton.h"
 #include "platform/qt/ElidedLabel.h"
 #include "platform/qt/LongText.h"
 #include "platform/qt/RecordListView.h"
@@ -9,9 +10,7 @@
 
 #include <QFrame>
 #include <QLineEdit>
-#include <QPushButton>
 
-#include <algorithm>
 #include <utility>
 
 namespace interface {
@@ -35,15 +34,12 @@ void label(QAbstractButton& button, const Action& action)
         button.setText(action.translated(action.caption ? action.caption : action.text));
 }
 
-QPushButton* makeButton(const Action& action)
+RowButton* makeButton(const Action& action)
 {
-    auto* button = new QPushButton;
+    auto* button = new RowButton;
     label(*button, action);
-    button->setAutoDefault(false);
     if (action.symbol)
         button->setIcon(platform::qt::symbolIcon(QString::fromLatin1(action.symbol)));
-    if (action.isSymbolOnly)
-        button->setFixedWidth(std::max(button->sizeHint().width(), button->sizeHint().height() + 8));
     return button;
 }
 

@@ -10,7 +10,6 @@ class QAbstractButton;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
-class QPushButton;
 class QWidget;
 
 namespace platform::qt {
@@ -22,11 +21,12 @@ struct RecordColumn;
 namespace interface {
 
 struct Action;
+class RowButton;
 
 /// Names a button after its action and writes the action's caption on it.
 void label(QAbstractButton& button, const Action& action);
 /// The push button of an action, with its symbol. Tool tip, enabling and click come when it is connected.
-QPushButton* makeButton(const Action& action);
+RowButton* makeButton(const Action& action);
 platform::qt::ElidedLabel* makeLabel(const char* name, Qt::TextElideMode mode = Qt::ElideRight);
 /// A list, its model named after the outlet of the rows.
 platform::qt::RecordListView* makeList(const char* name, const char* rowsName, const QString& accessibleName,

@@ -1,6 +1,7 @@
 #include "platform/qt/RecordListView.h"
 
 #include "platform/qt/Hover.h"
+#include "platform/qt/Text.h"
 #include "platform/qt/Typing.h"
 
 #include <QAccessible>
@@ -71,7 +72,7 @@ public:
             if (character.isSpace())
                 character = QLatin1Char(' ');
         }
-        return line;
+        return line.isRightToLeft() || QGuiApplication::isRightToLeft() ? isolated(line) : line;
     }
 
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
@@ -96,17 +97,8 @@ RecordListView::RecordListView(std::vector<RecordColumn> columns, std::string to
     : QTreeView(parent), records_(new RecordTableModel(rows_, columns, std::move(toolTipKey), this))
 {
     setModel(records_);
-    int roomiest = 0;
-    for (int column = 0; column < records_->columnCount(); ++column) {
-        if (const int width = columns[static_cast<std::size_t>(column)].width; width > 0)
-            header()->resizeSection(column, width);
-        else
-            roomiest = column;
-    }
-    if (!columns.empty()) {
-        header()->setStretchLastSection(false);
-        header()->setSectionResizeMode(roomiest, QHeaderView::Stretch);
-    }
+    if (!columns.empty())
+        setUpColumns(columns);
     setItemDelegate(new OneLineDelegate(this));
     const int symbol = fontMetrics().height() - 2; // a row is no higher with one
     setIconSize({symbol, symbol});
@@ -124,6 +116,50 @@ RecordListView::RecordListView(std::vector<RecordColumn> columns, std::string to
     rest_.setInterval(kRestMs);
     connect(&rest_, &QTimer::timeout, this, &RecordListView::rested);
     selection_ = rows_->selectionChanged.connect([this] { showSelection(); });
+}
+
+void RecordListView::setUpColumns(const std::vector<RecordColumn>& columns)
+{
+    header()->setStretchLastSection(false);
+    header()->setDefaultAlignment((isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+    header()->setMinimumSectionSize(fontMetrics().height() * 2);
+    const int margins = 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 2);
+    for (int column = 0; column < records_->columnCount(); ++column) {
+        const RecordColumn& described = columns[static_cast<std::size_t>(column)];
+        const int width =
+            std::max(fontMetrics().horizontalAdvance(described.like) + margins, header()->sectionSizeHint(column));
+        if (described.like.isEmpty()) {
+            roomiestColumn_ = column;
+            continue;
+        }
+        header()->resizeSection(column, width);
+        if (described.grows) {
+            growingColumn_ = column;
+            wantedWidth_ = givenWidth_ = width;
+        }
+    }
+    header()->setSectionResizeMode(roomiestColumn_, QHeaderView::Stretch);
+}
+
+void RecordListView::resizeEvent(QResizeEvent* event)
+{
+    QTreeView::resizeEvent(event);
+    if (growingColumn_ >= 0 && header()->sectionSize(growingColumn_) == givenWidth_)
+        spreadColumns();
+}
+
+void RecordListView::spreadColumns()
+{
+    constexpr int kReadable = 60; // letters
+    int room = viewport()->width();
+    for (int column = 0; column < records_->columnCount(); ++column) {
+        if (column != growingColumn_ && column != roomiestColumn_)
+            room -= header()->sectionSize(column);
+    }
+    const int narrow = std::min(wantedWidth_, room * 2 / 5);
+    const int spare = room - narrow - kReadable * fontMetrics().averageCharWidth();
+    givenWidth_ = std::max(narrow + std::max(0, spare / 2), header()->minimumSectionSize());
+    header()->resizeSection(growingColumn_, givenWidth_);
 }
 
 void RecordListView::setDrag(const QString& mimeType, std::function<RowDrag()> dragOf)
@@ -153,6 +189,7 @@ void RecordListView::paintEvent(QPaintEvent* event)
     const int top = last.isValid() ? visualRect(last).bottom() : 0;
     const QRect room = viewport()->rect().adjusted(margin, top + margin / 2, -margin, -margin / 2);
     QPainter painter(viewport());
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto); // that of the text
     painter.setPen(palette().color(QPalette::Text));
     painter.drawText(room, Qt::AlignCenter | Qt::TextWordWrap, hint_);
 }

@@ -61,6 +61,7 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void startDrag(Qt::DropActions actions) override;
     void dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles) override;
@@ -82,6 +83,8 @@ private:
     std::int32_t selectedRow() const;
     void showSelection();
     void showSeveral();
+    void setUpColumns(const std::vector<RecordColumn>& columns);
+    void spreadColumns();
     void moveByKey(QKeyEvent* event);
     void choose(std::int32_t row);
     void choose(std::vector<std::int32_t> rows, std::int32_t current);
@@ -91,6 +94,10 @@ private:
     std::shared_ptr<ArrayController> rows_ = std::make_shared<ArrayController>();
     std::shared_ptr<TableView> table_ = std::make_shared<TableView>();
     RecordTableModel* records_;
+    int roomiestColumn_ = 0; ///< has what room the others leave
+    int growingColumn_ = -1; ///< none
+    int wantedWidth_ = 0;    ///< of the growing one
+    int givenWidth_ = 0;     ///< to the growing one; somebody may have given it another
     bool showingSelection_ = false;
     bool isDeliberate_ = false;
     bool isOnlyMarking_ = false; ///< the row that is selected just now is not chosen yet

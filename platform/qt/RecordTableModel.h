@@ -17,8 +17,9 @@ namespace platform::qt {
 
 struct RecordColumn {
     QString title;
-    std::string key; ///< whose text a cell shows; empty: a text made of the record
-    int width = 0;   ///< at first; 0: what room the others leave
+    std::string key;    ///< whose text a cell shows; empty: a text made of the record
+    QString like = {};  ///< it is as wide as this text, or its title; empty: it has what room the others leave
+    bool grows = false; ///< with the list, where that gives the roomy one more than can be read
 };
 
 class RecordTableModel final : public QAbstractTableModel {

@@ -7,6 +7,8 @@
 #include <QPalette>
 #include <QSvgRenderer>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace platform::qt {
@@ -28,6 +30,15 @@ QColor colourFor(QIcon::Mode mode)
     case QIcon::Active: break;
     }
     return palette.color(QPalette::Active, QPalette::ButtonText);
+}
+
+/// Whether the symbol points to where reading goes, or comes from.
+bool isDirected(const QString& name)
+{
+    constexpr const char* kDirected[] = {"page-first", "page-previous", "page-next",     "page-last", "move-first",
+                                         "move-last",  "move-next",     "move-previous", "undo",      "redo"};
+    return std::any_of(std::begin(kDirected), std::end(kDirected),
+                       [&name](const char* directed) { return name == QLatin1String(directed); });
 }
 
 /// Keeps no picture: one that is kept would have the colour of the palette before.
@@ -52,7 +63,12 @@ public:
         QSvgRenderer drawing(fileOf(name_));
         drawing.setAspectRatioMode(Qt::KeepAspectRatio);
         QPainter painter(&picture);
+        if (QGuiApplication::isRightToLeft() && isDirected(name_)) {
+            painter.translate(size.width(), 0);
+            painter.scale(-1, 1);
+        }
         drawing.render(&painter);
+        painter.resetTransform();
         painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
         painter.fillRect(picture.rect(), colourFor(mode));
         return picture;

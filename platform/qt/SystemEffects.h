@@ -22,6 +22,8 @@ private:
 class DesktopWorkspace final : public Workspace {
 public:
     void openFile(const std::filesystem::path& path) override;
+    /// Selected in its folder on a Mac, elsewhere the folder alone.
+    void revealFile(const std::filesystem::path& path) override;
 };
 
 /// Home is `HOME`. The machine-wide library is /Library, or the folder that KV_LOCAL_LIBRARY names. The user's

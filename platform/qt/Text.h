@@ -18,4 +18,11 @@ inline std::string fromQt(const QString& text)
     return text.toStdString();
 }
 
+/// The text runs by itself in whichever direction it begins, whatever it is shown in. For painting only.
+inline QString isolated(const QString& text)
+{
+    constexpr QChar kFirstStrongIsolate(0x2068), kPopIsolate(0x2069);
+    return text.isEmpty() ? text : kFirstStrongIsolate + text + kPopIsolate;
+}
+
 } // namespace platform::qt

@@ -95,6 +95,11 @@ private:
     static constexpr int kBeside = 15;
 };
 
+struct FromTheRight {
+    FromTheRight() { QApplication::setLayoutDirection(Qt::RightToLeft); }
+    ~FromTheRight() { QApplication::setLayoutDirection(Qt::LeftToRight); }
+};
+
 bool isForeign(const QString& text)
 {
     return text.contains(QChar(0x27e6));
@@ -105,10 +110,10 @@ bool isForeign(const QString& text)
 class MainWindowLookTest : public WindowTest {
 protected:
     /// A plug-in half mapped, with an edit that is not saved.
-    void editSynth()
+    void editSynth(int slots = 60)
     {
         Texts order;
-        for (int i = 1; i <= 60; ++i)
+        for (int i = 1; i <= slots; ++i)
             order.push_back(i % 5 == 0 ? std::string("-1") : std::to_string(i) + " Oscillator " + std::to_string(i));
         writeDictionary(builtIn("Synth"), orderFile(order));
         writeDictionary(builtIn("Delay"), orderFile(numbered(3)));
@@ -186,6 +191,34 @@ TEST_F(MainWindowLookTest, LooksLikeItsPicturesInBothSchemes)
     const FixedLook look(test::darkPalette());
     editSynth();
     EXPECT_TRUE(looksLike(pictureOf(*window()), "main-window-dark"));
+}
+
+TEST_F(MainWindowLookTest, LooksLikeItsPicturesOnScreensOfOtherSizes)
+{
+    struct Screen {
+        const char* picture;
+        QSize size;
+        int fontPixels;
+        int slots;
+        bool isDark;
+    };
+    for (const auto& [picture, size, fontPixels, slots, isDark] :
+         {Screen{"main-window-1024", {1024, 640}, 13, 60, false}, Screen{"main-window-150", {1440, 900}, 20, 60, true},
+          Screen{"main-window-2560", {2560, 1440}, 13, 400, true}}) {
+        const FixedLook look(isDark ? test::darkPalette() : test::lightPalette(), fontPixels);
+        editSynth(slots);
+        window()->resize(size);
+        QApplication::processEvents();
+        EXPECT_TRUE(looksLike(pictureOf(*window()), picture));
+    }
+}
+
+TEST_F(MainWindowLookTest, LooksLikeItsPictureToThoseWhoReadFromTheRight)
+{
+    const FixedLook look(test::lightPalette());
+    const FromTheRight direction;
+    editSynth();
+    EXPECT_TRUE(looksLike(pictureOf(*window()), "main-window-from-the-right"));
 }
 
 TEST_F(MainWindowLookTest, AMissingMarkIsSeenInThePicture)
@@ -275,14 +308,13 @@ TEST_F(MainWindowLookTest, NothingIsCutUnderAStyleWithOtherMeasures)
 
 TEST_F(MainWindowLookTest, MirrorsForThoseWhoReadFromTheRight)
 {
-    QApplication::setLayoutDirection(Qt::RightToLeft);
+    const FromTheRight direction;
     editSynth();
     const auto left = [this](const char* name) { return find<>(name)->mapTo(window(), QPoint()).x(); };
     EXPECT_GT(left("pluginTableView"), left("tablePlistOfSelectedPlugin"));
     EXPECT_GT(left("firstPageButtonPressed"), left("deletePageButtonPressed"));
     EXPECT_EQ(overlaps(), QStringList());
     EXPECT_EQ(cutTexts(), QStringList());
-    QApplication::setLayoutDirection(Qt::LeftToRight);
 }
 
 TEST_F(MainWindowLookTest, EveryTextOfItsOwnIsTranslatedAndNoFixedOne)

@@ -375,6 +375,47 @@ TEST_F(PageDragsTest, TheStripScrollsAtItsEnds)
     }
 }
 
+TEST_F(PageDragsTest, InSeveralRowsAPageGoesWhereItIsHeld)
+{
+    for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        open(direction, 40);
+        strip_->setRows(3);
+        strip_->resize(900, strip_->sizeHint().height());
+        QApplication::processEvents();
+        int last = 1; // of the first row
+        while (tile(last + 1).top() == tile(1).top())
+            ++last;
+        ASSERT_LT(last, 20);
+        const bool isMirrored = direction == Qt::RightToLeft;
+        const QRect edge = tile(last);
+        const QPoint behind = isMirrored ? QPoint(edge.left() - 2, edge.center().y()) //
+                                         : QPoint(edge.right() + 2, edge.center().y());
+        for (const QPoint& position : {behind, lastHalf(last)}) {
+            const QImage before = pictureOf(viewport());
+            Dragged dragged(draggedPage(2, 7));
+            dragged.enter(viewport(), position);
+            QApplication::processEvents();
+            const QImage mark = pictureOf(viewport());
+            const QRect end = isMirrored ? QRect(edge.left() - 2, edge.top(), 5, edge.height())
+                                         : QRect(edge.right() - 2, edge.top(), 5, edge.height());
+            EXPECT_GT(comparePictures(mark.copy(end), before.copy(end)).share, 0.3) << "the mark is in this row";
+            moved_->clear();
+            EXPECT_TRUE(dragged.drop(viewport(), position));
+            ASSERT_EQ(moved_->size(), 1);
+            EXPECT_EQ(moved_->takeFirst(), QVariantList({2, last + 1}));
+        }
+        // Scrolled up and down.
+        Dragged dragged(draggedPage(1, 7));
+        dragged.enter(viewport(), QPoint(viewport().width() / 2, viewport().height() - 6));
+        QTest::qWait(200);
+        EXPECT_GT(strip_->verticalScrollBar()->value(), 0);
+        dragged.move(viewport(), QPoint(viewport().width() / 2, 6));
+        QTest::qWait(400);
+        EXPECT_EQ(strip_->verticalScrollBar()->value(), 0);
+        Dragged::leave(viewport());
+    }
+}
+
 TEST_F(PageDragsTest, WhatScrollsAwayUnderneathIsNoTargetAnyMore)
 {
     open(Qt::LeftToRight, 40);

@@ -69,6 +69,35 @@ protected:
     int emptied_ = 0;
 };
 
+TEST_F(PageOverviewTest, InSeveralRowsUpAndDownGoFromRowToRow)
+{
+    QSignalSpy chosen(overview_.get(), &PageOverview::pageChosen);
+    refresh(40, 2);
+    QTest::keyClick(overview_.get(), Qt::Key_Down);
+    EXPECT_TRUE(chosen.isEmpty()) << "there is one row";
+    const int perRow = overview_->viewport()->width() / tile(1).width();
+    EXPECT_EQ(overview_->rowsWithin({700, 10'000}), (40 + perRow - 1) / perRow);
+    EXPECT_EQ(overview_->rowsWithin({700, 2 * tile(1).height() + 20}), 2);
+    EXPECT_EQ(overview_->rowsWithin({700, 0}), 1);
+    overview_->setRows(3);
+    overview_->resize(700, overview_->sizeHint().height());
+    settle();
+    EXPECT_EQ(tile(perRow + 1).left(), tile(1).left());
+    EXPECT_TRUE(isInSight(3 * perRow));
+    const std::pair<Qt::Key, int> steps[] = {{Qt::Key_Up, 2},
+                                             {Qt::Key_Down, 2 + perRow},
+                                             {Qt::Key_Down, 2 + 2 * perRow},
+                                             {Qt::Key_Right, 3 + 2 * perRow},
+                                             {Qt::Key_Up, 3 + perRow}};
+    for (const auto& [key, page] : steps) {
+        QTest::keyClick(overview_.get(), key);
+        EXPECT_EQ(overview_->currentIndex().row() + 1, page);
+    }
+    overview_->setRows(1);
+    settle();
+    EXPECT_EQ(tile(40).top(), tile(1).top());
+}
+
 TEST_F(PageOverviewTest, LooksAsItShouldInBothSchemes)
 {
     if (QFontInfo(QApplication::font()).family() != QLatin1String("DejaVu Sans"))

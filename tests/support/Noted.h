@@ -40,8 +40,10 @@ struct NotedAlerts final : platform::Alerts {
 
 struct NotedFiles final : platform::Workspace {
     void openFile(const Path& path) override { opened.push_back(path); }
+    void revealFile(const Path& path) override { revealed.push_back(path); }
 
     std::vector<Path> opened;
+    std::vector<Path> revealed;
 };
 
 struct NotedLog final : platform::Log {

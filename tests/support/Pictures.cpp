@@ -84,12 +84,12 @@ QPalette darkPalette()
     return paletteOf(0x2b2d30, 0x1e1f22, 0xe8eaed, 0x3d7fd6);
 }
 
-FixedLook::FixedLook(const QPalette& palette)
+FixedLook::FixedLook(const QPalette& palette, int fontPixels)
     : style_(QApplication::style()->objectName()), font_(QApplication::font()), palette_(QApplication::palette())
 {
     QApplication::setStyle(new platform::qt::ReadableStyle);
     QFont font(QStringLiteral("DejaVu Sans"));
-    font.setPixelSize(13);
+    font.setPixelSize(fontPixels);
     font.setHintingPreference(QFont::PreferNoHinting);
     QApplication::setFont(font);
     QApplication::setPalette(palette);

@@ -17,11 +17,11 @@ namespace test {
 QPalette lightPalette();
 QPalette darkPalette();
 
-/// The program's own style, DejaVu Sans at 13 pixels and these colours for the whole application, as long as the object
-/// lives.
+/// The program's own style, DejaVu Sans at 13 pixels, unless told otherwise, and these colours for the whole
+/// application, as long as the object lives.
 class FixedLook {
 public:
-    explicit FixedLook(const QPalette& palette);
+    explicit FixedLook(const QPalette& palette, int fontPixels = 13);
     FixedLook(const FixedLook&) = delete;
     FixedLook& operator=(const FixedLook&) = delete;
     ~FixedLook();

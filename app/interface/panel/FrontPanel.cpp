@@ -58,6 +58,7 @@ ElidedLabel* makeDisplay(const QString& name, int mostLines, QWidget* parent)
 FrontPanel::FrontPanel(QWidget* parent) : QFrame(parent)
 {
     setAccessibleName(tr("Front panel"));
+    setLayoutDirection(Qt::LeftToRight); // the hardware is the same in every language
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     setAcceptDrops(true);
     makeReadOuts();

@@ -48,6 +48,9 @@ public:
     /// Gives a pot, 1 to 8, the keyboard focus.
     void focusPot(int pot);
 
+    /// The height that goes best with a width.
+    int heightFor(int width) const { return panelHeightFor(width, font()); }
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 

@@ -143,8 +143,10 @@ void PageDrags::follow()
         else
             rest_.stop();
     }
-    const int width = strip_.viewport()->width();
-    const bool isAtEnd = position_.x() < kScrollMargin || position_.x() >= width - kScrollMargin;
+    const QSize size = strip_.viewport()->size();
+    const int along = strip_.isWrapping() ? position_.y() : position_.x();
+    const int length = strip_.isWrapping() ? size.height() : size.width();
+    const bool isAtEnd = along < kScrollMargin || along >= length - kScrollMargin;
     if (!isOver_ || !isAtEnd)
         scroll_.stop();
     else if (!scroll_.isActive())
@@ -163,8 +165,9 @@ void PageDrags::rested()
 
 void PageDrags::scroll()
 {
-    QScrollBar& bar = *strip_.horizontalScrollBar();
-    const bool isTowardsEnd = (position_.x() >= kScrollMargin) != strip_.isRightToLeft();
+    QScrollBar& bar = strip_.isWrapping() ? *strip_.verticalScrollBar() : *strip_.horizontalScrollBar();
+    const bool isTowardsEnd = strip_.isWrapping() ? position_.y() >= kScrollMargin
+                                                  : (position_.x() >= kScrollMargin) != strip_.isRightToLeft();
     bar.setValue(bar.value() + (isTowardsEnd ? kScrollStep : -kScrollStep));
     follow();
 }
@@ -209,9 +212,14 @@ PageDrags::Target PageDrags::gapTarget(int page, const QPoint& position) const
     // Dropped on a tile it goes to the nearer side of that.
     const int pages = pages_.pages();
     int before = 0;
+    // What a row of several leaves at its end is less than a tile.
+    const int oneTile = strip_.visualRect(pages_.index(0)).width();
+    const QPoint inRow = position + QPoint(strip_.isRightToLeft() ? oneTile : -oneTile, 0);
     if (const int tile = countedPageAt(position); tile > 0) {
         const bool isRightHalf = position.x() > strip_.visualRect(pages_.index(tile - 1)).center().x();
         before = isRightHalf != strip_.isRightToLeft() ? tile + 1 : tile;
+    } else if (const int atEnd = countedPageAt(inRow); atEnd > 0 && !strip_.indexAt(position).isValid()) {
+        before = atEnd + 1;
     } else if (!strip_.indexAt(position).isValid() && pages_.rowCount() == pages) {
         before = pages + 1; // in the room behind the last
     }
@@ -246,9 +254,10 @@ void PageDrags::paint(QPainter& painter) const
         painter.drawRoundedRect(tile(target_.tile).adjusted(half, half, -half, -half), 6, 6);
         return;
     }
-    const bool isBehindAll = target_.before > pages_.pages();
-    const QRectF beside = tile(isBehindAll ? pages_.pages() : target_.before);
-    const double edge = isBehindAll != strip_.isRightToLeft() ? beside.right() : beside.left();
+    // Beside the tile under the pointer, since the next one may begin another row.
+    const bool isBehind = target_.before > pages_.pages() || countedPageAt(position_) == target_.before - 1;
+    const QRectF beside = tile(isBehind ? target_.before - 1 : target_.before);
+    const double edge = isBehind != strip_.isRightToLeft() ? beside.right() : beside.left();
     const double x = std::clamp(edge, kMarkWidth, strip_.viewport()->width() - kMarkWidth);
     painter.setPen(Qt::NoPen);
     painter.setBrush(colour);

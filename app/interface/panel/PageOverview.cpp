@@ -151,6 +151,7 @@ PageOverview::PageOverview(QWidget* parent) : QListView(parent), model_(new Page
     setAccessibleName(tr("Pages"));
     setFlow(QListView::LeftToRight);
     setWrapping(false);
+    setResizeMode(QListView::Adjust);
     setUniformItemSizes(true);
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -191,8 +192,10 @@ void PageOverview::refresh(int pages, int shownPage, int leftOver)
     if (shown != currentIndex())
         setCurrentIndex(shown);
     // Qt would lay out when events are next handled, and an alert that comes up before shows an empty strip.
-    if (isOtherCount)
+    if (isOtherCount) {
         doItemsLayout();
+        updateGeometry(); // it may be another number of rows
+    }
 }
 
 void PageOverview::ringPages(std::vector<int> pages)
@@ -203,13 +206,33 @@ void PageOverview::ringPages(std::vector<int> pages)
 QSize PageOverview::sizeHint() const
 {
     const QSize tile = tileSize(fontMetrics());
-    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, horizontalScrollBar());
-    return {10 * tile.width(), tile.height() + bar + 2 * frameWidth()};
+    return {10 * tile.width(), rows_ > 1 ? rows_ * tile.height() + 2 * frameWidth() : minimumSizeHint().height()};
 }
 
 QSize PageOverview::minimumSizeHint() const
 {
-    return {3 * tileSize(fontMetrics()).width(), sizeHint().height()};
+    const QSize tile = tileSize(fontMetrics());
+    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, horizontalScrollBar());
+    return {3 * tile.width(), tile.height() + bar + 2 * frameWidth()};
+}
+
+int PageOverview::rowsWithin(const QSize& room) const
+{
+    const QSize tile = tileSize(fontMetrics());
+    const int perRow = std::max(1, room.width() / tile.width());
+    const int needed = (model_->rowCount() + perRow - 1) / perRow;
+    return std::clamp(room.height() / tile.height(), 1, std::max(1, needed));
+}
+
+void PageOverview::setRows(int rows)
+{
+    if (rows == rows_)
+        return;
+    rows_ = rows;
+    setWrapping(rows > 1);
+    setVerticalScrollBarPolicy(rows > 1 ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+    setHorizontalScrollBarPolicy(rows > 1 ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
+    updateGeometry();
 }
 
 void PageOverview::scrollTo(const QModelIndex& index, ScrollHint hint)
@@ -253,9 +276,16 @@ QModelIndex PageOverview::moveCursor(CursorAction action, Qt::KeyboardModifiers)
     const int towardsLeft = isRightToLeft() ? 1 : -1;
     const int last = model_->pages() - 1;
     const auto clamped = [this, last](int row) { return model_->index(std::clamp(row, 0, std::max(last, 0))); };
+    const int perRow = std::max(1, viewport()->width() / tileSize(fontMetrics()).width());
+    const auto inColumn = [this, last](int step) {
+        const int row = currentIndex().row() + step;
+        return row >= 0 && row <= last ? model_->index(row) : currentIndex();
+    };
     switch (action) {
     case MoveLeft: return clamped(currentIndex().row() + towardsLeft);
     case MoveRight: return clamped(currentIndex().row() - towardsLeft);
+    case MoveUp: return inColumn(-perRow);
+    case MoveDown: return inColumn(perRow);
     case MoveHome: return clamped(0);
     case MoveEnd: return clamped(last);
     default: return currentIndex();
@@ -265,6 +295,13 @@ QModelIndex PageOverview::moveCursor(CursorAction action, Qt::KeyboardModifiers)
 void PageOverview::keyPressEvent(QKeyEvent* event)
 {
     switch (event->key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        if (rows_ == 1) {
+            event->ignore();
+            return;
+        }
+        [[fallthrough]];
     case Qt::Key_Left:
     case Qt::Key_Right:
     case Qt::Key_Home:
@@ -297,6 +334,7 @@ void PageOverview::paintEvent(QPaintEvent* event)
         drags_->paint(painter);
         return;
     }
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto); // that of the text
     painter.setPen(palette().color(QPalette::Active, QPalette::WindowText));
     const QString hint = painter.fontMetrics().elidedText(accessibleDescription(), Qt::ElideRight, viewport()->width());
     painter.drawText(viewport()->rect(), Qt::AlignCenter, hint);

@@ -1,7 +1,7 @@
 #pragma once
 // A strip of all pages: a tile each with the page's number, what its parameters begin with, and eight cells, filled
-// where a parameter stands. The shown page is marked. Names are asked for by tiles on screen only, so that it stays
-// quick with thousands of pages.
+// where a parameter stands. The shown page is marked. In one row, or in several where there is room. Names are asked
+// for by tiles on screen only, so that it stays quick with thousands of pages.
 
 #include <QListView>
 
@@ -34,6 +34,11 @@ public:
     /// Rings the pages (from 1, ascending) on which the selected parameter stands.
     void ringPages(std::vector<int> pages);
 
+    /// How many rows of tiles lie in such a room: one at least, no more than there are pages for.
+    int rowsWithin(const QSize& room) const;
+    /// One row is scrolled sideways, several up and down.
+    void setRows(int rows);
+
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -56,6 +61,7 @@ protected:
 private:
     PageModel* model_;
     PageDrags* drags_ = nullptr;
+    int rows_ = 1;
     bool isRefreshing_ = false;
 };
 

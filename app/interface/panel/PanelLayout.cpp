@@ -2,6 +2,7 @@
 
 #include "app/interface/Fonts.h"
 
+#include <QFontInfo>
 #include <QFontMetricsF>
 
 #include <algorithm>
@@ -11,10 +12,14 @@ namespace interface {
 
 namespace {
 
-constexpr int kSmallestPot = 80; // of the square, ring of ticks included; the cap is about 0.68 of it
+constexpr int kSmallestPot = 64; // of the square, ring of ticks included; the cap is about 0.68 of it
+constexpr int kSmallPot = 80;    // no smaller while the letters can give way
 constexpr int kPreferredPot = 122;
-constexpr int kLargestPot = 148;
-constexpr double kLargestScale = 1.4;
+constexpr int kLargestPot = 232;
+constexpr int kSmallestLetters = 10; // in pixels, to be read
+constexpr double kSmallestScale = 0.7;
+constexpr double kLargestScale = 1.9;
+constexpr int kPreferredWidth = 1180;
 
 constexpr double kCheek = 13;
 constexpr double kSide = 30; // from cheek to content; the screws lie in it
@@ -43,11 +48,19 @@ double widthOf(const QFont& font, const char* text)
     return std::ceil(QFontMetricsF(font).horizontalAdvance(QString::fromLatin1(text)));
 }
 
+double smallestScale(const QFont& font)
+{
+    return std::clamp(double(kSmallestLetters) / QFontInfo(font).pixelSize(), kSmallestScale, 1.0);
+}
+
 double scaleFor(const QSize& size, const QFont& font)
 {
     const QSize preferred = preferredPanelSize(font);
     const double fits = std::min(double(size.height()) / preferred.height(), double(size.width()) / preferred.width());
-    return std::clamp(fits, 1.0, kLargestScale);
+    if (fits >= 1)
+        return std::min(fits, kLargestScale);
+    // In a lower panel the pots get smaller first.
+    return std::clamp((size.height() - kSmallPot) / heightAround(font, 1), smallestScale(font), 1.0);
 }
 
 /// Title and read-outs, from the left end of the display to the right.
@@ -114,13 +127,19 @@ PanelLayout layOutPanel(const QSize& size, const QFont& font)
 
 QSize preferredPanelSize(const QFont& font)
 {
-    return {1180, static_cast<int>(heightAround(font, 1)) + kPreferredPot};
+    return {kPreferredWidth, static_cast<int>(heightAround(font, 1)) + kPreferredPot};
+}
+
+int panelHeightFor(int width, const QFont& font)
+{
+    const double scale = std::clamp(double(width) / kPreferredWidth, 1.0, kLargestScale);
+    return static_cast<int>(heightAround(font, scale) + kPreferredPot * scale);
 }
 
 QSize smallestPanelSize(const QFont& font)
 {
-    const double width = 2 * (kCheek + kSide) + PanelLayout::kPots * kSmallestPot;
-    return {static_cast<int>(width) + 2, static_cast<int>(heightAround(font, 1)) + kSmallestPot + 3};
+    const double width = 2 * (kCheek + kSide) + PanelLayout::kPots * kSmallPot;
+    return {static_cast<int>(width) + 2, static_cast<int>(heightAround(font, smallestScale(font))) + kSmallestPot + 3};
 }
 
 } // namespace interface

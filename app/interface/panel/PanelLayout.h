@@ -13,7 +13,7 @@ namespace interface {
 struct PanelLayout {
     static constexpr int kPots = mapping::kPotsPerPage;
 
-    double scale = 1; ///< of texts and small parts, 1 at the smallest
+    double scale = 1; ///< of texts and small parts
     QRectF body;      ///< all of the hardware, cheeks included
     QRectF face;
     std::array<QPointF, 4> screws;
@@ -29,6 +29,8 @@ struct PanelLayout {
 PanelLayout layOutPanel(const QSize& size, const QFont& font);
 /// The size at which pots, texts and distances are as they are meant to be.
 QSize preferredPanelSize(const QFont& font);
+/// The height that goes best with a width, for panels wider than preferred.
+int panelHeightFor(int width, const QFont& font);
 /// The smallest in which nothing is cut.
 QSize smallestPanelSize(const QFont& font);
 

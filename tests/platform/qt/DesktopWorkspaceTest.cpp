@@ -47,6 +47,16 @@ TEST(DesktopWorkspace, APathBecomesAFileUrlThatNamesIt)
     }
 }
 
+#ifndef Q_OS_MACOS // where it is done by a program of the system's
+TEST(DesktopWorkspace, AFileIsShownByItsFolder)
+{
+    OpenedUrl opened;
+    platform::qt::DesktopWorkspace().revealFile("/a b/50% #1/CSParameterOrder.plist");
+    ASSERT_EQ(opened.urls.size(), 1U);
+    EXPECT_EQ(opened.urls[0].toLocalFile().toStdString(), "/a b/50% #1");
+}
+#endif
+
 } // namespace test
 
 #include "DesktopWorkspaceTest.moc"
