@@ -17,5 +17,9 @@ void listing(std::string_view bytes);
 void replies(std::string_view bytes);
 /// A parameter-order file that is marked, loaded, saved, recalled and charted.
 void mappingFile(std::string_view bytes);
+/// A request's target as the community server takes it apart: path, query, names and the rest.
+void request(std::string_view bytes);
+/// An upload's body, behind the line of its content type, and the file in it.
+void upload(std::string_view bytes);
 
 } // namespace fuzz

@@ -40,15 +40,18 @@ Accounts::Registration Accounts::create(const std::string& name, const std::stri
                                         std::int64_t allowedOfAddress, std::int64_t now)
 {
     // Hashing takes too long to keep others from writing meanwhile, and is spared where it would be for nothing.
+    const std::string use = "accounts of " + address;
     if (const Outcome outcome = nameable(name, 0); outcome != Outcome::done)
         return {outcome, name, {}};
+    if (!hasUseLeft(database_, use, allowedOfAddress, now))
+        return {Outcome::tooMany, name, {}};
     const std::string pin = randomPin();
     const std::string kept = hashOfPin(pin);
     const auto userName = userNameIn(name);
     Transaction transaction(database_);
     if (const Outcome outcome = nameable(name, 0); outcome != Outcome::done)
         return {outcome, name, {}};
-    if (!countUse(database_, "accounts of " + address, allowedOfAddress, now))
+    if (!countUse(database_, use, allowedOfAddress, now))
         return {Outcome::tooMany, name, {}};
     database_.run("INSERT INTO account (name, nameKey, skeleton, email, pin, created) VALUES (?, ?, ?, ?, ?, ?)",
                   userName->shown, userName->key, userName->skeleton, email, kept, now);

@@ -1,8 +1,8 @@
 #include "tools/community_server/HttpServer.h"
 
 #include "tools/community_server/Connections.h"
-#include "tools/community_server/Library.h"
 #include "tools/community_server/Protocol.h"
+#include "tools/community_server/SharedFile.h"
 
 #include <microhttpd.h>
 
@@ -151,7 +151,6 @@ public:
     Daemon& operator=(const Daemon&) = delete;
     ~Daemon()
     {
-        finish();
         // What the library is still at has to be taken up before the end.
         while (connections_.countIn(Phase::working) > 0)
             std::this_thread::sleep_for(std::chrono::milliseconds(10));

@@ -1,27 +1,14 @@
 #include "tools/community_server/Library.h"
 
 #include "platform/files/Files.h"
-#include "platform/plist/PropertyList.h"
 #include "tools/community_server/Pins.h"
 #include "tools/community_server/UserName.h"
 
 #include <sodium.h>
 
-#include <algorithm>
 #include <stdexcept>
 
 namespace community_server {
-
-bool isMapping(std::string_view bytes)
-{
-    if (bytes.size() > kLargestFile)
-        return false;
-    const auto document = platform::plist::parse(bytes);
-    const auto* root = document ? document->root.asDictionary() : nullptr;
-    const auto* value = root ? root->find("ControlSurfaceParameterOrder") : nullptr;
-    const auto* order = value ? value->asArray() : nullptr;
-    return order && std::all_of(order->begin(), order->end(), [](const auto& element) { return element.asString(); });
-}
 
 Library::Outcome Library::share(const Account& account, const std::string& plugin, const std::string& comments,
                                 std::string_view file, const std::string& address, const Quotas& quotas,

@@ -5,6 +5,7 @@
 #include "tools/community_server/Accounts.h"
 #include "tools/community_server/Database.h"
 #include "tools/community_server/Quotas.h"
+#include "tools/community_server/SharedFile.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -15,12 +16,8 @@
 
 namespace community_server {
 
-inline constexpr std::size_t kLargestFile = std::size_t{1} << 20;
 inline constexpr std::size_t kLongestListing = std::size_t{4} << 20;
 inline constexpr int kMostListed = 500;
-
-/// Whether the bytes are a property list with a parameter order of texts in it, and no more than kLargestFile.
-bool isMapping(std::string_view bytes);
 
 class Library {
 public:

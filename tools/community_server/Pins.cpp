@@ -10,7 +10,7 @@ namespace community_server {
 namespace {
 
 constexpr unsigned long long kPasses = 2;
-constexpr std::size_t kMemory = std::size_t{32} << 20;
+constexpr std::size_t kMemory = std::size_t{19} << 20;
 
 constexpr std::string_view kPbkdf2 = "pbkdf2:";
 constexpr int kPbkdf2Rounds = 100'000;

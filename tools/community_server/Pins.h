@@ -1,6 +1,6 @@
 #pragma once
 // PINs as they are kept: hashed with argon2id, so that a stolen database tells them only at great cost. A hash takes
-// some 50 ms and 32 MiB; no two should be made at once. PINs of earlier libraries (PBKDF2) are known too.
+// some 40 ms and 19 MiB; no two should be made at once. PINs of earlier libraries (PBKDF2) are known too.
 
 #include <string>
 #include <string_view>

@@ -14,8 +14,11 @@ struct Quotas {
     std::int64_t accountsOfAddress = 20;
 };
 
-/// Counts one more of `what` on the day of `now` (milliseconds since 1970), unless there were as many as allowed. To be
-/// called within the transaction that does it, so that only what was done counts.
+/// Whether one more of `what` is allowed on the day of `now` (milliseconds since 1970).
+bool hasUseLeft(Database& database, const std::string& what, std::int64_t allowed, std::int64_t now);
+
+/// Counts one more, unless there were as many as allowed. To be called within the transaction that does it, so that
+/// only what was done counts.
 bool countUse(Database& database, const std::string& what, std::int64_t allowed, std::int64_t now);
 
 } // namespace community_server

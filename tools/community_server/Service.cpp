@@ -17,7 +17,6 @@ constexpr std::size_t kLongestName = 200;
 constexpr std::size_t kLongestComments = 4000;
 /// Nobody waits longer for a turn: the clients give up after a minute in all.
 constexpr std::int64_t kLongestWaitMs = 20'000;
-constexpr std::size_t kMostWaiting = 256;
 
 constexpr char kPleaseLogIn[] = "Please log in before you share a mapping.";
 constexpr char kFilesPath[] = "/files/";
@@ -38,9 +37,10 @@ struct Service::Route {
 
 Service::Service(ServiceSettings settings)
     : settings_(std::move(settings)),
-      reading_(settings_.data, 2, kMostWaiting),
-      writing_(settings_.data, 1, kMostWaiting),
-      pins_(settings_.data, 1, kMostWaiting)
+      reading_(settings_.data, 2),
+      writing_(settings_.data, 1),
+      pins_(settings_.data, 1),
+      browsing_(settings_.data, 1)
 {}
 
 const Service::Route* Service::routeOf(const Request& request)
@@ -52,11 +52,11 @@ const Service::Route* Service::routeOf(const Request& request)
         {"POST", "/kv_listplists.php", &Service::reading_, &Service::list},
         {"POST", "/kv_downloadreg.php", &Service::writing_, &Service::countDownload},
         {"GET", kFilesPath, &Service::reading_, &Service::giveFile},
-        {"GET", "/", &Service::reading_, &Service::showPlugins},
-        {"GET", "/plugin", &Service::reading_, &Service::showPlugin},
-        {"GET", "/mapping", &Service::reading_, &Service::showMapping},
-        {"GET", "/style.css", &Service::reading_, &Service::giveStyleSheet},
-        {"GET", "/icon.svg", &Service::reading_, &Service::giveIcon},
+        {"GET", "/", &Service::browsing_, &Service::showPlugins},
+        {"GET", "/plugin", &Service::browsing_, &Service::showPlugin},
+        {"GET", "/mapping", &Service::browsing_, &Service::showMapping},
+        {"GET", "/style.css", &Service::browsing_, &Service::giveStyleSheet},
+        {"GET", "/icon.svg", &Service::browsing_, &Service::giveIcon},
         {"GET", "/healthz", &Service::reading_, &Service::tellHealth},
     };
     const std::string_view method = request.method == "HEAD" ? "GET" : std::string_view(request.method);
@@ -80,10 +80,11 @@ void Service::answer(Request request, Done done)
     if (!route)
         return done({404, kNothingHere});
     const std::int64_t asked = now();
-    const bool isPosted =
-        (this->*route->workers).post([this, route, asked, request = std::move(request), done](Database& database) {
-            done(isEnding_ || now() - asked > kLongestWaitMs ? Reply{503, kBusy} : safely(*route, database, request));
-        });
+    const std::string client = request.address;
+    auto job = [this, route, asked, request = std::move(request), done](Database& database) {
+        done(isEnding_ || now() - asked > kLongestWaitMs ? Reply{503, kBusy} : safely(*route, database, request));
+    };
+    const bool isPosted = (this->*route->workers).post(client, std::move(job));
     if (!isPosted)
         done({503, kBusy});
 }
@@ -93,7 +94,8 @@ Reply Service::safely(const Route& route, Database& database, const Request& req
     try {
         return (this->*route.answer)(database, request);
     } catch (const std::exception& problem) {
-        std::fprintf(stderr, "community_server: %s: %s\n", request.path.c_str(), problem.what());
+        // Without the address, which may hold a PIN.
+        std::fprintf(stderr, "community_server: %s: %s\n", route.path.data(), problem.what());
         return {503, "The library could not do that just now. Nothing was stored; please try again later."};
     }
 }
@@ -104,8 +106,8 @@ Reply Service::logIn(Database& database, const Request& request)
     Accounts accounts(database);
     const auto account = accounts.find(userName);
     const bool isKnownThere = account && accounts.isKnownAt(*account, request.address);
-    // By the account where there is one, so that no other way to write a name gives further tries.
-    const std::string name = account ? std::to_string(account->id) : "unknown";
+    // As it is shown where it is known, so that no other way to write a name gives further tries.
+    const std::string name = account ? account->name : userName.substr(0, kLongestName);
     if (!attempts_.begin(name, request.address, isKnownThere, now()))
         return text("\nNO\n");
     if (!isPin(pin, account ? account->pin : std::string()))

@@ -56,7 +56,8 @@ icu::UnicodeString skeletonOf(const icu::UnicodeString& text)
         check(status);
         skeleton = folded(once);
     }
-    return skeleton;
+    // A capital I looks like a small l, its small letter does not, and names are the same in either case.
+    return skeleton.findAndReplace(u"i", u"l");
 }
 
 bool isSeen(UChar32 point)

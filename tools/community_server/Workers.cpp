@@ -1,10 +1,11 @@
 #include "tools/community_server/Workers.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace community_server {
 
-Workers::Workers(const std::filesystem::path& folder, int threads, std::size_t mostWaiting) : mostWaiting_(mostWaiting)
+Workers::Workers(const std::filesystem::path& folder, int threads)
 {
     // All opened before any thread runs, so that what cannot be opened is thrown with nothing to end.
     std::vector<Database> databases;
@@ -25,13 +26,17 @@ Workers::~Workers()
         thread.join();
 }
 
-bool Workers::post(Job job)
+bool Workers::post(const std::string& client, Job job)
 {
     {
         const std::lock_guard lock(mutex_);
-        if (waiting_.size() >= mostWaiting_)
+        auto turn = std::find_if(turns_.begin(), turns_.end(), [&](const Turn& each) { return each.client == client; });
+        if (waiting_ >= kMost || (turn != turns_.end() && turn->jobs.size() >= kMostOfClient))
             return false;
-        waiting_.push_back(std::move(job));
+        if (turn == turns_.end())
+            turn = turns_.insert(turns_.end(), Turn{client, {}});
+        turn->jobs.push_back(std::move(job));
+        ++waiting_;
     }
     changed_.notify_one();
     return true;
@@ -41,15 +46,28 @@ void Workers::work(Database database)
 {
     std::unique_lock lock(mutex_);
     for (;;) {
-        changed_.wait(lock, [this] { return isEnding_ || !waiting_.empty(); });
-        if (waiting_.empty())
+        changed_.wait(lock, [this] { return isEnding_ || waiting_ > 0; });
+        if (waiting_ == 0)
             return;
-        const Job job = std::move(waiting_.front());
-        waiting_.pop_front();
-        lock.unlock();
-        job(database);
+        {
+            const Job job = next();
+            lock.unlock();
+            job(database);
+        }
         lock.lock();
     }
+}
+
+Workers::Job Workers::next()
+{
+    Turn turn = std::move(turns_.front());
+    turns_.pop_front();
+    Job job = std::move(turn.jobs.front());
+    turn.jobs.pop_front();
+    if (!turn.jobs.empty())
+        turns_.push_back(std::move(turn));
+    --waiting_;
+    return job;
 }
 
 } // namespace community_server

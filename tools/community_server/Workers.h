@@ -1,5 +1,6 @@
 #pragma once
-// Threads with a connection to the library each, that do one job after the other. How many wait is bounded.
+// Threads with a connection to the library each, that do one job after the other, those of
+// different clients in turns. How many wait is bounded.
 
 #include "tools/community_server/Database.h"
 
@@ -9,6 +10,7 @@
 #include <filesystem>
 #include <functional>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -18,22 +20,31 @@ class Workers {
 public:
     using Job = std::function<void(Database&)>;
 
-    Workers(const std::filesystem::path& folder, int threads, std::size_t mostWaiting);
+    /// Of a client, and of all.
+    static constexpr std::size_t kMostOfClient = 64;
+    static constexpr std::size_t kMost = 256;
+
+    Workers(const std::filesystem::path& folder, int threads);
     Workers(const Workers&) = delete;
     Workers& operator=(const Workers&) = delete;
     /// Does what waits first.
     ~Workers();
 
     /// False, and nothing done, when too many wait. The job must not throw.
-    bool post(Job job);
+    bool post(const std::string& client, Job job);
 
 private:
+    struct Turn {
+        std::string client;
+        std::deque<Job> jobs;
+    };
     void work(Database database);
+    Job next();
 
-    const std::size_t mostWaiting_;
     std::mutex mutex_;
     std::condition_variable changed_;
-    std::deque<Job> waiting_;
+    std::deque<Turn> turns_; // no client twice
+    std::size_t waiting_ = 0;
     bool isEnding_ = false;
     std::vector<std::thread> threads_;
 };
