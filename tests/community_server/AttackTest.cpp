@@ -8,12 +8,15 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <fstream>
+#include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -66,6 +69,11 @@ class Attack : public testing::Test {
 protected:
     void SetUp() override
     {
+        // Some systems give a process no more than 256 descriptors unless it asks.
+        rlimit limit{};
+        ::getrlimit(RLIMIT_NOFILE, &limit);
+        limit.rlim_cur = std::max<rlim_t>(limit.rlim_cur, std::min<rlim_t>(limit.rlim_max, 1024));
+        ::setrlimit(RLIMIT_NOFILE, &limit);
         server_.join("Ada");
         server_.upload("Ada", mapping_);
     }
