@@ -14,7 +14,9 @@
 #include <mutex>
 #include <random>
 #include <set>
+#include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 

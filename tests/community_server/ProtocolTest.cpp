@@ -75,8 +75,9 @@ TEST(PatchIds, AreWholeNumbers)
 
 TEST(Forms, HoldTheClientsFile)
 {
-    for (const std::string& file : {std::string("mapping"), std::string(), std::string("\r\n"),
-                                    std::string("\r\n--\r\n"), std::string("a\0b", 3)})
+    for (const std::string& file :
+         {std::string("mapping"), std::string(), std::string("\r\n"), std::string("\r\n--\r\n"), std::string("a\0b", 3),
+          community::uploadContentType().substr(30), "--" + community::uploadContentType().substr(30)})
         EXPECT_EQ(fileInForm(community::uploadContentType(), community::uploadBody(file)), file);
 }
 

@@ -11,6 +11,8 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
+#include <string>
 #include <thread>
 
 namespace {

@@ -44,6 +44,7 @@ std::string lineFrom(int descriptor)
 
 int connectTo(std::uint16_t port, const std::string& from)
 {
+    std::signal(SIGPIPE, SIG_IGN); // the server may have gone
     const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
     const timeval patience{kPatience, 0};
     ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
@@ -69,7 +70,7 @@ bool hasOtherAddresses()
 bool sendAll(int socket, const std::string& bytes)
 {
     for (std::size_t sent = 0; sent < bytes.size();) {
-        const ssize_t count = ::send(socket, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+        const ssize_t count = ::send(socket, bytes.data() + sent, bytes.size() - sent, 0);
         if (count <= 0)
             return false;
         sent += static_cast<std::size_t>(count);

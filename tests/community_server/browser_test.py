@@ -49,7 +49,8 @@ class Pages(Serving):
             done = subprocess.run([CHROMIUM, "--headless", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
                                    "--hide-scrollbars", f"--user-data-dir={profile}", *options],
                                   capture_output=True, text=True, check=True, timeout=60,
-                                  env={"PATH": os.environ["PATH"], "HOME": profile, "LC_ALL": "C.UTF-8"})
+                                  env={"PATH": os.environ["PATH"], "HOME": profile, "CFFIXED_USER_HOME": profile,
+                                       "LC_ALL": "C.UTF-8"})
         return done.stdout
 
     def document(self, path):

@@ -78,12 +78,12 @@ class BehindNginx(Serving):
         cls.nginx.terminate()
         cls.nginx.wait(timeout=20)
 
-    def connection(self):
-        """To nginx with TLS."""
+    def connection(self, client="127.0.0.1"):
+        """To nginx with TLS, from an address of this machine."""
         context = ssl.create_default_context(cafile=self.folder / "certificate.pem")
         connection = http.client.HTTPSConnection("127.0.0.1", self.secure, timeout=20)
         connection.connect = lambda: setattr(connection, "sock", context.wrap_socket(
-            socket.create_connection(("127.0.0.1", self.secure), 20), server_hostname=NAME))
+            socket.create_connection(("127.0.0.1", self.secure), 20, (client, 0)), server_hostname=NAME))
         return connection
 
     def ask(self, method, target, body=b"", headers=None, connection=None):
@@ -123,11 +123,12 @@ class WhatIsLoggedBehindNginx(BehindNginx):
 
     def test_is_the_client_s_own_address_and_no_pin(self):
         pin = self.log_in("Ada", "/library")
-        self.ask("GET", "/library/healthz", headers={"X-Forwarded-For": "203.0.113.9"})
+        self.ask("GET", "/library/healthz", headers={"X-Forwarded-For": "203.0.113.9"},
+                 connection=self.connection("127.0.0.2"))
         self.server.terminate()
         logged = self.server.communicate(timeout=20)[0]
         self.assertRegex(logged, r'(?m)^127\.0\.0\.1 - - \[.*\] "POST /library/checkuser\.php HTTP/1\.1" 200 4$')
-        self.assertRegex(logged, r'(?m)^127\.0\.0\.1 - - \[.*\] "GET /library/healthz HTTP/1\.1" 200 2$')
+        self.assertRegex(logged, r'(?m)^127\.0\.0\.2 - - \[.*\] "GET /library/healthz HTTP/1\.1" 200 2$')
         # With the server away, nginx has an error to tell of.
         status, _, said = self.ask("POST", f"/library/checkuser.php?userName=Ada&pinCode={pin}")
         self.assertEqual((status, said), (503, "The library is away for a moment. Please try again in a few minutes."))

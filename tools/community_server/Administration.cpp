@@ -7,7 +7,7 @@
 #include "tools/community_server/PlainText.h"
 #include "tools/community_server/Protocol.h"
 #include "tools/community_server/Schema.h"
-#include "tools/community_server/Service.h"
+#include "tools/community_server/SharedFile.h"
 
 #include <fcntl.h>
 #include <unistd.h>

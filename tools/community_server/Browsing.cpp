@@ -115,9 +115,13 @@ std::optional<std::string> pluginPage(Database& database, std::string_view query
     if (count == 0)
         return std::nullopt;
     const auto place = pages::placeOf(pages::formValue(query, "page"), count, pages::kMappingsPerPage);
-    Statement rows(
-        database, (std::string(kMappings) + "plugin = ? ORDER BY uploaded DESC, patchID DESC LIMIT ? OFFSET ?").c_str(),
-        name, pages::kMappingsPerPage, (place.page - 1) * pages::kMappingsPerPage);
+    // Counted off in the index; only what is shown is joined with its file.
+    Statement rows(database,
+                   (std::string(kMappings) +
+                    "patchID IN (SELECT patchID FROM mapping WHERE plugin = ? AND deleted = 0 AND hash IS NOT NULL "
+                    "ORDER BY uploaded DESC, patchID DESC LIMIT ? OFFSET ?) ORDER BY uploaded DESC, patchID DESC")
+                       .c_str(),
+                   name, pages::kMappingsPerPage, (place.page - 1) * pages::kMappingsPerPage);
     std::vector<pages::Mapping> mappings;
     while (rows.step())
         mappings.push_back(mappingIn(rows, pages::kPagesInList, pages::kLargestInList));

@@ -2,6 +2,7 @@
 // A connection to the library's SQLite file. What goes wrong is thrown as a DatabaseError; whoever answers a client
 // says so, and nothing was stored. A connection belongs to one thread at a time; any number may be open on a file.
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>

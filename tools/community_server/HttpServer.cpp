@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <condition_variable>
 #include <cstdlib>
 #include <cstring>

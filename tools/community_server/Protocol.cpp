@@ -131,12 +131,11 @@ std::optional<std::string_view> fileInForm(std::string_view contentType, std::st
     }
     while (at != body.npos && body.substr(at).starts_with("\r\n")) {
         const std::size_t fields = body.find("\r\n\r\n", at);
-        const std::size_t end = fields == body.npos ? body.npos : body.find(delimiter, fields + 2);
+        const std::size_t end = fields == body.npos ? body.npos : body.find(delimiter, fields + 4);
         if (end == body.npos)
             return std::nullopt;
         if (isFilePart(body.substr(at + 2, fields - at)))
-            // An empty file's delimiter begins with the line's end of its fields.
-            return end < fields + 4 ? std::string_view() : body.substr(fields + 4, end - fields - 4);
+            return body.substr(fields + 4, end - fields - 4);
         at = end + delimiter.size();
     }
     return std::nullopt;

@@ -36,7 +36,11 @@ struct Service::Route {
 };
 
 Service::Service(ServiceSettings settings)
-    : settings_(std::move(settings)), reading_(settings_.data, 2), writing_(settings_.data, 1), pins_(settings_.data, 1)
+    : settings_(std::move(settings)),
+      reading_(settings_.data, 2),
+      writing_(settings_.data, 1),
+      pins_(settings_.data, 1),
+      browsing_(settings_.data, 1)
 {}
 
 const Service::Route* Service::routeOf(const Request& request)
@@ -48,11 +52,11 @@ const Service::Route* Service::routeOf(const Request& request)
         {"POST", "/kv_listplists.php", &Service::reading_, &Service::list},
         {"POST", "/kv_downloadreg.php", &Service::writing_, &Service::countDownload},
         {"GET", kFilesPath, &Service::reading_, &Service::giveFile},
-        {"GET", "/", &Service::reading_, &Service::showPlugins},
-        {"GET", "/plugin", &Service::reading_, &Service::showPlugin},
-        {"GET", "/mapping", &Service::reading_, &Service::showMapping},
-        {"GET", "/style.css", &Service::reading_, &Service::giveStyleSheet},
-        {"GET", "/icon.svg", &Service::reading_, &Service::giveIcon},
+        {"GET", "/", &Service::browsing_, &Service::showPlugins},
+        {"GET", "/plugin", &Service::browsing_, &Service::showPlugin},
+        {"GET", "/mapping", &Service::browsing_, &Service::showMapping},
+        {"GET", "/style.css", &Service::browsing_, &Service::giveStyleSheet},
+        {"GET", "/icon.svg", &Service::browsing_, &Service::giveIcon},
         {"GET", "/healthz", &Service::reading_, &Service::tellHealth},
     };
     const std::string_view method = request.method == "HEAD" ? "GET" : std::string_view(request.method);

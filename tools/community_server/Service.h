@@ -79,10 +79,11 @@ private:
     const ServiceSettings settings_;
     std::atomic<bool> isEnding_ = false;
     Attempts attempts_; // of the one thread that looks at PINs
-    // What reads does not wait for what writes, nor anything for PINs, which take long.
+    // What reads does not wait for what writes, nor anything for PINs and pages, which take long.
     Workers reading_;
     Workers writing_;
     Workers pins_;
+    Workers browsing_;
 };
 
 /// Milliseconds since 1970.

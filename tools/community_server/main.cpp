@@ -8,9 +8,11 @@
 #include "tools/community_server/Schema.h"
 #include "tools/community_server/Service.h"
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -30,6 +32,16 @@ void prepareLibrary(const Options& options)
         std::fprintf(stderr, "community_server: %s\n", problem.c_str());
     if (!options.seed.empty())
         Library(database).seed(options.seed, now());
+}
+
+/// A descriptor for each connection, where the system gives fewer unless it is asked.
+void raiseDescriptorLimit()
+{
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0)
+        return;
+    limit.rlim_cur = std::max<rlim_t>(limit.rlim_cur, std::min<rlim_t>(limit.rlim_max, 1024));
+    ::setrlimit(RLIMIT_NOFILE, &limit);
 }
 
 void endWith(const std::string& parent)
@@ -70,6 +82,7 @@ int main(int argc, char* argv[])
     const Options& options = std::get<Options>(read);
     umask(077); // the folder holds e-mail addresses and the hashes of PINs
     platform::files::failBeyondSizeLimits();
+    raiseDescriptorLimit();
     std::signal(SIGPIPE, SIG_IGN); // clients go, and whoever reads the access log may end
     // Blocked before any thread starts, so that only the one that waits for them gets them.
     sigset_t ends;
