@@ -32,7 +32,6 @@ QSize RowButton::sizeFor(bool showsWords) const
     QStyleOptionButton option;
     initStyleOption(&option);
     option.text.clear();
-    option.features.setFlag(QStyleOptionButton::HasMenu, false);
     const QSize bare = style()->sizeFromContents(QStyle::CT_PushButton, &option, iconSize(), this);
     return {std::max(bare.width(), whole.height() + 8), whole.height()};
 }
@@ -45,7 +44,6 @@ void RowButton::paintEvent(QPaintEvent*)
         option.text = platform::qt::isolated(option.text);
     } else {
         option.text.clear();
-        option.features.setFlag(QStyleOptionButton::HasMenu, false); // the symbol tells of it
     }
     QStylePainter(this).drawControl(QStyle::CE_PushButton, option);
 }
