@@ -89,7 +89,7 @@ class MainWindowTest(ProgramTest):
         window = reader.Program(process).window("kvOrvantaLogic Tool")
         self.check_controls(window)
         more = next(node for node in window.outline() if node.name == "More for the mapping")
-        self.assertIn("showing", more.states)
+        self.wait(lambda: "showing" in more.states, "the button does not come up")
         self.assertNotIn("Help", [node.name for node in window.outline() if "showing" in node.states])
         more.press()
         self.wait(lambda: any(node.role == "menu item" and node.name.startswith("Brief instructions on use") and
