@@ -1,7 +1,5 @@
 #include "app/interface/RowButton.h"
 
-#include "platform/qt/Text.h"
-
 #include <QStyleOptionButton>
 #include <QStylePainter>
 
@@ -40,11 +38,8 @@ void RowButton::paintEvent(QPaintEvent*)
 {
     QStyleOptionButton option;
     initStyleOption(&option);
-    if (showsWords_ || icon().isNull()) {
-        option.text = platform::qt::isolated(option.text);
-    } else {
+    if (!showsWords_ && !icon().isNull())
         option.text.clear();
-    }
     QStylePainter(this).drawControl(QStyle::CE_PushButton, option);
 }
 

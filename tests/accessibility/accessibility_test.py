@@ -82,20 +82,6 @@ class MainWindowTest(ProgramTest):
                     self.choose_plug_in(plug_in)
                 self.check_controls(self.main)
 
-    def test_what_has_no_room_is_in_the_menu_of_a_named_button(self):
-        end(self.process)
-        process = screen.run(program_path, QT_FONT_DPI="250")
-        self.addCleanup(end, process)
-        window = reader.Program(process).window("kvOrvantaLogic Tool")
-        self.check_controls(window)
-        more = next(node for node in window.outline() if node.name == "More for the mapping")
-        self.wait(lambda: "showing" in more.states, "the button does not come up")
-        self.assertNotIn("Help", [node.name for node in window.outline() if "showing" in node.states])
-        more.press()
-        self.wait(lambda: any(node.role == "menu item" and node.name.startswith("Brief instructions on use") and
-                              "showing" in node.states for each in reader.Program(process).windows()
-                              for node in each.outline()), "its menu does not open")
-
     def test_the_file_can_be_shown_once_there_is_one(self):
         def can_show():
             return any(node.role == "push button" and node.name.startswith("Show in F") and "enabled" in node.states

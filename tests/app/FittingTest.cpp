@@ -301,12 +301,6 @@ TEST_F(FittingTest, WhatIsReadFromTheLeftIsIsolatedWhereItIsPainted)
     const auto* delegate = qobject_cast<QStyledItemDelegate*>(list->itemDelegate());
     EXPECT_EQ(delegate->displayText(pots.data(), QLocale()), QString::fromUtf8("\u20681·4\u2069"));
     EXPECT_TRUE(find<ElidedLabel>("labPluginPlistLocation")->text().startsWith(QLatin1Char('/')));
-    // An English text ends with its full stop at the right, whoever reads it.
-    auto* button = find<RowButton>("kvExportToPlist");
-    button->setText(QStringLiteral("Save."));
-    const QImage asItIs = pictureOf(*button);
-    button->setText(QString::fromUtf8("\u2066Save.\u2069"));
-    EXPECT_EQ(comparePictures(pictureOf(*button), asItIs).densest, 0);
 }
 
 } // namespace test
