@@ -55,9 +55,9 @@ FittingRow::FittingRow(int spacing, const char* buttonName, const QString& acces
     more_->setShowsWords(false);
     more_->setAccessibleName(accessibleName);
     more_->setToolTip(accessibleName);
-    more_->setMenu(menu_);
     more_->hide();
-    connect(menu_, &QMenu::aboutToShow, this, &FittingRow::fillMenu);
+    // By a click and not as the button's own menu, which assistive programs could not open.
+    connect(more_, &QPushButton::clicked, this, &FittingRow::openMenu);
     row_->addWidget(more_);
 }
 
@@ -172,7 +172,7 @@ void FittingRow::fit()
     row_->activate(); // now, or it would be seen for a moment as it was
 }
 
-void FittingRow::fillMenu()
+void FittingRow::openMenu()
 {
     menu_->clear();
     for (const Group& group : groups_) {
@@ -181,6 +181,8 @@ void FittingRow::fillMenu()
                 menu_->addAction(window()->findChild<QAction*>(QLatin1String(group.actions[i]->name)));
         }
     }
+    const int besideIt = isRightToLeft() ? 0 : more_->width() - menu_->sizeHint().width(); // it stands at the end
+    menu_->popup(more_->mapToGlobal(QPoint(besideIt, more_->height())));
 }
 
 } // namespace interface

@@ -54,7 +54,7 @@ private:
     Form everything() const;
     int widthOf(const Form& form, bool areTextsShortened) const;
     void fit();
-    void fillMenu();
+    void openMenu();
 
     QHBoxLayout* row_;
     std::vector<QWidget*> others_;

@@ -262,7 +262,7 @@ QWidget* makeLowerView()
     auto* panel = new FrontPanel;
     panel->setObjectName(QStringLiteral("frontPanel"));
     auto* lower = new QWidget;
-    auto* layout = new PanelColumn(panel, new PageOverview(lower), lower);
+    auto* layout = new PanelColumn(panel, new PageOverview, lower);
     auto* difference = makeLabel("differenceHint"); // hidden while nothing is compared
     difference->hide();
     layout->addWidget(difference);

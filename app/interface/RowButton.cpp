@@ -1,7 +1,5 @@
 #include "app/interface/RowButton.h"
 
-#include "platform/qt/Text.h"
-
 #include <QStyleOptionButton>
 #include <QStylePainter>
 
@@ -32,7 +30,6 @@ QSize RowButton::sizeFor(bool showsWords) const
     QStyleOptionButton option;
     initStyleOption(&option);
     option.text.clear();
-    option.features.setFlag(QStyleOptionButton::HasMenu, false);
     const QSize bare = style()->sizeFromContents(QStyle::CT_PushButton, &option, iconSize(), this);
     return {std::max(bare.width(), whole.height() + 8), whole.height()};
 }
@@ -41,12 +38,8 @@ void RowButton::paintEvent(QPaintEvent*)
 {
     QStyleOptionButton option;
     initStyleOption(&option);
-    if (showsWords_ || icon().isNull()) {
-        option.text = platform::qt::isolated(option.text);
-    } else {
+    if (!showsWords_ && !icon().isNull())
         option.text.clear();
-        option.features.setFlag(QStyleOptionButton::HasMenu, false); // the symbol tells of it
-    }
     QStylePainter(this).drawControl(QStyle::CE_PushButton, option);
 }
 

@@ -189,7 +189,6 @@ void RecordListView::paintEvent(QPaintEvent* event)
     const int top = last.isValid() ? visualRect(last).bottom() : 0;
     const QRect room = viewport()->rect().adjusted(margin, top + margin / 2, -margin, -margin / 2);
     QPainter painter(viewport());
-    painter.setLayoutDirection(Qt::LayoutDirectionAuto); // that of the text
     painter.setPen(palette().color(QPalette::Text));
     painter.drawText(room, Qt::AlignCenter | Qt::TextWordWrap, hint_);
 }

@@ -99,6 +99,14 @@ class MainWindowTest(ProgramTest):
                     self.choose_plug_in(plug_in)
                 self.check_controls(self.main)
 
+    def test_the_file_can_be_shown_once_there_is_one(self):
+        def can_show():
+            return any(node.role == "push button" and node.name.startswith("Show in F") and "enabled" in node.states
+                       for node in self.main.outline())
+        self.assertFalse(can_show())
+        self.choose_plug_in("Quillmoor Echo")
+        self.wait(can_show, "the file cannot be shown")
+
     def test_every_row_of_a_list_says_what_it_is(self):
         self.choose_plug_in("Wendlebrook EQ")
         for title in ("Plug-ins", "Plugin Parameters"):

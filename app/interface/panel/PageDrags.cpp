@@ -254,8 +254,8 @@ void PageDrags::paint(QPainter& painter) const
         painter.drawRoundedRect(tile(target_.tile).adjusted(half, half, -half, -half), 6, 6);
         return;
     }
-    // Beside the tile under the pointer, since the next one may begin another row.
-    const bool isBehind = target_.before > pages_.pages() || countedPageAt(position_) == target_.before - 1;
+    // In the pointer's row, where the next tile may not be.
+    const bool isBehind = countedPageAt(position_) != target_.before;
     const QRectF beside = tile(isBehind ? target_.before - 1 : target_.before);
     const double edge = isBehind != strip_.isRightToLeft() ? beside.right() : beside.left();
     const double x = std::clamp(edge, kMarkWidth, strip_.viewport()->width() - kMarkWidth);

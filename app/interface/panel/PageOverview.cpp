@@ -334,7 +334,6 @@ void PageOverview::paintEvent(QPaintEvent* event)
         drags_->paint(painter);
         return;
     }
-    painter.setLayoutDirection(Qt::LayoutDirectionAuto); // that of the text
     painter.setPen(palette().color(QPalette::Active, QPalette::WindowText));
     const QString hint = painter.fontMetrics().elidedText(accessibleDescription(), Qt::ElideRight, viewport()->width());
     painter.drawText(viewport()->rect(), Qt::AlignCenter, hint);
