@@ -77,6 +77,7 @@ TEST_F(TileTitlesTest, TellWhatThePagesParametersBeginWith)
 TEST_F(TileTitlesTest, AreShortenedToTheTileInEitherDirection)
 {
     Texts order(24, "-1");
+    order[0] = "3 Io";
     order[8] = "1 Wide Wide Wide Wide Wide Wide Wide";
     order[16] = "2 " + std::string(100'000, 'W');
     for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
@@ -102,6 +103,13 @@ TEST_F(TileTitlesTest, AreShortenedToTheTileInEitherDirection)
                 }
             }
             EXPECT_NE(picture(2), picture(3));
+            const QImage brief = picture(1); // with an arrow
+            const auto drawn = drawnColumns(brief);
+            ASSERT_FALSE(drawn.empty());
+            const int atLeft = drawn.front();
+            const int atRight = brief.width() - 1 - drawn.back();
+            const bool isMirrored = direction == Qt::RightToLeft;
+            EXPECT_GT(isMirrored ? atLeft : atRight, (isMirrored ? atRight : atLeft) + 10) << pixels;
         }
     }
     QApplication::setLayoutDirection(Qt::LeftToRight);
