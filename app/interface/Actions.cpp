@@ -44,7 +44,7 @@ std::span<const Action> Action::all()
         {.name = "kvExportToPlist", .text = QT_TR_NOOP("Save Mapping"), .symbol = "save",
          .menu = Menu::file, .beginsSection = true, .keys = QKeySequence::Save, .needs = Needs::mapping,
          .call = &VC::kvExportToPlist,
-         .row = ButtonRow::mapping,
+         .row = ButtonRow::saving,
          .toolTip = QT_TR_NOOP("Write the mapping into the plug-in's file and keep backups")},
         {.name = "kvRecallOriginalMapping", .text = QT_TR_NOOP("Recall Original"), .symbol = "recall-original",
          .menu = Menu::file, .keys = "Ctrl+Alt+Shift+O", .needs = Needs::plugin, .call = &VC::kvRecallOriginalMapping,

@@ -55,6 +55,7 @@ enum class ButtonRow {
     none,
     scan,
     history,
+    saving,
     mapping,
     help,
     draft,

@@ -105,6 +105,7 @@ QWidget* makeHeader()
     header->addSeparator();
     header->addGroup(ButtonRow::history);
     header->addSeparator();
+    header->addGroup(ButtonRow::saving); // apart, to be in words for longest
     header->addGroup(ButtonRow::mapping);
     header->addSeparator();
     header->addGroup(ButtonRow::help);

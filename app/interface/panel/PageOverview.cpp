@@ -4,6 +4,7 @@
 #include "app/interface/panel/PageDrags.h"
 #include "app/interface/panel/PageModel.h"
 #include "app/interface/panel/PanelColours.h"
+#include "platform/qt/Text.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -23,13 +24,15 @@ constexpr int kCell = 7;
 constexpr int kCellGap = 4;
 constexpr int kTilePadding = 8;
 constexpr int kTileGap = 3;
+constexpr int kTitle = 13; ///< so much of number and title is seen, in letters
 constexpr double kBadge = 6;
 constexpr double kDimmed = 0.45; ///< a page that is left over
 
 QSize tileSize(const QFontMetrics& metrics)
 {
     const int cells = PageModel::kPots * kCell + (PageModel::kPots - 1) * kCellGap;
-    return {cells + 2 * kTilePadding + 2 * kTileGap, metrics.height() + kCell + 16 + 2 * kTileGap};
+    const int content = std::max(cells, kTitle * metrics.averageCharWidth());
+    return {content + 2 * kTilePadding + 2 * kTileGap, metrics.height() + kCell + 16 + 2 * kTileGap};
 }
 
 void drawCells(QPainter& painter, const QPointF& from, unsigned mapped, const PanelColours& colours)
@@ -129,7 +132,7 @@ private:
         draw(take(metrics.horizontalAdvance(number)), number);
         take(metrics.horizontalAdvance(QLatin1Char(' ')) + 2);
         const QString title = metrics.elidedText(index.data(PageModel::Title).toString(), Qt::ElideRight, room.width());
-        draw(take(room.width()), title);
+        draw(take(room.width()), platform::qt::isolated(title));
     }
 
     /// Points at the number that follows.
