@@ -298,6 +298,19 @@ TEST_F(GuideKeysElsewhere, DoWhatTheGuideSays)
                EXPECT_EQ(mapping::curPage, 2);
                key(Qt::Key_Left);
                EXPECT_EQ(mapping::curPage, 1);
+           }},
+          {"`↑` or `↓`",
+           [this] {
+               find<>("cwinMainWindow")->resize(1240, 1400);
+               for (int page = 4; page <= 40; ++page)
+                   controller().newPageButtonPressed();
+               controller().firstPageButtonPressed();
+               QApplication::processEvents();
+               focus("pageOverview");
+               key(Qt::Key_Down);
+               EXPECT_GT(mapping::curPage, 2);
+               key(Qt::Key_Up);
+               EXPECT_EQ(mapping::curPage, 1);
            }}}},
         {"In a list",
          {{"`Home`, `End`, `Page Up` or `Page Down`",
