@@ -92,7 +92,7 @@ QWidget* makeTitle()
     auto* layout = new QVBoxLayout(title);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(heading);
+    layout->addWidget(heading, 0, Qt::AlignLeading);
     layout->addWidget(makeLabel("mainTitle_Sub"));
     return title;
 }

@@ -1,5 +1,7 @@
 #include "app/interface/RowButton.h"
 
+#include "platform/qt/Text.h"
+
 #include <QStyleOptionButton>
 #include <QStylePainter>
 
@@ -38,9 +40,14 @@ void RowButton::paintEvent(QPaintEvent*)
 {
     QStyleOptionButton option;
     initStyleOption(&option);
-    if (!showsWords_ && !icon().isNull())
+    if (showsWords_ || icon().isNull())
+        option.text = platform::qt::isolated(option.text);
+    else
         option.text.clear();
-    QStylePainter(this).drawControl(QStyle::CE_PushButton, option);
+    QStylePainter painter(this);
+    // The style lays out words and symbol by the option's direction; the painter's would turn that round again.
+    painter.setLayoutDirection(Qt::LeftToRight);
+    painter.drawControl(QStyle::CE_PushButton, option);
 }
 
 } // namespace interface

@@ -121,7 +121,7 @@ RecordListView::RecordListView(std::vector<RecordColumn> columns, std::string to
 void RecordListView::setUpColumns(const std::vector<RecordColumn>& columns)
 {
     header()->setStretchLastSection(false);
-    header()->setDefaultAlignment((isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+    header()->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
     header()->setMinimumSectionSize(fontMetrics().height() * 2);
     const int margins = 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 2);
     for (int column = 0; column < records_->columnCount(); ++column) {
@@ -189,6 +189,7 @@ void RecordListView::paintEvent(QPaintEvent* event)
     const int top = last.isValid() ? visualRect(last).bottom() : 0;
     const QRect room = viewport()->rect().adjusted(margin, top + margin / 2, -margin, -margin / 2);
     QPainter painter(viewport());
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto); // the text's
     painter.setPen(palette().color(QPalette::Text));
     painter.drawText(room, Qt::AlignCenter | Qt::TextWordWrap, hint_);
 }

@@ -13,10 +13,12 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
+#include <QScreen>
 #include <QStyledItemDelegate>
 #include <QTest>
 #include <QTreeView>
 
+#include <cstdlib>
 #include <ctime>
 #include <optional>
 
@@ -67,6 +69,19 @@ protected:
             }
         }
         return found.join(QStringLiteral(", ")).toStdString();
+    }
+    /// What is drawn there on the colour of the first pixel, but for what is nearly that.
+    static QRect inkOf(const QImage& picture, const QRect& within)
+    {
+        const int ground = qGray(picture.pixel(within.topLeft()));
+        QRect ink;
+        for (int y = within.top(); y <= within.bottom(); ++y) {
+            for (int x = within.left(); x <= within.right(); ++x) {
+                if (std::abs(qGray(picture.pixel(x, y)) - ground) > 60)
+                    ink |= QRect(x, y, 1, 1);
+            }
+        }
+        return ink;
     }
     bool showsWords(const char* name) const
     {
@@ -285,10 +300,40 @@ TEST_F(FittingTest, OnlyTheHardwareStaysAsItIsForThoseWhoReadFromTheRight)
     for (const char* list : {"pluginTableView", "tablePlistOfSelectedPlugin"}) {
         const QHeaderView* header = find<QTreeView>(list)->header();
         EXPECT_GT(header->sectionViewportPosition(0), header->sectionViewportPosition(2));
-        EXPECT_TRUE(header->defaultAlignment() & Qt::AlignRight);
         EXPECT_TRUE(window()->rect().adjusted(10, 0, -10, 0).contains(place(list))) << list;
     }
     EXPECT_EQ(faults(), "");
+}
+
+TEST_F(FittingTest, TextsBeginAtTheRightForThoseWhoReadFromThere)
+{
+    QApplication::setLayoutDirection(Qt::RightToLeft);
+    open(13, {1280, 800});
+    // A column's title stands above what it is the title of.
+    auto* header = find<QTreeView>("tablePlistOfSelectedPlugin")->header();
+    const QRect title(header->sectionViewportPosition(1) + 3, 2, header->sectionSize(1) - 6, header->height() - 4);
+    const QRect drawn = inkOf(pictureOf(*header), title);
+    EXPECT_GT(drawn.left(), title.center().x());
+    EXPECT_LE(title.right() - drawn.right(), 6);
+    // Words and symbol are in the middle of their button.
+    for (const char* name : {"btnRunCheck", "kvExportToPlist", "clearAllPagesButtonPressed"}) {
+        auto* button = find<RowButton>(name);
+        ASSERT_TRUE(showsWords(name));
+        const QRect within = button->rect().adjusted(4, 4, -4, -4);
+        const QRect content = inkOf(pictureOf(*button), within);
+        EXPECT_LE(std::abs((content.left() - within.left()) - (within.right() - content.right())), 6) << name;
+    }
+}
+
+TEST_F(FittingTest, PicturesShowWhatIsSeen)
+{
+    for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        QApplication::setLayoutDirection(direction);
+        open(13, {780, 590}); // within the screen
+        const QImage seen = window()->screen()->grabWindow(window()->winId()).toImage();
+        ASSERT_EQ(seen.size(), window()->size());
+        EXPECT_EQ(comparePictures(pictureOf(*window()), seen).densest, 0);
+    }
 }
 
 TEST_F(FittingTest, WhatIsReadFromTheLeftIsIsolatedWhereItIsPainted)
@@ -301,6 +346,12 @@ TEST_F(FittingTest, WhatIsReadFromTheLeftIsIsolatedWhereItIsPainted)
     const auto* delegate = qobject_cast<QStyledItemDelegate*>(list->itemDelegate());
     EXPECT_EQ(delegate->displayText(pots.data(), QLocale()), QString::fromUtf8("\u20681·4\u2069"));
     EXPECT_TRUE(find<ElidedLabel>("labPluginPlistLocation")->text().startsWith(QLatin1Char('/')));
+    // An English text ends with its full stop at the right, whoever reads it.
+    auto* button = find<RowButton>("kvExportToPlist");
+    button->setText(QStringLiteral("Save."));
+    const QImage asItIs = pictureOf(*button);
+    button->setText(QString::fromUtf8("\u2066Save.\u2069"));
+    EXPECT_EQ(comparePictures(pictureOf(*button), asItIs).densest, 0);
 }
 
 } // namespace test

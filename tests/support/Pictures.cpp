@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QPainter>
 #include <QStyle>
 #include <QWidget>
 
@@ -107,7 +108,9 @@ QImage pictureOf(QWidget& widget, double pixelRatio)
     QImage picture(widget.size() * pixelRatio, QImage::Format_RGB32);
     picture.setDevicePixelRatio(pixelRatio);
     picture.fill(widget.palette().color(QPalette::Window));
-    widget.render(&picture);
+    QPainter painter(&picture);
+    painter.setLayoutDirection(widget.layoutDirection()); // as on a screen
+    widget.render(&painter);
     return picture;
 }
 

@@ -337,6 +337,7 @@ void PageOverview::paintEvent(QPaintEvent* event)
         drags_->paint(painter);
         return;
     }
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto); // the text's
     painter.setPen(palette().color(QPalette::Active, QPalette::WindowText));
     const QString hint = painter.fontMetrics().elidedText(accessibleDescription(), Qt::ElideRight, viewport()->width());
     painter.drawText(viewport()->rect(), Qt::AlignCenter, hint);
