@@ -241,7 +241,7 @@ QWidget* makeStatusRow()
     status->add(makePath(), 5);
     auto* signedIn = makeLabel("labLoggedInAs");
     signedIn->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
-    signedIn->setMinimumWidth(14 * signedIn->fontMetrics().averageCharWidth()); // of most user names
+    signedIn->setMinimumWidth(18 * signedIn->fontMetrics().averageCharWidth()); // of most user names
     status->addSeparator();
     status->add(signedIn, 1);
     status->addGroup(ButtonRow::community);

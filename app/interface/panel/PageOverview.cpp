@@ -24,7 +24,7 @@ constexpr int kCell = 7;
 constexpr int kCellGap = 4;
 constexpr int kTilePadding = 8;
 constexpr int kTileGap = 3;
-constexpr int kTitle = 13; ///< so much of number and title is seen, in letters
+constexpr int kTitle = 14; ///< so much of number and title is seen, in letters
 constexpr double kBadge = 6;
 constexpr double kDimmed = 0.45; ///< a page that is left over
 
