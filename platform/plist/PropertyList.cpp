@@ -224,12 +224,12 @@ std::string_view trimmed(std::string_view text)
 
 // Entry points
 
-std::optional<Document> parse(std::string_view bytes)
+std::optional<Document> parse(std::string_view bytes, const Unfolded& most)
 {
     if (bytes.size() > kMaxFileBytes) {
         return std::nullopt;
     }
-    if (auto root = bytes.starts_with(kBinaryStart) ? readBinary(bytes) : std::nullopt) {
+    if (auto root = bytes.starts_with(kBinaryStart) ? readBinary(bytes, most) : std::nullopt) {
         return Document{std::move(*root), Form::binary};
     }
     const DecodedText decoded(bytes);

@@ -119,10 +119,16 @@ struct Document {
     Form form = Form::xml;
 };
 
+// What a binary file, which may hold a value once and use it often, may unfold into, counted at every use.
+struct Unfolded {
+    std::size_t values = 1'000'000;
+    std::size_t textBytes = std::size_t{64} << 20;
+};
+
 // The document in these bytes, in whichever form; nothing if they are no property list. An old-style list, which is
 // never written, counts as XML. Refused are also files of more than 64 MiB, as they stand or as UTF-8, more than 512
-// levels, and more than a million values or 64 MiB of text, counted at every use.
-std::optional<Document> parse(std::string_view bytes);
+// levels, more than a million values or 64 MiB of text, and a binary file that unfolds into more than `most`.
+std::optional<Document> parse(std::string_view bytes, const Unfolded& most = {});
 
 // The bytes of a file in the document's form. A document with a value that XML cannot hold (a control character, a
 // lone surrogate, U+FFFE or U+FFFF, a null, a reference, an odd NaN, a fraction in the seconds of a date) comes out

@@ -106,7 +106,9 @@ std::string utf8FromUtf16(std::string_view bytes)
 
 class BinaryReader {
 public:
-    explicit BinaryReader(std::string_view bytes) : bytes_(bytes) {}
+    BinaryReader(std::string_view bytes, const Unfolded& most)
+        : bytes_(bytes), values_(most.values), textBytes_(most.textBytes)
+    {}
 
     std::optional<Value> read()
     {
@@ -270,8 +272,8 @@ private:
     std::uint64_t objects_ = 0;
     std::uint64_t top_ = 0;
     std::uint64_t table_ = 0; // also where the object area ends
-    std::size_t values_ = kMaxValues;
-    std::size_t textBytes_ = kMaxTextBytes;
+    std::size_t values_;
+    std::size_t textBytes_;
 };
 
 // Writing
@@ -465,9 +467,9 @@ private:
 
 } // namespace
 
-std::optional<Value> readBinary(std::string_view bytes)
+std::optional<Value> readBinary(std::string_view bytes, const Unfolded& most)
 {
-    return BinaryReader(bytes).read();
+    return BinaryReader(bytes, most).read();
 }
 
 std::string writeBinary(const Value& root)

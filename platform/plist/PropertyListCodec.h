@@ -9,8 +9,8 @@
 namespace platform::plist {
 
 inline constexpr std::size_t kMaxFileBytes = std::size_t{64} << 20;
-inline constexpr std::size_t kMaxTextBytes = std::size_t{64} << 20;
-inline constexpr std::size_t kMaxValues = 1'000'000;
+inline constexpr std::size_t kMaxTextBytes = Unfolded{}.textBytes;
+inline constexpr std::size_t kMaxValues = Unfolded{}.values;
 inline constexpr std::size_t kMaxDepth = 512;
 
 // Of a binary file; its version's last digit follows.
@@ -19,7 +19,7 @@ inline constexpr std::string_view kBinaryStart = "bplist0";
 // Whatever follows the root's end is ignored. Neither of the texts has a byte-order mark.
 std::optional<Value> readXml(std::string_view utf8);
 std::optional<Value> readOldStyle(std::string_view utf8);
-std::optional<Value> readBinary(std::string_view bytes);
+std::optional<Value> readBinary(std::string_view bytes, const Unfolded& most = {});
 // Nothing if XML cannot hold some value.
 std::optional<std::string> writeXml(const Value& root);
 std::string writeBinary(const Value& root);

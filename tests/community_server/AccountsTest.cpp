@@ -178,6 +178,16 @@ TEST(Tries, AreNotRenewedByAnAccountOfOnesOwn)
     EXPECT_LE(tried, 40);
 }
 
+TEST(Tries, OfANameThatHoldsAnAddressAreNotThoseOfTheAddress)
+{
+    Attempts attempts;
+    for (int i = 0; i < 100; ++i)
+        for (const char* name : {"\n1.1.1.1", "Ada\n1.1.1.1", "1.1.1.1\nAda", "1.1.1.1", "address 1.1.1.1"})
+            attempts.begin(name, "address " + std::to_string(i), false, i);
+    for (int i = 0; i < 5; ++i)
+        EXPECT_TRUE(attempts.begin("Ada", "1.1.1.1", true, 100 + i)) << i;
+}
+
 TEST(Tries, TakeBoundedMemory)
 {
     Attempts attempts;

@@ -3,6 +3,7 @@
 #include "tools/community_server/Library.h"
 #include "tests/community_server/TestServer.h"
 #include "tests/support/OrderFiles.h"
+#include "tools/community_server/Pages.h"
 #include "tools/community_server/Pins.h"
 #include "tools/community_server/Schema.h"
 
@@ -152,6 +153,22 @@ TEST(Mappings, AreListsOfTexts)
           "{ControlSurfaceParameterOrder = (a, (b));}", "(ControlSurfaceParameterOrder)"})
         EXPECT_FALSE(isMapping(text)) << text;
     EXPECT_FALSE(isMapping(mapping("a") + std::string(kLargestFile, ' ')));
+}
+
+TEST(Mappings, DoNotUnfoldIntoMuchMore)
+{
+    // A binary list keeps a text once however often it is used.
+    const auto file = [](std::size_t count, std::size_t length) {
+        auto order = test::orderFile(test::Texts(count, std::string(length, 'x')));
+        return platform::plist::write({std::move(order), platform::plist::Form::binary});
+    };
+    EXPECT_TRUE(isMapping(file(200'000, 20)));
+    for (const auto& bomb : {file(300'000, 1), file(100'000, 100)}) {
+        EXPECT_LT(bomb.size(), kLargestFile);
+        EXPECT_TRUE(platform::plist::parse(bomb));
+        EXPECT_FALSE(isMapping(bomb));
+        EXPECT_FALSE(pages::chartOf(bomb, 1));
+    }
 }
 
 /// A library of the form that kept its files in a folder.

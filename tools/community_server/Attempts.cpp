@@ -11,14 +11,19 @@ constexpr std::int64_t kHour = 3600 * kSecond;
 /// How long after the last wrong try, and the wait for it, nothing is held against anybody.
 constexpr std::int64_t kMemory = 12 * kHour;
 
-// No name has a line feed, so the three kinds of keys cannot be mistaken for each other.
+// Any bytes may be tried as a name, so what makes the three kinds of keys differ stands in front of it: nobody can have
+// tries counted that another one would be held to.
 std::string pairKey(const std::string& name, const std::string& address)
 {
-    return name + '\n' + address;
+    return "pair " + address + '\n' + name;
 }
 std::string addressKey(const std::string& address)
 {
-    return '\n' + address;
+    return "address " + address;
+}
+std::string nameKey(const std::string& name)
+{
+    return "name " + name;
 }
 
 } // namespace
@@ -27,12 +32,12 @@ bool Attempts::begin(const std::string& name, const std::string& address, bool i
 {
     const std::string pair = pairKey(name, address);
     const std::string anywhere = addressKey(address);
-    if (!mayTry(pair, now) || !mayTry(anywhere, now) || (!isKnownThere && !mayTry(name, now)))
+    if (!mayTry(pair, now) || !mayTry(anywhere, now) || (!isKnownThere && !mayTry(nameKey(name), now)))
         return false;
     count(pair, {5, kHour}, now);
     count(anywhere, {20, kHour}, now);
     if (!isKnownThere)
-        count(name, {50, 60 * kSecond}, now);
+        count(nameKey(name), {50, 60 * kSecond}, now);
     return true;
 }
 
@@ -42,7 +47,7 @@ void Attempts::succeeded(const std::string& name, const std::string& address, bo
     // Only this try: with an account of one's own the others' could be tried for ever.
     takeBack(addressKey(address));
     if (!isKnownThere)
-        takeBack(name);
+        takeBack(nameKey(name));
 }
 
 void Attempts::takeBack(const std::string& key)

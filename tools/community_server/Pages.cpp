@@ -3,8 +3,8 @@
 #include "chart/PrintedChart.h"
 #include "mapping/ParameterOrder.h"
 #include "platform/Utf8.h"
-#include "platform/plist/PropertyList.h"
 #include "tools/community_server/PlainText.h"
+#include "tools/community_server/SharedFile.h"
 
 #include <algorithm>
 #include <charconv>
@@ -218,7 +218,7 @@ std::string formValue(std::string_view query, std::string_view name)
 
 std::optional<Chart> chartOf(std::string_view file, std::int32_t most)
 {
-    const auto document = platform::plist::parse(file);
+    const auto document = readShared(file);
     const auto* root = document ? document->root.asDictionary() : nullptr;
     const auto* value = root ? root->find("ControlSurfaceParameterOrder") : nullptr;
     const auto* order = value ? value->asArray() : nullptr;
