@@ -15,7 +15,7 @@ import urllib.error
 import urllib.request
 from pathlib import Path
 
-from commands import run
+from commands import MadePackage, run
 
 BUILD = Path(os.environ["KV_BUILD"])
 VERSION = os.environ["KV_VERSION"]
@@ -51,30 +51,9 @@ class Unit(configparser.RawConfigParser):
         self.read(path, encoding="utf-8")
 
 
-class ServerPackage(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.folder = tempfile.TemporaryDirectory()
-        folder = Path(cls.folder.name)
-        # Under a strict mask, which must not show in the package.
-        run(os.environ["KV_CPACK"], "--config", BUILD / "CPackServerConfig.cmake", "-B", folder, umask=0o077)
-        cls.packages = list(folder.glob("*.deb"))
-        cls.tree = folder / "tree"
-        cls.control = folder / "control"
-        if cls.packages:
-            run("dpkg-deb", "-x", cls.packages[0], cls.tree)
-            run("dpkg-deb", "-e", cls.packages[0], cls.control)
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.folder.cleanup()
-
-    def field(self, name):
-        return run("dpkg-deb", "-f", self.packages[0], name).rstrip("\n")
-
-    def test_is_one_file_called_as_debian_calls_packages(self):
-        architecture = run("dpkg", "--print-architecture").strip()
-        self.assertEqual([package.name for package in self.packages], [f"{PACKAGE}_{VERSION}-1_{architecture}.deb"])
+class ServerPackage(MadePackage, unittest.TestCase):
+    package = PACKAGE
+    maker = (BUILD / "CPackServerConfig.cmake",)
 
     def test_tells_what_it_is_and_needs(self):
         for name, expected in {
