@@ -55,6 +55,7 @@ FittingRow::FittingRow(int spacing, const char* buttonName, const QString& acces
     more_->setShowsWords(false);
     more_->setAccessibleName(accessibleName);
     more_->setToolTip(accessibleName);
+    menu_->setAccessibleName(accessibleName);
     more_->hide();
     // By a click and not as the button's own menu, which assistive programs could not open.
     connect(more_, &QPushButton::clicked, this, &FittingRow::openMenu);

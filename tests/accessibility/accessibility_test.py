@@ -34,8 +34,8 @@ class ProgramTest(unittest.TestCase):
         make_library.main()
         self.start()
 
-    def start(self):
-        self.process = screen.run(program_path)
+    def start(self, **environment):
+        self.process = screen.run(program_path, **environment)
         self.addCleanup(end, self.process)
         self.program = reader.Program(self.process)
         self.main = self.program.window("kvOrvantaLogic Tool")
@@ -68,6 +68,11 @@ class ProgramTest(unittest.TestCase):
         found = wait_for(lambda: next((node for node in self.main.outline() if (node.role, node.name) == (role, name)
                                        and "showing" in node.states), None), 5)
         self.assertTrue(found, f'no {role} "{name}" is seen')
+        return found
+
+    def alert(self):
+        found = wait_for(lambda: next((w for w in self.program.windows() if w.role in {"alert", "dialog"}), None))
+        self.assertTrue(found, "no alert is told")
         return found
 
     def wait_for_undo(self):
@@ -106,6 +111,22 @@ class MainWindowTest(ProgramTest):
         self.assertFalse(can_show())
         self.choose_plug_in("Quillmoor Echo")
         self.wait(can_show, "the file cannot be shown")
+
+    def test_what_has_no_room_is_in_the_menu_of_a_named_button(self):
+        end(self.process)
+        self.start(QT_FONT_DPI="200", QT_ENABLE_HIGHDPI_SCALING="0")  # larger letters alone, in a window as large
+        more = self.showing("push button", "More for the mapping")
+        self.check_controls(self.main)
+        self.assertNotIn("showing", self.main.find("push button", "Help").states)
+        # A menu that a button opens is no part of what can be read in order; its items are told as they are gone through.
+        self.main.find("label", "kvOrvantaLogic Tool").click()
+        self.wait(lambda: "active" in self.main.states, "the window is not in front")
+        more.press()
+        self.wait(lambda: "pressed" not in more.states, "the button stays pressed")
+        reader.press_key(reader.UP)  # to the last
+        reader.press_key(reader.RETURN)
+        alert = self.alert()
+        self.assertTrue(any("Scan for plugins" in node.name for node in alert.outline()), "it is not the help")
 
     def test_every_row_of_a_list_says_what_it_is(self):
         self.choose_plug_in("Wendlebrook EQ")
@@ -339,8 +360,7 @@ class CommunityWindowsTest(ProgramTest):
 
     def test_an_alert_is_read_whole(self):
         self.main.find("push button", "Help").press()
-        alert = wait_for(lambda: next((w for w in self.program.windows() if w.role in {"alert", "dialog"}), None))
-        self.assertTrue(alert, "no alert is told")
+        alert = self.alert()
         self.check_controls(alert)
         texts = [node.name for node in alert.outline() if node.role == "label"]
         self.assertTrue(any(texts), texts)

@@ -15,7 +15,7 @@ CONTROLS = {"push button", "radio button", "check box", "text", "password text",
 CELLS = {"table cell", "list item", "tree item", "table row"}
 
 # Their places on the keyboard, whatever the layout.
-TAB, RETURN = 23, 36
+TAB, RETURN, UP = 23, 36, 111
 
 
 class Node:

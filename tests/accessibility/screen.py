@@ -75,13 +75,14 @@ class Screen:
         path.mkdir(mode=0o700, exist_ok=True)
         return path
 
-    def run(self, program):
-        """Starts the program; whoever does ends it with `end`, or it ends with the screen."""
+    def run(self, program, **more):
+        """Starts the program, with more in its environment; whoever does ends it with `end`, or it ends with the
+        screen."""
         with open(self.folder / "log.txt", "wb") as log:
             return self._spawn([program], stdout=log, stderr=log, env=self._environment | {
                 "QT_QPA_PLATFORM": "xcb",
                 "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
-            })
+            } | more)
 
 
 def end(process):
