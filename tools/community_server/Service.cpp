@@ -113,8 +113,8 @@ Reply Service::logIn(Database& database, const Request& request)
         return text("\nNO\n");
     if (!isPin(pin, account ? account->pin : std::string()))
         return text("\nNO\n");
+    attempts_.succeeded(name, request.address, isKnownThere); // even where it cannot be noted
     accounts.noteLogIn(*account, pin, request.address, now());
-    attempts_.succeeded(name, request.address, isKnownThere);
     return text("\nOK\n");
 }
 
