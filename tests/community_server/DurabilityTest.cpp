@@ -76,6 +76,18 @@ TEST_F(Stored, OrRefusedInWordsWhileSomebodyElseWrites)
     EXPECT_EQ(server.post("kv_downloadreg.php?patchID=1").body, "\nOK\n");
 }
 
+TEST_F(Stored, LogInsThatCannotBeAreNoWrongTries)
+{
+    const test::TestServer server(data());
+    const std::string pin = server.createAccount("Ada");
+    Database host(data());
+    host.execute("CREATE TRIGGER full BEFORE INSERT ON login BEGIN SELECT RAISE(ABORT, 'full'); END");
+    for (int i = 0; i < 8; ++i)
+        EXPECT_EQ(server.logIn("Ada", pin), kNotStored);
+    host.execute("DROP TRIGGER full");
+    EXPECT_EQ(server.logIn("Ada", pin), "\nOK\n");
+}
+
 TEST_F(Stored, OrRefusedInWordsWhileTheDiskIsFull)
 {
     rlimit limit{};

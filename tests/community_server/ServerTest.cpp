@@ -209,9 +209,22 @@ TEST(ServerBehindAProxy, KnowsClientsByWhatTheProxyTells)
         return server.post(community::loginCheckAddress("", "Ada", pin), {}, "X-Forwarded-For: 10.0.0.1, 10.0.0.2\r\n")
             .body;
     };
+    const auto triesOfOneWhoClaimsAnother = [](const test::TestServer& server) {
+        const std::string pin = server.createAccount("Ada");
+        const auto logIn = [&](const std::string& tried, const std::string& claimed) {
+            return server
+                .post(community::loginCheckAddress("", "Ada", tried), {},
+                      "X-Forwarded-For: " + claimed + "\r\nx-forwarded-for: 10.0.0.1\r\n")
+                .body;
+        };
+        for (int i = 0; i < 8; ++i)
+            logIn("nothing", "10.1.1." + std::to_string(i));
+        return logIn(pin, "10.2.2.2");
+    };
     // Whoever is believed to come from elsewhere has all tries; whoever only says so has not.
     EXPECT_EQ(tries(test::TestServer(folder / "behind", {"--behind-proxy", "yes"})), "\nOK\n");
     EXPECT_EQ(tries(test::TestServer(folder / "before")), "\nNO\n");
+    EXPECT_EQ(triesOfOneWhoClaimsAnother(test::TestServer(folder / "claims", {"--behind-proxy", "yes"})), "\nNO\n");
 }
 
 /// Starts the server and returns its process.

@@ -9,6 +9,7 @@
 #include <arpa/inet.h>
 #include <netdb.h>
 #include <netinet/in.h>
+#include <strings.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -66,7 +67,7 @@ std::string addressOf(const sockaddr* address)
     return {};
 }
 
-/// The address that the nearest proxy saw; empty when it told none.
+/// The last address of a field; empty when that is none.
 std::string lastForwarded(std::string_view field)
 {
     const std::size_t comma = field.rfind(',');
@@ -124,6 +125,20 @@ std::string header(MHD_Connection* connection, const char* name)
 {
     const char* value = MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name);
     return value ? value : std::string();
+}
+
+/// The address that the nearest proxy saw. Proxies may add a field of their own to what a client sent, so the last
+/// counts.
+std::string forwardedAddress(MHD_Connection* connection)
+{
+    std::string last;
+    const auto look = [](void* found, MHD_ValueKind, const char* name, const char* value) {
+        if (value && ::strcasecmp(name, "X-Forwarded-For") == 0)
+            *static_cast<std::string*>(found) = value;
+        return MHD_YES;
+    };
+    MHD_get_connection_values(connection, MHD_HEADER_KIND, look, &last);
+    return lastForwarded(last);
 }
 
 } // namespace
@@ -248,7 +263,7 @@ private:
         request.contentType = header(connection, MHD_HTTP_HEADER_CONTENT_TYPE);
         request.address = exchange.connection->address;
         if (settings_.isBehindProxy)
-            if (std::string forwarded = lastForwarded(header(connection, "X-Forwarded-For")); !forwarded.empty())
+            if (std::string forwarded = forwardedAddress(connection); !forwarded.empty())
                 request.address = std::move(forwarded);
         exchange.isUpload = request.method == "POST" && request.path.ends_with("/kv_upload.php");
         if (exchange.target.size() > kLongestTarget)

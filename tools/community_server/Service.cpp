@@ -81,8 +81,9 @@ void Service::answer(Request request, Done done)
         return done({404, kNothingHere});
     const std::int64_t asked = now();
     const std::string client = request.address;
-    auto job = [this, route, asked, request = std::move(request), done](Database& database) {
-        done(isEnding_ || now() - asked > kLongestWaitMs ? Reply{503, kBusy} : safely(*route, database, request));
+    auto job = [this, route, asked, request = std::move(request), done](Database* database) {
+        const bool isLate = !database || isEnding_ || now() - asked > kLongestWaitMs;
+        done(isLate ? Reply{503, kBusy} : safely(*route, *database, request));
     };
     const bool isPosted = (this->*route->workers).post(client, std::move(job));
     if (!isPosted)
@@ -112,8 +113,8 @@ Reply Service::logIn(Database& database, const Request& request)
         return text("\nNO\n");
     if (!isPin(pin, account ? account->pin : std::string()))
         return text("\nNO\n");
+    attempts_.succeeded(name, request.address, isKnownThere); // even where it cannot be noted
     accounts.noteLogIn(*account, pin, request.address, now());
-    attempts_.succeeded(name, request.address, isKnownThere);
     return text("\nOK\n");
 }
 

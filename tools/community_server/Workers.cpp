@@ -28,17 +28,29 @@ Workers::~Workers()
 
 bool Workers::post(const std::string& client, Job job)
 {
+    Job givesWay;
     {
         const std::lock_guard lock(mutex_);
         auto turn = std::find_if(turns_.begin(), turns_.end(), [&](const Turn& each) { return each.client == client; });
-        if (waiting_ >= kMost || (turn != turns_.end() && turn->jobs.size() >= kMostOfClient))
+        const std::size_t own = turn == turns_.end() ? 0 : turn->jobs.size();
+        if (own >= kMostOfClient)
             return false;
+        if (waiting_ >= kMost) {
+            const auto most = std::ranges::max_element(turns_, {}, sizeOf);
+            if (sizeOf(*most) <= own + 1)
+                return false;
+            givesWay = std::move(most->jobs.back());
+            most->jobs.pop_back();
+            --waiting_;
+        }
         if (turn == turns_.end())
             turn = turns_.insert(turns_.end(), Turn{client, {}});
         turn->jobs.push_back(std::move(job));
         ++waiting_;
     }
     changed_.notify_one();
+    if (givesWay)
+        givesWay(nullptr);
     return true;
 }
 
@@ -52,7 +64,7 @@ void Workers::work(Database database)
         {
             const Job job = next();
             lock.unlock();
-            job(database);
+            job(&database);
         }
         lock.lock();
     }

@@ -1,6 +1,7 @@
 #pragma once
-// Threads with a connection to the library each, that do one job after the other, those of
-// different clients in turns. How many wait is bounded.
+// Threads with a connection to the library each, that do one job after the other, those of different clients in turns.
+// How many wait is bounded; when there are too many, it is the client with most that has one less, so that a few who
+// ask much leave the others their turn.
 
 #include "tools/community_server/Database.h"
 
@@ -18,11 +19,13 @@ namespace community_server {
 
 class Workers {
 public:
-    using Job = std::function<void(Database&)>;
+    /// Called with none when it had to give way to another client's.
+    using Job = std::function<void(Database*)>;
 
-    /// Of a client, and of all.
+    /// Of a client, and of all: less than a quarter of the connections, so that what waits at all four groups of
+    /// workers leaves some to others.
     static constexpr std::size_t kMostOfClient = 64;
-    static constexpr std::size_t kMost = 256;
+    static constexpr std::size_t kMost = 96;
 
     Workers(const std::filesystem::path& folder, int threads);
     Workers(const Workers&) = delete;
@@ -30,7 +33,7 @@ public:
     /// Does what waits first.
     ~Workers();
 
-    /// False, and nothing done, when too many wait. The job must not throw.
+    /// False, and nothing done, when too many of this client wait. The job must not throw.
     bool post(const std::string& client, Job job);
 
 private:
@@ -38,6 +41,7 @@ private:
         std::string client;
         std::deque<Job> jobs;
     };
+    static std::size_t sizeOf(const Turn& turn) { return turn.jobs.size(); }
     void work(Database database);
     Job next();
 
