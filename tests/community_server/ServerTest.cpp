@@ -233,7 +233,8 @@ pid_t start(const test::Path& data)
     const pid_t process = ::fork();
     if (process == 0) {
         ::close(STDOUT_FILENO);
-        ::execl(KV_COMMUNITY_SERVER, KV_COMMUNITY_SERVER, "--port", "0", "--data", data.c_str(), nullptr);
+        ::execl(KV_COMMUNITY_SERVER, KV_COMMUNITY_SERVER, "--port", "0", "--data", data.c_str(),
+                static_cast<char*>(nullptr));
         ::_exit(127);
     }
     return process;

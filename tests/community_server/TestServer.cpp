@@ -1,12 +1,13 @@
 #include "tests/community_server/TestServer.h"
 
 #include "community/Requests.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tools/community_server/Database.h"
 
 #include <gtest/gtest.h>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
-#include <sqlite3.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <sys/wait.h>
@@ -89,18 +90,10 @@ std::string readAll(int socket)
 
 std::string valueIn(const std::string& json, const std::string& path)
 {
-    sqlite3* database = nullptr;
-    sqlite3_stmt* select = nullptr;
-    sqlite3_open(":memory:", &database);
-    sqlite3_prepare_v2(database, "SELECT json_extract(?, ?)", -1, &select, nullptr);
-    sqlite3_bind_text(select, 1, json.data(), static_cast<int>(json.size()), SQLITE_TRANSIENT);
-    sqlite3_bind_text(select, 2, path.c_str(), -1, SQLITE_TRANSIENT);
-    std::string value;
-    if (sqlite3_step(select) == SQLITE_ROW && sqlite3_column_bytes(select, 0) > 0)
-        value = reinterpret_cast<const char*>(sqlite3_column_text(select, 0));
-    sqlite3_finalize(select);
-    sqlite3_close(database);
-    return value;
+    static const TemporaryFolder folder;
+    static community_server::Database database(folder.path());
+    community_server::Statement select(database, "SELECT json_extract(?, ?)", json, path);
+    return select.step() ? std::string(select.text(0)) : std::string();
 }
 
 TestServer::TestServer(const Path& data, const Arguments& further, std::uint16_t port)
