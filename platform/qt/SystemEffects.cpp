@@ -79,7 +79,8 @@ void showInField(QMessageBox& box, QLabel* text)
 /// A text that is higher than the screen would take the buttons with it, and a line that cannot be broken would be cut.
 void letScroll(QMessageBox& box, QLabel* text)
 {
-    const int highest = box.screen()->availableGeometry().height() / 2;
+    const int screen = box.screen()->availableGeometry().height();
+    const int highest = std::min(screen * 2 / 3, screen - 200);
     const int height = text->heightForWidth(kWidth);
     const int width = text->minimumSizeHint().width();
     if (height <= highest && width <= kWidth)
@@ -89,7 +90,8 @@ void letScroll(QMessageBox& box, QLabel* text)
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
     const int bar = scroll->horizontalScrollBar()->sizeHint().height();
-    scroll->setMinimumSize(kWidth, std::min(highest, height + bar));
+    scroll->setMinimumSize(kWidth + bar, std::min(highest, height + bar));
+    text->setMinimumWidth(width); // or the box would have it as wide as it likes to be
     replace(box, text, scroll);
     scroll->setWidget(text);
 }

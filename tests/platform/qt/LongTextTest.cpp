@@ -17,6 +17,8 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -221,6 +223,21 @@ protected:
     CompletionGate gate_;
     MessageBoxAlerts alerts_{gate_};
 };
+
+TEST_F(AlertTest, ATextThatIsTooHighIsScrolledOneWayOnly)
+{
+    std::string text;
+    for (int line = 0; line < 30; ++line)
+        text += "A line of a text that is as wide as an alert, so that it has to be broken somewhere, is broken.\n";
+    show("Help", text, [](const QMessageBox& box) {
+        const auto* area = box.findChild<QScrollArea*>();
+        ASSERT_TRUE(area);
+        EXPECT_GT(area->verticalScrollBar()->maximum(), 0);
+        EXPECT_EQ(area->horizontalScrollBar()->maximum(), 0);
+        EXPECT_LE(area->widget()->width(), area->viewport()->width());
+        expectOnScreen(box);
+    });
+}
 
 TEST_F(AlertTest, ALongTextOfAnyKindIsWholeInAFieldOnTheScreen)
 {
