@@ -78,7 +78,7 @@ TEST(ConnectionTimes, AreShortWhileMemoryIs)
     connections.cutLate(late);
     EXPECT_FALSE(client.isCut());
     for (const char* address : {"a", "b", "c"})
-        ASSERT_TRUE(connections.takeBytes(address, Connections::kMostBytesOfAddress));
+        ASSERT_TRUE(connections.takeBytes(client.connection, address, Connections::kMostBytesOfAddress));
     connections.cutLate(late);
     EXPECT_TRUE(client.isCut());
 }
@@ -136,18 +136,51 @@ TEST(ManyConnections, OfAProxyAreOnlyTooManyInAll)
 
 TEST(Bytes, AreLimitedOfAnAddressAndOfAll)
 {
-    Connections connections(true);
-    EXPECT_TRUE(connections.takeBytes("a", Connections::kMostBytesOfAddress));
-    EXPECT_FALSE(connections.takeBytes("a", 1));
-    connections.giveBytesBack("a", 1);
-    EXPECT_TRUE(connections.takeBytes("a", 1));
+    Connections connections(false);
+    const Client client(connections, "proxy");
+    const auto take = [&](const std::string& address, std::size_t bytes) {
+        return connections.takeBytes(client.connection, address, bytes);
+    };
+    EXPECT_TRUE(take("a", Connections::kMostBytesOfAddress));
+    EXPECT_FALSE(take("a", 1));
+    connections.giveBytesBack(client.connection, "a", 1);
+    EXPECT_TRUE(take("a", 1));
     std::size_t taken = Connections::kMostBytesOfAddress;
-    for (int i = 0;
-         i < 100 && connections.takeBytes("address " + std::to_string(i), Connections::kMostBytesOfAddress / 2); ++i)
+    for (int i = 0; i < 100 && take("address " + std::to_string(i), Connections::kMostBytesOfAddress / 2); ++i)
         taken += Connections::kMostBytesOfAddress / 2;
     EXPECT_EQ(taken, Connections::kMostBytes);
-    connections.giveBytesBack("a", Connections::kMostBytesOfAddress);
-    EXPECT_TRUE(connections.takeBytes("b", Connections::kMostBytesOfAddress));
+    connections.giveBytesBack(client.connection, "a", Connections::kMostBytesOfAddress);
+    EXPECT_TRUE(take("b", Connections::kMostBytesOfAddress));
+    EXPECT_FALSE(client.isCut());
+}
+
+TEST(Bytes, AreTakenFromTheAddressWithMost)
+{
+    Connections connections(true);
+    std::deque<Client> clients;
+    const auto take = [&](const std::string& address, std::size_t bytes) {
+        clients.emplace_back(connections, address);
+        return connections.takeBytes(clients.back().connection, address, bytes);
+    };
+    const std::size_t part = Connections::kMostBytes / 16;
+    for (const char* address : {"little", "much", "much", "much", "some", "some"})
+        EXPECT_TRUE(take(address, part)) << address;
+    EXPECT_TRUE(take("another", part));
+    EXPECT_TRUE(take("other", part));
+    for (const Client& client : clients)
+        EXPECT_FALSE(client.isCut());
+    EXPECT_TRUE(take("other", part));
+    EXPECT_TRUE(clients[1].isCut()); // the first one with much
+    // What it had counts as given back already.
+    clients.emplace_back(connections, "nothing");
+    EXPECT_TRUE(connections.takeBytes(clients.back().connection, "nothing", 0));
+    for (std::size_t i : {0U, 2U, 3U, 4U, 5U, 6U, 7U, 8U})
+        EXPECT_FALSE(clients[i].isCut()) << i;
+    // Whoever has most itself takes from nobody.
+    EXPECT_TRUE(take("some", part));
+    EXPECT_TRUE(take("some", part));
+    for (std::size_t i : {0U, 2U, 3U, 4U, 5U, 6U, 7U, 8U})
+        EXPECT_FALSE(clients[i].isCut()) << i;
 }
 
 } // namespace

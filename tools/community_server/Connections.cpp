@@ -36,21 +36,24 @@ void Connections::setPhase(Connection* connection, Phase phase)
     connection->phase = phase;
 }
 
-bool Connections::takeBytes(const std::string& address, std::size_t bytes)
+bool Connections::takeBytes(Connection* connection, const std::string& address, std::size_t bytes)
 {
     const std::lock_guard lock(mutex_);
+    if (areClients_)
+        makeRoom(address, bytes);
     std::size_t& ofAddress = bytes_[address];
     const bool fits = ofAddress + bytes <= kMostBytesOfAddress && allBytes_ + bytes <= kMostBytes;
     if (fits) {
         ofAddress += bytes;
         allBytes_ += bytes;
+        connection->bytes += bytes;
     } else if (ofAddress == 0) {
         bytes_.erase(address);
     }
     return fits;
 }
 
-void Connections::giveBytesBack(const std::string& address, std::size_t bytes)
+void Connections::giveBytesBack(Connection* connection, const std::string& address, std::size_t bytes)
 {
     const std::lock_guard lock(mutex_);
     const auto ofAddress = bytes_.find(address);
@@ -58,8 +61,30 @@ void Connections::giveBytesBack(const std::string& address, std::size_t bytes)
         return;
     ofAddress->second -= bytes;
     allBytes_ -= bytes;
+    connection->bytes -= bytes;
     if (ofAddress->second == 0)
         bytes_.erase(ofAddress);
+}
+
+void Connections::makeRoom(const std::string& address, std::size_t bytes)
+{
+    std::unordered_map<std::string, std::size_t> kept; // without what is about to be given back
+    std::size_t all = 0;
+    for (const Connection& connection : connections_)
+        if (!connection.isCut && connection.bytes > 0) {
+            kept[connection.address] += connection.bytes;
+            all += connection.bytes;
+        }
+    if (kept.empty() || all + bytes <= kMostBytes / 2)
+        return;
+    const auto most = std::ranges::max_element(kept, {}, [](const auto& each) { return each.second; });
+    const auto own = kept.find(address);
+    if (most->second <= (own == kept.end() ? 0 : own->second) + bytes)
+        return;
+    const auto oldest = std::ranges::find_if(connections_, [&](const Connection& connection) {
+        return !connection.isCut && connection.bytes > 0 && connection.address == most->first;
+    });
+    cut(*oldest);
 }
 
 void Connections::cutLate(Clock::time_point now)

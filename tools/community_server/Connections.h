@@ -37,6 +37,7 @@ public:
         Clock::time_point since;
         Phase phase = Phase::idle;
         bool isCut = false;
+        std::size_t bytes = 0; ///< that are kept for it
     };
 
     /// Whether addresses tell clients apart, which they do not behind a proxy.
@@ -48,9 +49,10 @@ public:
     /// A request goes on to its next phase; idle is the end of one.
     void setPhase(Connection* connection, Phase phase);
 
-    /// Whether so many bytes more may be kept for the client at the address; then give them back at the end.
-    bool takeBytes(const std::string& address, std::size_t bytes);
-    void giveBytesBack(const std::string& address, std::size_t bytes);
+    /// Whether so many bytes more may be kept for the client at the address; then give them back at the end. From half
+    /// of kMostBytes on, the address that has most, if that is not this one, loses its oldest connection that has some.
+    bool takeBytes(Connection* connection, const std::string& address, std::size_t bytes);
+    void giveBytesBack(Connection* connection, const std::string& address, std::size_t bytes);
 
     /// Cuts those whose time is over.
     void cutLate(Clock::time_point now);
@@ -62,6 +64,7 @@ private:
     void cutOldest(const std::string* address);
     std::size_t countOf(const std::string& address) const;
     std::string addressWithMost() const;
+    void makeRoom(const std::string& address, std::size_t bytes);
 
     const bool areClients_;
     mutable std::mutex mutex_;

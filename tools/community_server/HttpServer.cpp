@@ -228,7 +228,7 @@ private:
         *context = nullptr;
         if (!exchange)
             return;
-        connections.giveBytesBack(exchange->request.address, exchange->heldBytes);
+        connections.giveBytesBack(exchange->connection, exchange->request.address, exchange->heldBytes);
         connections.setPhase(exchange->connection, Phase::idle);
     }
 
@@ -299,7 +299,7 @@ private:
 
     bool hold(Exchange& exchange, std::size_t bytes)
     {
-        if (!connections_.takeBytes(exchange.request.address, bytes))
+        if (!connections_.takeBytes(exchange.connection, exchange.request.address, bytes))
             return false;
         exchange.heldBytes += bytes;
         return true;
@@ -325,7 +325,7 @@ private:
     MHD_Result send(MHD_Connection* connection, Exchange& exchange)
     {
         connections_.setPhase(exchange.connection, Phase::sending);
-        connections_.giveBytesBack(exchange.request.address, std::exchange(exchange.heldBytes, 0));
+        connections_.giveBytesBack(exchange.connection, exchange.request.address, std::exchange(exchange.heldBytes, 0));
         const std::size_t size = exchange.reply->body.size();
         if (size > Connections::kSmall && !hold(exchange, size))
             exchange.reply = Reply{503, kBusy};

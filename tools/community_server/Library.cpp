@@ -55,7 +55,8 @@ std::string Library::listing(const std::string& plugin)
             list += ',';
         list += entry;
     }
-    return list + "]";
+    list += ']';
+    return list;
 }
 
 bool Library::countDownload(std::int64_t patchId)

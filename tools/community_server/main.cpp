@@ -21,6 +21,10 @@
 #include <utility>
 #include <variant>
 
+#if __has_include(<malloc.h>)
+#include <malloc.h>
+#endif
+
 namespace {
 
 using namespace community_server;
@@ -42,6 +46,14 @@ void raiseDescriptorLimit()
         return;
     limit.rlim_cur = std::max<rlim_t>(limit.rlim_cur, std::min<rlim_t>(limit.rlim_max, 1024));
     ::setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+/// Has glibc give large texts back at once, of which its heaps would keep many times what is in use.
+void keepLittleMemory()
+{
+#ifdef M_MMAP_THRESHOLD
+    ::mallopt(M_MMAP_THRESHOLD, 128 << 10);
+#endif
 }
 
 void endWith(const std::string& parent)
@@ -83,6 +95,7 @@ int main(int argc, char* argv[])
     umask(077); // the folder holds e-mail addresses and the hashes of PINs
     platform::files::failBeyondSizeLimits();
     raiseDescriptorLimit();
+    keepLittleMemory();
     std::signal(SIGPIPE, SIG_IGN); // clients go, and whoever reads the access log may end
     // Blocked before any thread starts, so that only the one that waits for them gets them.
     sigset_t ends;
