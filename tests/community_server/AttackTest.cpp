@@ -89,8 +89,8 @@ protected:
             ASSERT_GE(sockets.back(), 0) << i;
             // In the first line, in the head, in the body.
             const char* const begun[] = {"P", "POST /kv_listplists.php?plugin=Echo HTTP/1.1\r\nHost: l",
-                                         "POST /kv_upload.php?user=Ada&plugin=Echo&comments= HTTP/1.1\r\nHost: l\r\n"
-                                         "Content-Length: 1000\r\n\r\n-",
+                                         ("POST /kv_upload.php?user=Ada&plugin=Echo&comments= HTTP/1.1\r\nHost: l\r\n"
+                                          "Content-Length: 1000\r\n\r\n-"),
                                          ""};
             test::sendAll(sockets.back(), begun[i % 4]);
         }
