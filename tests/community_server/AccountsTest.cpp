@@ -68,6 +68,7 @@ TEST(UserNames, LookAlike)
                                                          {"paypal", "paypa1"},
                                                          {"Bob", "B0b"},
                                                          {"modern", "modem"},
+                                                         {"wolf", "vvolf"},
                                                          {"Ada", "\u0391DA"},
                                                          {"mario", "MARI0"},
                                                          {"mario", "MARIO"}};

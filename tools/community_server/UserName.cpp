@@ -57,7 +57,8 @@ icu::UnicodeString skeletonOf(const icu::UnicodeString& text)
         skeleton = folded(once);
     }
     // A capital I looks like a small l, its small letter does not, and names are the same in either case.
-    return skeleton.findAndReplace(u"i", u"l");
+    skeleton.findAndReplace(u"i", u"l");
+    return skeleton.findAndReplace(u"vv", u"w");
 }
 
 bool isSeen(UChar32 point)
