@@ -241,9 +241,9 @@ QWidget* makeStatusRow()
     status->add(makePath(), 5);
     auto* signedIn = makeLabel("labLoggedInAs");
     signedIn->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
-    signedIn->setMinimumWidth(18 * signedIn->fontMetrics().averageCharWidth()); // of most user names
+    signedIn->setMinimumWidth(14 * signedIn->fontMetrics().averageCharWidth()); // of most user names
     status->addSeparator();
-    status->add(signedIn, 1);
+    status->add(signedIn); // whole before the path is, whose end is enough
     status->addGroup(ButtonRow::community);
     return status;
 }

@@ -277,6 +277,16 @@ TEST_F(FittingTest, APathThatIsTooLongEndsWithThePlugIn)
     EXPECT_EQ(path->text().toStdString(), builtIn("Synth").native());
 }
 
+TEST_F(FittingTest, WhoIsLoggedInIsReadBeforeTheWholePath)
+{
+    open(13, {1024, 640});
+    ASSERT_TRUE(find<ElidedLabel>("labPluginPlistLocation")->isShortened());
+    controller().changeLoginStateAndState("a rather long name", 1);
+    QApplication::processEvents();
+    EXPECT_FALSE(find<ElidedLabel>("labLoggedInAs")->isShortened());
+    EXPECT_EQ(faults(), "");
+}
+
 TEST_F(FittingTest, ThePlugInsFileIsShownWhereItLies)
 {
     writeDictionary(builtIn("Synth"), orderFile(numbered(8)));

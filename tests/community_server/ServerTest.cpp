@@ -246,7 +246,8 @@ TEST(ServerProcess, ExitsWhenThePortIsTaken)
     const test::TestServer first(folder / "first");
     const std::string command = KV_COMMUNITY_SERVER " --port " + std::to_string(first.port()) + " --data " +
                                 (folder / "second").native() + " 2>" + (folder / "says").native();
-    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
+    const int status = std::system(command.c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 1);
     EXPECT_EQ(test::read(folder / "says"),
               "community_server: cannot listen on 127.0.0.1, port " + std::to_string(first.port()) + "\n");
 }
