@@ -236,7 +236,7 @@ void ListsView::showHints()
     const QString searched = qt::toQt(offered->filterText.get());
     QString hint;
     if (offered->content().empty())
-        hint = found->content().empty() ? QString() : tr("Choose a plug-in at the left to see its parameters.");
+        hint = found->content().empty() ? QString() : tr("Choose a plug-in to see its parameters here.");
     else if (offered->content().size() == 1)
         hint = tr("The file of this plug-in lists no parameters.");
     else if (offered->arrangedCount() == 1 && !searched.isEmpty() && unmappedOnly_->isChecked())

@@ -216,7 +216,7 @@ TEST_F(EditingViewTest, EmptyListsSayWhatToDoNext)
     writeDictionary(builtIn("Nothing"), orderFile({}));
     click("btnRunCheck");
     EXPECT_EQ(hint("pluginTableView"), "");
-    EXPECT_EQ(hint("tablePlistOfSelectedPlugin"), "Choose a plug-in at the left to see its parameters.");
+    EXPECT_EQ(hint("tablePlistOfSelectedPlugin"), "Choose a plug-in to see its parameters here.");
     select("Synth");
     EXPECT_EQ(hint("tablePlistOfSelectedPlugin"), "");
     const char* const nothing =
