@@ -1,7 +1,7 @@
 #pragma once
 // What there is to know in the lists of plug-ins and of parameters: which rows a search finds, on which pots parameters
-// stand, what is dragged from there, and what to do next where a list is empty. Follows the controller; changes
-// nothing.
+// stand, what is dragged from there, and what to do next where a list is empty. Follows the controller; selects,
+// and edits nothing.
 
 #include "platform/controls/Signal.h"
 

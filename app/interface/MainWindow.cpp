@@ -241,7 +241,7 @@ QWidget* makeStatusRow()
     status->add(makePath(), 5);
     auto* signedIn = makeLabel("labLoggedInAs");
     signedIn->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
-    signedIn->setMinimumWidth(14 * signedIn->fontMetrics().averageCharWidth()); // of most user names
+    signedIn->setMinimumWidth(14 * signedIn->fontMetrics().averageCharWidth()); // however little room there is
     status->addSeparator();
     status->add(signedIn); // whole before the path is, whose end is enough
     status->addGroup(ButtonRow::community);

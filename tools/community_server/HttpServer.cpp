@@ -155,7 +155,7 @@ public:
                              this, MHD_OPTION_LISTEN_SOCKET, listening, MHD_OPTION_CONNECTION_LIMIT, kMostSockets,
                              MHD_OPTION_CONNECTION_MEMORY_LIMIT, kConnectionMemory, MHD_OPTION_CONNECTION_TIMEOUT,
                              static_cast<unsigned int>(Connections::kWholeTime.count()), MHD_OPTION_NOTIFY_CONNECTION,
-                             noteConnection, this, MHD_OPTION_URI_LOG_CALLBACK, beginExchange, this,
+                             noteConnection, this, MHD_OPTION_URI_LOG_CALLBACK, beginExchange, nullptr,
                              MHD_OPTION_NOTIFY_COMPLETED, endExchange, this, MHD_OPTION_END);
         if (!daemon_) {
             ::close(listening);
@@ -211,13 +211,12 @@ private:
         *context = connections.opened(socket->connect_fd, addressOf(client->client_addr));
     }
 
-    static void* beginExchange(void* self, const char* target, MHD_Connection* connection)
+    static void* beginExchange(void*, const char* target, MHD_Connection* connection)
     {
         const auto* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT);
         auto* exchange = new Exchange;
         exchange->target = target;
         exchange->connection = static_cast<Connections::Connection*>(info->socket_context);
-        static_cast<void>(self);
         return exchange;
     }
 
