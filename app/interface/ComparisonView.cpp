@@ -2,6 +2,7 @@
 
 #include "app/ViewController.h"
 #include "app/interface/Interface.h"
+#include "app/interface/ShortName.h"
 #include "app/interface/panel/FrontPanel.h"
 #include "app/interface/panel/PageOverview.h"
 #include "mapping/EditingState.h"
@@ -28,9 +29,6 @@ using mapping::ComparedWith;
 
 namespace {
 
-/// So that two names fit into a tip that can be read.
-constexpr qsizetype kLongestName = 90;
-
 QString nameOf(ComparedWith side)
 {
     switch (side) {
@@ -41,18 +39,12 @@ QString nameOf(ComparedWith side)
     }
 }
 
-QString shown(const std::string& text)
-{
-    const QString whole = qt::toQt(text);
-    return whole.size() <= kLongestName ? whole : whole.left(kLongestName) + QChar(0x2026);
-}
-
 /// With the number, where the name alone would not tell the two apart.
 QString parameterText(const panel::SlotContent& content, bool withNumber)
 {
     if (content.name == mapping::kEmptyName)
         return ComparisonView::tr("empty");
-    return shown(withNumber ? content.number + ' ' + content.name : content.name);
+    return shortName(qt::toQt(withNumber ? content.number + ' ' + content.name : content.name));
 }
 
 /// ", which has 2 pages more"

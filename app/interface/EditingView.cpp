@@ -4,6 +4,7 @@
 #include "app/interface/Actions.h"
 #include "app/interface/DraftBar.h"
 #include "app/interface/Interface.h"
+#include "app/interface/ShortName.h"
 #include "app/interface/panel/FrontPanel.h"
 #include "app/interface/panel/PageOverview.h"
 #include "chart/Chart.h"
@@ -49,15 +50,6 @@ constexpr int kBackupPauseMs = 250;
 /// failed.
 constexpr int kDraftPauseMs = 1000;
 constexpr int kDraftRetryMs = 10'000;
-
-/// So that a name fits into a tip that can be read.
-constexpr qsizetype kLongestName = 90;
-
-QString shortened(std::string_view name)
-{
-    const QString whole = qt::toQt(name);
-    return whole.size() <= kLongestName ? whole : whole.left(kLongestName) + QChar(0x2026);
-}
 
 /// Puts a line under a tool tip, or none, and has a screen reader tell it.
 void describe(QAbstractButton* button, const QString& toolTip, const QString& more)
@@ -284,7 +276,8 @@ void EditingView::showWhatPotsDo()
         else if (mapping::isEmptyEntry(*parameter))
             task = action.withKeys(tr("Clear pot %1").arg(pot));
         else // all in one go, since a name may hold "%2" itself
-            task = action.withKeys(tr("Put %1 on pot %2").arg(shortened(parameter->text(mapping::kParameter)), pot));
+            task = action.withKeys(
+                tr("Put %1 on pot %2").arg(shortName(qt::toQt(parameter->text(mapping::kParameter))), pot));
     }
     panel_->setTasks(tasks);
 }

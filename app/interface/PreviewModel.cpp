@@ -1,5 +1,6 @@
 #include "app/interface/PreviewModel.h"
 
+#include "app/interface/ShortName.h"
 #include "app/interface/panel/DifferenceBadge.h"
 #include "mapping/Comparison.h"
 #include "mapping/ParameterOrder.h"
@@ -24,8 +25,7 @@ constexpr qsizetype kLongestName = 200;
 
 QString nameIn(const std::vector<platform::Record>& entries, std::int32_t position)
 {
-    const QString name = qt::toQt(mapping::nameAt(entries, position));
-    return name.size() <= kLongestName ? name : name.left(kLongestName) + QChar(0x2026);
+    return shortName(qt::toQt(mapping::nameAt(entries, position)), kLongestName);
 }
 
 QIcon badge()

@@ -1,22 +1,12 @@
 #include "app/interface/panel/PageModel.h"
 
+#include "app/interface/ShortName.h"
+
 #include <algorithm>
 #include <bit>
 #include <utility>
 
 namespace interface {
-
-namespace {
-
-/// So that the tip with eight names stays one that can be read, and a title is drawn at once.
-constexpr qsizetype kLongestName = 90;
-
-QString shortened(const QString& name)
-{
-    return name.size() <= kLongestName ? name : name.left(kLongestName) + QChar(0x2026);
-}
-
-} // namespace
 
 void PageModel::setSource(std::function<QString(int page, int pot)> name, std::function<QString(int page)> title)
 {
@@ -105,7 +95,7 @@ QString PageModel::nameAt(int page, int pot) const
 
 QString PageModel::titleOf(int page) const
 {
-    return title_ ? shortened(title_(page)) : QString();
+    return title_ ? shortName(title_(page)) : QString();
 }
 
 unsigned PageModel::mappedPots(int page) const
@@ -163,7 +153,7 @@ QString PageModel::namesText(int page) const
     for (int pot = 1; pot <= kPots; ++pot) {
         const QString difference = differenceAt(page, pot);
         lines << QString::number(pot) + QStringLiteral("  ") +
-                     (difference.isEmpty() ? shortened(nameAt(page, pot)) : difference);
+                     (difference.isEmpty() ? shortName(nameAt(page, pot)) : difference);
     }
     if (page <= pages_ && pages_ > 1)
         lines << tr("Drag it between two others to move the page; the others keep their order");
